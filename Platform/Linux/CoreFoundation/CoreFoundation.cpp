@@ -1,0 +1,134 @@
+#include <CoreFoundation/CoreFoundation.h>
+#include <utf8proc.h>
+
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Platform/Linux/CoreFoundation/Object.h"
+
+using tapdeck::cf::Object;
+
+namespace {
+
+const Object& objectOf(CFTypeRef reference) {
+  return *static_cast<const Object*>(reference);
+}
+
+bool isUtf8(std::string_view text) {
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  while (left > 0) {
+    utf8proc_int32_t codePoint = 0;
+    const utf8proc_ssize_t used = utf8proc_iterate(bytes, left, &codePoint);
+    if (used <= 0) return false;
+    bytes += used;
+    left -= used;
+  }
+  return true;
+}
+
+}  // namespace
+
+struct __CFBoolean final : Object {};
+
+struct __CFString final : Object {
+  explicit __CFString(std::string content) : text(std::move(content)) {}
+  bool equals(const Object& other) const override {
+    const auto* string = dynamic_cast<const __CFString*>(&other);
+    return string != nullptr && string->text == text;
+  }
+  const std::string text;
+};
+
+struct __CFData final : Object {
+  bool equals(const Object& other) const override {
+    const auto* data = dynamic_cast<const __CFData*>(&other);
+    return data != nullptr && data->bytes == bytes;
+  }
+  std::vector<UInt8> bytes;
+};
+
+struct __CFDictionary final : Object {
+  ~__CFDictionary() override {
+    for (const auto& [key, value] : entries) {
+      CFRelease(key);
+      CFRelease(value);
+    }
+  }
+  std::vector<std::pair<CFTypeRef, CFTypeRef>> entries;
+};
+
+const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0};
+const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0};
+
+// never released to nothing: each starts with a reference of its own
+const CFBooleanRef kCFBooleanTrue = new __CFBoolean;
+const CFBooleanRef kCFBooleanFalse = new __CFBoolean;
+
+CFTypeRef CFRetain(CFTypeRef object) {
+  objectOf(object).retain();
+  return object;
+}
+
+void CFRelease(CFTypeRef object) {
+  objectOf(object).release();
+}
+
+CFIndex CFGetRetainCount(CFTypeRef object) {
+  return objectOf(object).retainCount();
+}
+
+Boolean CFEqual(CFTypeRef a, CFTypeRef b) {
+  return static_cast<Boolean>(objectOf(a).equals(objectOf(b)));
+}
+
+CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding encoding) {
+  if (encoding != kCFStringEncodingUTF8 || !isUtf8(text)) return nullptr;
+  return new __CFString(text);
+}
+
+CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length) {
+  CFMutableDataRef data = CFDataCreateMutable(allocator, 0);
+  CFDataAppendBytes(data, bytes, length);
+  return data;
+}
+
+CFMutableDataRef CFDataCreateMutable(CFAllocatorRef, CFIndex) {
+  return new __CFData;
+}
+
+void CFDataAppendBytes(CFMutableDataRef data, const UInt8* bytes, CFIndex length) {
+  data->bytes.insert(data->bytes.end(), bytes, bytes + length);
+}
+
+CFIndex CFDataGetLength(CFDataRef data) {
+  return static_cast<CFIndex>(data->bytes.size());
+}
+
+const UInt8* CFDataGetBytePtr(CFDataRef data) {
+  return data->bytes.data();
+}
+
+CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values,
+                                   CFIndex count, const CFDictionaryKeyCallBacks*,
+                                   const CFDictionaryValueCallBacks*) {
+  auto* dictionary = new __CFDictionary;
+  for (CFIndex i = 0; i < count; ++i) {
+    dictionary->entries.emplace_back(CFRetain(keys[i]), CFRetain(values[i]));
+  }
+  return dictionary;
+}
+
+const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
+  for (const auto& [candidate, value] : dictionary->entries) {
+    if (CFEqual(candidate, key) != 0) return value;
+  }
+  return nullptr;
+}
+
+CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
+  return static_cast<CFIndex>(dictionary->entries.size());
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <functional>
+
+namespace tapdeck::permissions {
+
+/// What the user at the computer lets the host do. Main thread only, all of it.
+enum class Permission { control, screenCapture };
+
+/// Read afresh from the user's settings at each call; granted until the user withdraws it.
+bool isGranted(Permission permission);
+
+/// The user's decision; kept across runs.
+void setGranted(Permission permission, bool granted);
+
+/// Brings the question before the user (the main window's switches) without waiting.
+void ask(Permission permission);
+
+/// What `ask` does; the main window installs itself here.
+void setAskHandler(std::function<void(Permission)> handler);
+
+}  // namespace tapdeck::permissions

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace tapdeck::quartz {
+
+/// The X server cannot be used; the text says why and what to do.
+class WindowServerError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// One RandR 1.5 monitor.
+struct Monitor {
+  /// The atom of the monitor's name: the display's number for as long as the X server runs.
+  uint32_t number;
+  std::string name;
+  /// In pixels of the root window, whose origin is its top-left corner.
+  int x, y, width, height;
+  friend bool operator==(const Monitor&, const Monitor&) = default;
+};
+
+/// Opens the connection to the X server of $DISPLAY and checks the extensions that the host needs
+/// (XTEST, XFIXES, RANDR 1.5). Once, before anything else of Quartz; main thread, as all of this.
+/// Throws WindowServerError.
+void connectToWindowServer();
+
+/// The monitors, the primary one first, then in the server's order; asked afresh. Empty when there
+/// is none or the server is gone.
+std::vector<Monitor> monitors();
+
+/// Pixels per point, the same for the whole X screen: the desktop's window scaling factor.
+double pixelsPerPoint();
+
+/// Calls `changed` after the list of monitors changed, once per change, from the GLib main loop.
+void observeMonitors(std::function<void()> changed);
+
+/// Releases every key and button that events posted here still hold pressed, and shows the cursor.
+void letGo();
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,144 @@
+#pragma once
+
+// The part of Core Graphics that the host uses, under its documented names, values and ownership
+// rules. Points and rectangles are in global display coordinates: points, origin at the top-left
+// corner of the primary display, y growing downwards. Main thread only.
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstdint>
+
+extern "C" {
+
+using CGFloat = double;
+
+struct CGPoint {
+  CGFloat x;
+  CGFloat y;
+};
+
+struct CGSize {
+  CGFloat width;
+  CGFloat height;
+};
+
+struct CGRect {
+  CGPoint origin;
+  CGSize size;
+};
+
+inline CGPoint CGPointMake(CGFloat x, CGFloat y) {
+  return {x, y};
+}
+inline CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
+  return {{x, y}, {width, height}};
+}
+CGFloat CGRectGetMinX(CGRect rect);
+CGFloat CGRectGetMidX(CGRect rect);
+CGFloat CGRectGetMaxX(CGRect rect);
+CGFloat CGRectGetMinY(CGRect rect);
+CGFloat CGRectGetMidY(CGRect rect);
+CGFloat CGRectGetMaxY(CGRect rect);
+CGFloat CGRectGetWidth(CGRect rect);
+CGFloat CGRectGetHeight(CGRect rect);
+/// Left and top edges inclusive, right and bottom edges exclusive.
+bool CGRectContainsPoint(CGRect rect, CGPoint point);
+/// The smallest rectangle that holds both; a null rectangle counts as nothing.
+CGRect CGRectUnion(CGRect a, CGRect b);
+bool CGRectIsNull(CGRect rect);
+/// The rectangle that is no place at all: infinite origin, no size.
+extern const CGRect CGRectNull;
+
+enum CGError : int32_t { kCGErrorSuccess = 0, kCGErrorFailure = 1000, kCGErrorIllegalArgument = 1001 };
+
+// ---- displays
+
+using CGDirectDisplayID = uint32_t;
+inline constexpr CGDirectDisplayID kCGNullDirectDisplay = 0;
+
+CGDirectDisplayID CGMainDisplayID();
+/// An empty rectangle at the origin for a display that is not attached.
+CGRect CGDisplayBounds(CGDirectDisplayID display);
+/// Hides the cursor everywhere and counts; it shows again when as many shows have come. More shows
+/// than hides do no harm.
+CGError CGDisplayHideCursor(CGDirectDisplayID display);
+CGError CGDisplayShowCursor(CGDirectDisplayID display);
+CGError CGWarpMouseCursorPosition(CGPoint position);
+
+// ---- permissions
+
+/// Whether the screen may be captured; never asks the user.
+bool CGPreflightScreenCaptureAccess();
+/// The same, and brings the question before the user when it may not.
+bool CGRequestScreenCaptureAccess();
+
+// ---- events
+
+using CGEventRef = struct __CGEvent*;
+using CGEventSourceRef = struct __CGEventSource*;
+using CGKeyCode = uint16_t;
+using CGEventFlags = uint64_t;
+
+enum : CGEventFlags {
+  kCGEventFlagMaskAlphaShift = 0x00010000,
+  kCGEventFlagMaskShift = 0x00020000,
+  kCGEventFlagMaskControl = 0x00040000,
+  kCGEventFlagMaskAlternate = 0x00080000,
+  kCGEventFlagMaskCommand = 0x00100000,
+};
+
+enum CGEventSourceStateID : int32_t {
+  kCGEventSourceStatePrivate = -1,
+  kCGEventSourceStateCombinedSessionState = 0,
+  kCGEventSourceStateHIDSystemState = 1,
+};
+
+enum CGEventTapLocation : uint32_t { kCGHIDEventTap = 0 };
+
+enum CGEventType : uint32_t {
+  kCGEventNull = 0,
+  kCGEventLeftMouseDown = 1,
+  kCGEventLeftMouseUp = 2,
+  kCGEventRightMouseDown = 3,
+  kCGEventRightMouseUp = 4,
+  kCGEventMouseMoved = 5,
+  kCGEventLeftMouseDragged = 6,
+  kCGEventRightMouseDragged = 7,
+  kCGEventKeyDown = 10,
+  kCGEventKeyUp = 11,
+  kCGEventScrollWheel = 22,
+  kCGEventOtherMouseDown = 25,
+  kCGEventOtherMouseUp = 26,
+  kCGEventOtherMouseDragged = 27,
+};
+
+enum CGMouseButton : uint32_t {
+  kCGMouseButtonLeft = 0,
+  kCGMouseButtonRight = 1,
+  kCGMouseButtonCenter = 2,
+};
+
+enum CGEventField : uint32_t { kCGMouseEventClickState = 1 };
+
+enum CGScrollEventUnit : uint32_t { kCGScrollEventUnitPixel = 0, kCGScrollEventUnitLine = 1 };
+
+CGEventSourceRef CGEventSourceCreate(CGEventSourceStateID state);
+
+/// An event of type null at the pointer's present location.
+CGEventRef CGEventCreate(CGEventSourceRef source);
+CGEventRef CGEventCreateMouseEvent(CGEventSourceRef source, CGEventType type, CGPoint position,
+                                   CGMouseButton button);
+CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef source, CGKeyCode key, bool keyDown);
+/// Wheel 1 is vertical, wheel 2 horizontal; positive scrolls towards the top or the left.
+CGEventRef CGEventCreateScrollWheelEvent2(CGEventSourceRef source, CGScrollEventUnit units,
+                                          uint32_t wheelCount, int32_t wheel1, int32_t wheel2,
+                                          int32_t wheel3);
+CGPoint CGEventGetLocation(CGEventRef event);
+void CGEventSetFlags(CGEventRef event, CGEventFlags flags);
+void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, int64_t value);
+void CGEventKeyboardSetUnicodeString(CGEventRef event, UniCharCount length, const UniChar* units);
+/// Carries the event out; dropped silently while the user does not let the host control the
+/// computer.
+void CGEventPost(CGEventTapLocation tap, CGEventRef event);
+
+}  // extern "C"

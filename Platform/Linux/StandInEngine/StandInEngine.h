@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Engine/UIEngine.h"
+
+namespace tapdeck {
+
+/// The engine could not start; the text says why and what to do.
+class StandInEngineError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The UI engine's place on Linux: serves the Console page over HTTP and carries the method
+/// channels over WebSocket (subprotocol "tapdeck.engine.v1"). Lives on the thread of the default
+/// GLib main context, which must be the main thread.
+class StandInEngine final : public UIEngine {
+ public:
+  struct Options {
+    /// The IP address to listen on.
+    std::string address = "127.0.0.1";
+    /// 0 takes any free port.
+    uint16_t port = 8420;
+  };
+  /// One open connection, for people to read.
+  struct Peer {
+    std::string address;
+    std::string userAgent;
+  };
+
+  /// Starts to listen and writes session.json. Throws StandInEngineError.
+  static std::shared_ptr<StandInEngine> start(const Options& options);
+  ~StandInEngine() override;
+
+  void setMethodCallHandler(const std::string& channel, MethodCallHandler handler) override;
+  void invokeMethod(const std::string& channel, const std::string& method,
+                    const Value& arguments) override;
+  bool registerPlugin(const std::string& className) override;
+
+  /// The page's addresses with the run's token in the fragment, the best one for people first;
+  /// more than one when the engine listens on every interface.
+  std::vector<std::string> pageAddresses() const;
+  std::vector<Peer> peers() const;
+  /// Calls `changed` after each connect and disconnect.
+  void observePeers(std::function<void()> changed);
+
+  /// Ends every connection, letting go of what each still holds, stops listening and removes
+  /// session.json. Done by the destructor too.
+  void stop();
+
+ private:
+  class Server;
+  explicit StandInEngine(std::unique_ptr<Server> server);
+  std::unique_ptr<Server> _server;
+};
+
+}  // namespace tapdeck
