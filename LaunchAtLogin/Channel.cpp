@@ -1,0 +1,9 @@
+#include "LaunchAtLogin/Channel.h"
+
+namespace tapdeck {
+
+void handleLaunchAtStartupCall(const MethodCall&, Reply reply) {
+  reply.notImplemented();
+}
+
+}  // namespace tapdeck

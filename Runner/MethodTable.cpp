@@ -1,0 +1,274 @@
+#include "Runner/MethodTable.h"
+
+#include <utility>
+
+#include "Platform/Queues.h"
+#include "Runner/Clipboard.h"
+#include "Runner/Display/DisplayGeometry.h"
+#include "Runner/Input/Pointer.h"
+#include "Runner/Input/Scrolling.h"
+#include "Runner/Permissions/Accessibility.h"
+#include "Runner/Permissions/Sandbox.h"
+#include "Runner/Permissions/ScreenRecording.h"
+
+namespace tapdeck {
+namespace {
+
+using platform::QualityOfService;
+
+void invalidArguments(Reply& reply, const char* message) {
+  reply.error("INVALID_ARGS", message);
+}
+
+// What a method does that this build cannot carry out yet: its arguments are read and answered for
+// as always, and a call that gets past them is told that the method does not exist.
+
+void notBuiltYet(const ControlCall&, Reply reply) {
+  reply.notImplemented();
+}
+
+template <const char* key>
+void notBuiltYetNeedsText(const ControlCall& call, Reply reply) {
+  if (call.arguments.string(key)) {
+    reply.notImplemented();
+  } else {
+    reply.success();
+  }
+}
+
+constexpr char kKey[] = "key";
+constexpr char kText[] = "text";
+
+// ---- applications
+
+void getAppIcon(const ControlCall& call, Reply reply) {
+  if (call.arguments.string("bundleId")) {
+    reply.notImplemented();
+  } else {
+    reply.success(Value(""));
+  }
+}
+
+void launchApp(const ControlCall& call, Reply reply) {
+  if (!call.arguments.string("bundleId")) return invalidArguments(reply, "bundleId required");
+  reply.notImplemented();
+}
+
+// ---- pointer
+
+void moveMouseRow(const ControlCall& call, Reply reply) {
+  const auto dx = call.arguments.number("dx");
+  const auto dy = call.arguments.number("dy");
+  if (!dx || !dy) return invalidArguments(reply, "Invalid arguments");
+  moveMouse(*call.window, *dx, *dy);
+  reply.success();
+}
+
+void moveMouseAbsRow(const ControlCall& call, Reply reply) {
+  const auto x = call.arguments.number("x");
+  const auto y = call.arguments.number("y");
+  if (!x || !y) return invalidArguments(reply, "x and y required");
+  moveMouseAbs(*call.window, *x, *y, call.arguments.string("display"));
+  reply.success();
+}
+
+void screenCursorRow(const ControlCall& call, Reply reply) {
+  reply.success(Value(screenCursor(call.arguments.string("display"))));
+}
+
+void hideCursorRow(const ControlCall& call, Reply reply) {
+  hideCursor(call.window.get());
+  reply.success();
+}
+
+void showCursorRow(const ControlCall& call, Reply reply) {
+  showCursor(call.window.get());
+  reply.success();
+}
+
+void debugWarpRow(const ControlCall& call, Reply reply) {
+  const auto x = call.arguments.number("x");
+  const auto y = call.arguments.number("y");
+  debugWarp(x && y ? std::optional(CGPointMake(*x, *y)) : std::nullopt);
+  reply.success();
+}
+
+void clickRow(const ControlCall& call, Reply reply) {
+  if (const auto button = call.arguments.string("button")) click(*call.window, *button);
+  reply.success();
+}
+
+void doubleClickRow(const ControlCall&, Reply reply) {
+  doubleClick();
+  reply.success();
+}
+
+void mouseDownRow(const ControlCall& call, Reply reply) {
+  mouseDown(*call.window, call.arguments.string("button").value_or("left"));
+  reply.success();
+}
+
+void mouseUpRow(const ControlCall& call, Reply reply) {
+  mouseUp(*call.window, call.arguments.string("button").value_or("left"));
+  reply.success();
+}
+
+template <ScrollAxis axis>
+void scrollRow(const ControlCall& call, Reply reply) {
+  const auto amount = call.arguments.integer("amount");
+  const auto direction = call.arguments.integer("direction");
+  if (amount && direction) postScroll(*amount, *direction, axis);
+  reply.success();
+}
+
+// ---- displays and screen
+
+void getDisplays(const ControlCall&, Reply reply) {
+  reply.success(Value(allDisplays()));
+}
+
+void moveWindowToDisplay(const ControlCall& call, Reply reply) {
+  if (!call.arguments.string("display")) return invalidArguments(reply, "display required");
+  reply.notImplemented();
+}
+
+void screenCaptureSupported(const ControlCall&, Reply reply) {
+  reply.success(Value(true));
+}
+
+// ---- permissions
+
+void outsideSandbox(const ControlCall&, Reply reply) {
+  reply.success(Value(isOutsideSandbox()));
+}
+
+void screenPermissionGranted(const ControlCall&, Reply reply) {
+  reply.success(Value(screenRecordingGranted()));
+}
+
+void requestScreenPermission(const ControlCall&, Reply reply) {
+  reply.success(Value(requestScreenRecording()));
+}
+
+void openScreenRecordingSettingsRow(const ControlCall&, Reply reply) {
+  openScreenRecordingSettings();
+  reply.success();
+}
+
+void isAccessibilityTrusted(const ControlCall& call, Reply reply) {
+  reply.success(Value(refreshAccessibilityTrust(*call.window)));
+}
+
+void requestAccessibilityPermissionRow(const ControlCall& call, Reply reply) {
+  reply.success(Value(requestAccessibilityPermission(*call.window)));
+}
+
+void openAccessibilitySettingsRow(const ControlCall&, Reply reply) {
+  openAccessibilitySettings();
+  reply.success();
+}
+
+// ---- media
+
+/// Runs `work` on a background queue and replies from the main one. The window is held only while
+/// the work runs and is let go of on the main thread, where its fields live; when it is gone, the
+/// reply is null and `work` does not run.
+void replyFromBackground(QualityOfService quality, const ControlCall& call, Reply reply,
+                         std::function<Outcome()> work) {
+  auto pending = std::make_shared<Reply>(std::move(reply));
+  platform::asyncOnGlobal(quality, [weak = std::weak_ptr(call.window), pending = std::move(pending),
+                                    work = std::move(work)]() mutable {
+    std::shared_ptr<MainFlutterWindow> window = weak.lock();
+    Outcome outcome = window ? work() : Outcome(Value());
+    platform::asyncOnMain(
+        [window = std::move(window), pending = std::move(pending),
+         outcome = std::move(outcome)]() mutable { pending->answer(std::move(outcome)); });
+  });
+}
+
+Outcome nowPlayingNotBuiltYet() {
+  return NotImplemented{};
+}
+
+void getNowPlaying(const ControlCall& call, Reply reply) {
+  replyFromBackground(QualityOfService::utility, call, std::move(reply), nowPlayingNotBuiltYet);
+}
+
+void mediaSeek(const ControlCall& call, Reply reply) {
+  replyFromBackground(QualityOfService::userInitiated, call, std::move(reply),
+                      nowPlayingNotBuiltYet);
+}
+
+// ---- clipboard
+
+void getClipboard(const ControlCall&, Reply reply) {
+  reply.success(Value(clipboardText()));
+}
+
+void setClipboard(const ControlCall& call, Reply reply) {
+  const auto text = call.arguments.string("text");
+  if (text) setClipboardText(*text);
+  reply.success(Value(text.has_value()));
+}
+
+constexpr ControlMethod kControlMethods[] = {
+    {"getRunningApps", WindowGone::replyNull, notBuiltYet},
+    {"getAppIcon", WindowGone::replyEmptyString, getAppIcon},
+    {"launchApp", WindowGone::replyNull, launchApp},
+    {"moveMouse", WindowGone::replyNull, moveMouseRow},
+    {"getDisplays", WindowGone::replyEmptyList, getDisplays},
+    {"supportsWindowMove", WindowGone::runAnyway, outsideSandbox},
+    {"moveMouseAbs", WindowGone::replyNull, moveMouseAbsRow},
+    {"moveWindowToDisplay", WindowGone::replyNull, moveWindowToDisplay},
+    {"screenCaptureSupported", WindowGone::runAnyway, screenCaptureSupported},
+    {"screenPermissionGranted", WindowGone::runAnyway, screenPermissionGranted},
+    {"requestScreenPermission", WindowGone::runAnyway, requestScreenPermission},
+    {"openScreenRecordingSettings", WindowGone::runAnyway, openScreenRecordingSettingsRow},
+    {"captureScreen", WindowGone::replyNull, notBuiltYet},
+    {"resetScreenCapture", WindowGone::replyNull, notBuiltYet},
+    {"screenCursor", WindowGone::replyNull, screenCursorRow},
+    {"hideCursor", WindowGone::runAnyway, hideCursorRow},
+    {"showCursor", WindowGone::runAnyway, showCursorRow},
+    {"isAccessibilityTrusted", WindowGone::replyFalse, isAccessibilityTrusted},
+    {"requestAccessibilityPermission", WindowGone::replyFalse, requestAccessibilityPermissionRow},
+    {"openAccessibilitySettings", WindowGone::replyNull, openAccessibilitySettingsRow},
+    {"debugWarp", WindowGone::replyNull, debugWarpRow},
+    {"click", WindowGone::replyNull, clickRow},
+    {"doubleClick", WindowGone::replyNull, doubleClickRow},
+    {"mouseDown", WindowGone::replyNull, mouseDownRow},
+    {"mouseUp", WindowGone::replyNull, mouseUpRow},
+    {"scroll", WindowGone::replyNull, scrollRow<ScrollAxis::vertical>},
+    {"scrollHorizontal", WindowGone::replyNull, scrollRow<ScrollAxis::horizontal>},
+    {"keyPress", WindowGone::replyNull, notBuiltYetNeedsText<kKey>},
+    {"keyDown", WindowGone::replyNull, notBuiltYetNeedsText<kKey>},
+    {"keyUp", WindowGone::replyNull, notBuiltYetNeedsText<kKey>},
+    {"typeText", WindowGone::replyNull, notBuiltYetNeedsText<kText>},
+    {"showLaser", WindowGone::replyNull, notBuiltYet},
+    {"hideLaser", WindowGone::replyNull, notBuiltYet},
+    {"getVolumeLevel", WindowGone::replyVolume50, notBuiltYet},
+    {"supportsNowPlaying", WindowGone::runAnyway, outsideSandbox},
+    {"getNowPlaying", WindowGone::runAnyway, getNowPlaying},
+    {"mediaSeek", WindowGone::runAnyway, mediaSeek},
+    {"mediaPlayPause", WindowGone::replyNull, notBuiltYet},
+    {"mediaNext", WindowGone::replyNull, notBuiltYet},
+    {"mediaPrevious", WindowGone::replyNull, notBuiltYet},
+    {"volumeUp", WindowGone::replyNull, notBuiltYet},
+    {"volumeDown", WindowGone::replyNull, notBuiltYet},
+    {"volumeMute", WindowGone::replyNull, notBuiltYet},
+    {"lockScreen", WindowGone::replyNull, notBuiltYet},
+    {"sleepSystem", WindowGone::replyNull, notBuiltYet},
+    {"shutdownSystem", WindowGone::replyNull, notBuiltYet},
+    {"restartSystem", WindowGone::replyNull, notBuiltYet},
+    {"getClipboard", WindowGone::runAnyway, getClipboard},
+    {"setClipboard", WindowGone::runAnyway, setClipboard},
+};
+
+static_assert(std::size(kControlMethods) == 49);
+
+}  // namespace
+
+std::span<const ControlMethod> controlMethods() {
+  return kControlMethods;
+}
+
+}  // namespace tapdeck

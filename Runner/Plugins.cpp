@@ -1,0 +1,35 @@
+#include "Runner/Plugins.h"
+
+namespace tapdeck {
+namespace {
+
+constexpr const char* kPluginClassNames[] = {
+    "FilePickerPlugin",
+    "FirebaseAnalyticsPlugin",
+    "FLTFirebaseCorePlugin",
+    "FLTFirebaseCrashlyticsPlugin",
+    "FlutterLocalNotificationsPlugin",
+    "FlutterPlatformAlertPlugin",
+    "FlutterSecureStorageDarwinPlugin",
+    "LocalNotifierPlugin",
+    "FPPPackageInfoPlusPlugin",
+    "ScreenRetrieverMacosPlugin",
+    "SharePlusMacosPlugin",
+    "SharedPreferencesPlugin",
+    "SystemTrayPlugin",
+    "TrayManagerPlugin",
+    "UrlLauncherPlugin",
+    "WindowManagerPlugin",
+};
+
+}  // namespace
+
+std::span<const char* const> pluginClassNames() {
+  return kPluginClassNames;
+}
+
+void registerPlugins(UIEngine& engine) {
+  for (const char* name : kPluginClassNames) engine.registerPlugin(name);
+}
+
+}  // namespace tapdeck

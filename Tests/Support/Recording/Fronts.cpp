@@ -1,0 +1,93 @@
+// The fronts of the Objective-C frameworks, recorded.
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "Platform/Clock.h"
+#include "Platform/Events.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/ProcessInfo.h"
+#include "Platform/Queues.h"
+#include "Platform/Screens.h"
+#include "Platform/Workspace.h"
+#include "Tests/Support/Recording/Queued.h"
+#include "Tests/Support/Recording/Recording.h"
+
+namespace tapdeck::platform {
+
+using recording::queued;
+using recording::record;
+using recording::script;
+
+std::vector<Screen> screens() {
+  return script().screens;
+}
+
+std::optional<Screen> mainScreen() {
+  return script().mainScreen;
+}
+
+void observeScreenParameters(std::function<void()> changed) {
+  record("observe screen parameters");
+  queued().screenObservers.push_back(std::move(changed));
+}
+
+CGPoint mouseLocation() {
+  return script().mouseLocation;
+}
+
+double doubleClickInterval() {
+  return script().doubleClickInterval;
+}
+
+double systemUptime() {
+  return script().uptime;
+}
+
+void sleepMicroseconds(uint32_t microseconds) {
+  record("sleep " + std::to_string(microseconds));
+}
+
+std::optional<std::string> environmentVariable(const std::string& name) {
+  const auto found = script().environment.find(name);
+  return found != script().environment.end() ? std::optional(found->second) : std::nullopt;
+}
+
+void stopProcess(const std::string& message) {
+  std::fprintf(stderr, "❌ %s\n", message.c_str());
+  std::abort();
+}
+
+std::optional<std::string> pasteboardString() {
+  return script().pasteboard;
+}
+
+void clearPasteboard() {
+  record("clear pasteboard");
+  script().pasteboard.reset();
+}
+
+void setPasteboardString(const std::string& text) {
+  record("set pasteboard string '" + text + "'");
+  script().pasteboard = text;
+}
+
+std::optional<URL> urlWithString(const std::string& text) {
+  return script().urlsParse ? std::optional(URL{text}) : std::nullopt;
+}
+
+void openURL(const URL& url) {
+  record("open " + url.text);
+}
+
+void asyncOnMain(std::function<void()> work) {
+  record("async on main");
+  queued().main.push_back(std::move(work));
+}
+
+void asyncOnGlobal(QualityOfService quality, std::function<void()> work) {
+  record(quality == QualityOfService::utility ? "async on utility" : "async on userInitiated");
+  queued().global.push_back(std::move(work));
+}
+
+}  // namespace tapdeck::platform

@@ -1,0 +1,4 @@
+#include <ApplicationServices/ApplicationServices.h>
+
+const CFStringRef kAXTrustedCheckOptionPrompt =
+    CFStringCreateWithCString(nullptr, "AXTrustedCheckOptionPrompt", kCFStringEncodingUTF8);

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Platform/Screens.h"
+
+namespace tapdeck::recording {
+
+/// What the recording platform answers, and what it lets fail. A test sets it before it calls.
+struct Script {
+  std::vector<platform::Screen> screens;
+  std::optional<platform::Screen> mainScreen;
+  CGDirectDisplayID mainDisplay = 1;
+  /// Quartz bounds by display; empty bounds for any other.
+  std::map<CGDirectDisplayID, CGRect> bounds;
+
+  /// As AppKit has it: origin at the bottom left.
+  CGPoint mouseLocation = {0, 0};
+  /// As a fresh event has it: origin at the top left; absent makes the event fail.
+  std::optional<CGPoint> eventLocation = CGPoint{0, 0};
+  double uptime = 100;
+  double doubleClickInterval = 0.5;
+
+  bool trusted = true;
+  /// What the call that prompts answers.
+  bool trustedOnPrompt = false;
+  bool captureGranted = true;
+  bool captureGrantedOnRequest = false;
+
+  bool sourceFails = false;
+  /// Creating an event of one of these types fails.
+  std::set<CGEventType> failingEvents;
+
+  std::optional<std::string> pasteboard;
+  std::map<std::string, std::string> environment;
+  bool urlsParse = true;
+};
+
+/// The script in force. Main thread only, as everything here.
+Script& script();
+
+/// Puts the script back to its defaults and forgets trace, queued work and observers.
+void reset();
+
+/// Adds a line to the trace; for the other recording parts.
+void record(const std::string& line);
+
+/// The platform calls since the last time, in order, one line each. Calls that only read are not
+/// in it.
+std::vector<std::string> takeTrace();
+
+/// Runs what was queued so far on the global queues, or on the main queue, in order.
+void runGlobalQueues();
+void runMainQueue();
+
+/// Delivers one notification of changed screen parameters.
+void notifyScreenParameters();
+
+/// "(11,20)" with as many digits as a double needs.
+std::string describe(CGPoint point);
+
+}  // namespace tapdeck::recording

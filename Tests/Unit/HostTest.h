@@ -1,0 +1,83 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Runner/MainFlutterWindow.h"
+#include "Runner/Waking.h"
+#include "Tests/Support/Recording/Recording.h"
+#include "Tests/Support/Recording/RecordingEngine.h"
+
+namespace tapdeck {
+
+inline void PrintTo(const Value& value, std::ostream* out) {
+  value.visit([out](const auto& content) { *out << ::testing::PrintToString(content); });
+}
+
+/// The whole host, awake, on the recording platform. Calls go through the real dispatcher.
+class HostTest : public ::testing::Test {
+ protected:
+  using Trace = std::vector<std::string>;
+
+  HostTest() {
+    recording::reset();
+    Reply::setMisuseHandler([](const char* what) { ADD_FAILURE() << what; });
+    wakeMainWindow(window, engine);
+    wakingTrace = recording::takeTrace();
+  }
+  ~HostTest() override {
+    Reply::setMisuseHandler(nullptr);
+    recording::reset();
+  }
+
+  static recording::Script& script() { return recording::script(); }
+  static Trace trace() { return recording::takeTrace(); }
+
+  /// A screen whose Quartz bounds follow from its AppKit frame.
+  static platform::Screen screen(uint32_t number, CGRect frame, double scale = 1.0) {
+    return {number, "Display " + std::to_string(number), frame, scale};
+  }
+  static void attach(std::vector<platform::Screen> screens) {
+    script().screens = std::move(screens);
+    script().bounds.clear();
+    for (const auto& each : script().screens) {
+      const double pivot = script().screens.front().frame.size.height;
+      script().bounds[*each.number] =
+          CGRectMake(each.frame.origin.x, pivot - each.frame.origin.y - each.frame.size.height,
+                     each.frame.size.width, each.frame.size.height);
+    }
+    script().mainDisplay = *script().screens.front().number;
+  }
+
+  /// The pointer at a place in global top-left coordinates, on a primary display `height` high.
+  static void pointerAt(double x, double y, double height = 900) {
+    script().mouseLocation = {x, height - y};
+    script().eventLocation = CGPoint{x, y};
+  }
+
+  std::optional<Outcome> outcome(const std::string& method, Value arguments = Value()) {
+    return engine->call("com.tapdeck/control", method, std::move(arguments));
+  }
+  std::optional<Outcome> outcome(const std::string& method, ValueMap arguments) {
+    return outcome(method, Value(std::move(arguments)));
+  }
+  /// The reply of a call that must succeed at once.
+  template <typename Arguments = Value>
+  Value reply(const std::string& method, Arguments arguments = Arguments()) {
+    const auto result = outcome(method, std::move(arguments));
+    const auto* value = result ? std::get_if<Value>(&*result) : nullptr;
+    EXPECT_NE(value, nullptr) << method << " did not succeed";
+    return value != nullptr ? *value : Value();
+  }
+
+  std::shared_ptr<recording::RecordingEngine> engine =
+      std::make_shared<recording::RecordingEngine>();
+  std::shared_ptr<MainFlutterWindow> window = std::make_shared<MainFlutterWindow>();
+  Trace wakingTrace;
+};
+
+}  // namespace tapdeck

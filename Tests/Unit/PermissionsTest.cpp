@@ -1,0 +1,124 @@
+#include "Tests/Unit/HostTest.h"
+
+namespace tapdeck {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::internal::CaptureStdout;
+using ::testing::internal::GetCapturedStdout;
+
+constexpr const char* kPromptLine =
+    "❌ App not trusted for Accessibility — prompting user to grant permission\n";
+
+class PermissionsTest : public HostTest {
+ protected:
+  PermissionsTest() {
+    attach({screen(1, {{0, 0}, {1440, 900}})});
+    pointerAt(100, 100);
+  }
+  void move() { reply("moveMouse", ValueMap{{"dx", Value(1)}, {"dy", Value(0)}}); }
+};
+
+TEST_F(PermissionsTest, TheGatePromptsOnceAndLetsNothingThrough) {
+  script().trusted = false;
+  script().trustedOnPrompt = true;  // the prompt's own answer does not open the gate
+  CaptureStdout();
+  move();
+  reply("moveMouseAbs", ValueMap{{"x", Value(0.5)}, {"y", Value(0.5)}});
+  move();
+  EXPECT_EQ(GetCapturedStdout(), kPromptLine);
+  EXPECT_THAT(trace(),
+              ElementsAre("ask for trust", "prompt for trust", "ask for trust", "ask for trust"));
+  EXPECT_FALSE(window->_isAccessibilityTrusted);
+  EXPECT_EQ(window->_fractionalX, 0);
+
+  script().trusted = true;
+  move();
+  move();
+  EXPECT_THAT(trace(), ElementsAre("ask for trust", "post mouse 5 at (101,100) button 0 source 0",
+                                   "post mouse 5 at (101,100) button 0 source 0"));
+}
+
+TEST_F(PermissionsTest, WithdrawnTrustIsSeenOnlyByTheQuestion) {
+  move();
+  script().trusted = false;
+  move();
+  EXPECT_THAT(trace(), ElementsAre("ask for trust", "post mouse 5 at (101,100) button 0 source 0",
+                                   "post mouse 5 at (101,100) button 0 source 0"));
+  EXPECT_EQ(reply("isAccessibilityTrusted"), Value(false));
+  EXPECT_FALSE(window->_isAccessibilityTrusted);
+  CaptureStdout();
+  move();
+  EXPECT_EQ(GetCapturedStdout(), kPromptLine);
+  EXPECT_THAT(trace(), ElementsAre("ask for trust", "ask for trust", "prompt for trust"));
+}
+
+TEST_F(PermissionsTest, RequestingPromptsEachTimeAndInTheGatesPlace) {
+  script().trusted = false;
+  EXPECT_EQ(reply("requestAccessibilityPermission"), Value(false));
+  EXPECT_EQ(reply("requestAccessibilityPermission"), Value(false));
+  CaptureStdout();
+  move();
+  EXPECT_EQ(GetCapturedStdout(), "");
+  EXPECT_THAT(trace(), ElementsAre("ask for trust", "prompt for trust", "ask for trust",
+                                   "prompt for trust", "ask for trust"));
+
+  script().trustedOnPrompt = true;
+  EXPECT_EQ(reply("requestAccessibilityPermission"), Value(true));
+  EXPECT_TRUE(window->_isAccessibilityTrusted);
+  script().trusted = true;
+  trace();
+  EXPECT_EQ(reply("requestAccessibilityPermission"), Value(true));
+  EXPECT_THAT(trace(), ElementsAre("ask for trust"));
+}
+
+TEST_F(PermissionsTest, ClicksAndScrollsPassWithoutTrust) {
+  script().trusted = false;
+  reply("click", ValueMap{{"button", Value("left")}});
+  reply("scroll", ValueMap{{"amount", Value(3)}, {"direction", Value(0)}});
+  reply("scroll", ValueMap{{"amount", Value(2147483648)}, {"direction", Value(0)}});
+  reply("scrollHorizontal", ValueMap{{"amount", Value(5.0)}, {"direction", Value(1)}});
+  reply("scroll", ValueMap{{"amount", Value(2.5)}, {"direction", Value(1)}});
+  reply("scroll", ValueMap{{"amount", Value(true)}, {"direction", Value(1)}});
+  EXPECT_THAT(trace(), ElementsAre("post mouse 1 at (100,100) button 0 source 0 field 1 = 1",
+                                   "post mouse 2 at (100,100) button 0 source 0 field 1 = 1",
+                                   "post scroll unit 0 count 1 wheels -3 0 0 source none",
+                                   "post scroll unit 0 count 1 wheels -2147483648 0 0 source none",
+                                   "post scroll unit 0 count 2 wheels 0 5 0 source none"));
+  EXPECT_DEATH(reply("scroll", ValueMap{{"amount", Value(2147483648)}, {"direction", Value(1)}}),
+               "❌ .*2147483648");
+  EXPECT_DEATH(
+      reply("scrollHorizontal", ValueMap{{"amount", Value(std::numeric_limits<int64_t>::min())},
+                                         {"direction", Value(0)}}),
+      "❌ .*-9223372036854775808");
+}
+
+TEST_F(PermissionsTest, ScreenRecordingIsAskedAfreshAndPanesAreOpened) {
+  EXPECT_EQ(reply("screenPermissionGranted"), Value(true));
+  script().captureGranted = false;
+  EXPECT_EQ(reply("screenPermissionGranted"), Value(false));
+  EXPECT_EQ(reply("requestScreenPermission"), Value(false));
+  EXPECT_EQ(reply("screenCaptureSupported"), Value(true));
+  reply("openScreenRecordingSettings");
+  reply("openAccessibilitySettings");
+  EXPECT_THAT(
+      trace(),
+      ElementsAre(
+          "preflight screen capture", "preflight screen capture", "request screen capture",
+          "open x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture",
+          "open x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"));
+  script().urlsParse = false;
+  reply("openScreenRecordingSettings");
+  EXPECT_THAT(trace(), IsEmpty());
+  EXPECT_DEATH(reply("openAccessibilitySettings"), "Privacy_Accessibility");
+}
+
+TEST_F(PermissionsTest, TheSandboxIsKnownByItsVariableAlone) {
+  script().environment["APP_SANDBOX_CONTAINER_ID"] = "";
+  EXPECT_EQ(reply("supportsWindowMove"), Value(false));
+  EXPECT_EQ(reply("supportsNowPlaying"), Value(false));
+}
+
+}  // namespace
+}  // namespace tapdeck
