@@ -21,7 +21,7 @@ void reportMisuse(const char* what) {
 
 }  // namespace
 
-Reply::Reply(Sink sink) : _sink(std::move(sink)), _state(State::open) {}
+Reply::Reply(Sink sink) : _sink(std::move(sink)) {}
 
 Reply::Reply(Reply&& other) noexcept
     : _sink(std::move(other._sink)), _state(std::exchange(other._state, State::movedFrom)) {}

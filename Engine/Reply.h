@@ -56,7 +56,7 @@ class Reply {
   void dropUnanswered() noexcept;
 
   Sink _sink;
-  State _state;
+  State _state = State::open;
 };
 
 }  // namespace tapdeck

@@ -13,7 +13,9 @@ namespace tapdeck::codec {
 
 /// The standard message and method codec of the UI engine's platform channels, byte for byte.
 /// Stateless and safe on any thread. A message that is cut short, goes on too long, nests deeper
-/// than `kDepthLimit`, holds text that is not UTF-8 or names an unknown type decodes to nothing.
+/// than `kDepthLimit` lists and maps, holds text that is not UTF-8 or names an unknown type decodes
+/// to nothing. Encoding knows no depth limit; it throws std::length_error for what is too long to
+/// have an encoding (4 Gi elements). Of equal keys in a map the last one's value counts.
 using Bytes = std::vector<uint8_t>;
 
 inline constexpr int kDepthLimit = 64;

@@ -11,6 +11,12 @@ ValueMap::ValueMap(std::initializer_list<std::pair<std::string_view, Value>> ent
   for (const auto& [key, value] : entries) set(Value(key), value);
 }
 
+ValueMap ValueMap::ofDistinctKeys(std::vector<Entry> entries) {
+  ValueMap map;
+  map._entries = std::move(entries);
+  return map;
+}
+
 void ValueMap::set(Value key, Value value) {
   const auto same = [&](const Entry& entry) { return entry.first == key; };
   const auto found = std::find_if(_entries.begin(), _entries.end(), same);

@@ -1,7 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,9 @@ class ValueMap {
   using Entry = std::pair<Value, Value>;
   ValueMap();
   ValueMap(std::initializer_list<std::pair<std::string_view, Value>> entries);
+  /// A map of entries no two of whose keys are equal, which the caller vouches for: nothing checks
+  /// it. For large maps, as `set` looks at every entry each time.
+  static ValueMap ofDistinctKeys(std::vector<Entry> entries);
 
   /// Adds the entry, or replaces the value of an equal key in its place.
   void set(Value key, Value value);

@@ -1,0 +1,136 @@
+#include "Engine/StandardWriter.h"
+
+#include <iterator>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace tapdeck::codec {
+
+void Writer::byte(uint8_t value) {
+  _bytes.push_back(value);
+}
+
+void Writer::value(const Value& root) {
+  _pending.push_back(&root);
+  while (!_pending.empty()) {
+    const Value& next = *_pending.back();
+    _pending.pop_back();
+    next.visit([this](const auto& held) { content(held); });
+  }
+}
+
+std::vector<uint8_t> Writer::take() {
+  return std::exchange(_bytes, {});
+}
+
+void Writer::tag(Tag tag) {
+  byte(static_cast<uint8_t>(tag));
+}
+
+void Writer::size(size_t size) {
+  if (size < kSizeIn16Bits) {
+    byte(static_cast<uint8_t>(size));
+  } else if (size <= std::numeric_limits<uint16_t>::max()) {
+    byte(kSizeIn16Bits);
+    number(static_cast<uint16_t>(size));
+  } else if (size <= std::numeric_limits<uint32_t>::max()) {
+    byte(kSizeIn32Bits);
+    number(static_cast<uint32_t>(size));
+  } else {
+    throw std::length_error("a value is too long for a message");
+  }
+}
+
+void Writer::align(size_t to) {
+  while (_bytes.size() % to != 0) byte(0);
+}
+
+void Writer::raw(const void* data, size_t count) {
+  const auto* bytes = static_cast<const uint8_t*>(data);
+  _bytes.insert(_bytes.end(), bytes, bytes + count);
+}
+
+template <typename T>
+void Writer::number(T value) {
+  raw(&value, sizeof value);
+}
+
+template <typename T>
+void Writer::typedList(Tag listTag, const std::vector<T>& list) {
+  tag(listTag);
+  size(list.size());
+  align(sizeof(T));
+  if (!list.empty()) raw(list.data(), list.size() * sizeof(T));
+}
+
+void Writer::content(std::monostate) {
+  tag(Tag::null);
+}
+
+void Writer::content(bool value) {
+  tag(value ? Tag::yes : Tag::no);
+}
+
+void Writer::content(int64_t value) {
+  if (std::in_range<int32_t>(value)) {
+    tag(Tag::int32);
+    number(static_cast<int32_t>(value));
+  } else {
+    tag(Tag::int64);
+    number(value);
+  }
+}
+
+void Writer::content(double value) {
+  tag(Tag::float64);
+  align(sizeof value);
+  number(value);
+}
+
+void Writer::content(const std::string& value) {
+  tag(Tag::string);
+  size(value.size());
+  raw(value.data(), value.size());
+}
+
+void Writer::content(const Value::Bytes& value) {
+  typedList(Tag::bytes, value);
+}
+
+void Writer::content(const Value::Int32List& value) {
+  typedList(Tag::int32List, value);
+}
+
+void Writer::content(const Value::Int64List& value) {
+  typedList(Tag::int64List, value);
+}
+
+void Writer::content(const Value::Float32List& value) {
+  typedList(Tag::float32List, value);
+}
+
+void Writer::content(const Value::Float64List& value) {
+  typedList(Tag::float64List, value);
+}
+
+void Writer::content(const Value::List& value) {
+  tag(Tag::list);
+  size(value.size());
+  for (auto element = value.rbegin(); element != value.rend(); ++element) {
+    _pending.push_back(&*element);
+  }
+}
+
+void Writer::content(const Value::Map& value) {
+  tag(Tag::map);
+  size(value.size());
+  const auto last = std::make_reverse_iterator(value.end());
+  const auto first = std::make_reverse_iterator(value.begin());
+  for (auto entry = last; entry != first; ++entry) {
+    _pending.push_back(&entry->second);
+    _pending.push_back(&entry->first);
+  }
+}
+
+}  // namespace tapdeck::codec

@@ -1,0 +1,126 @@
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Engine/StandardCodec.h"
+#include "Platform/Linux/Call/CallJson.h"
+#include "Platform/Linux/Call/CommandLine.h"
+#include "Platform/Linux/Call/HostConnection.h"
+
+namespace tapdeck {
+namespace {
+
+constexpr int kErrorReply = 1;
+constexpr int kNotImplemented = 2;
+constexpr int kNoAnswer = 3;
+constexpr int kWrongUsage = 64;
+constexpr std::chrono::seconds kPatience{30};
+/// Any number above 0 will do: this connection makes one call.
+constexpr int64_t kCallId = 1;
+/// What the host sends unasked.
+constexpr int64_t kUnasked = 0;
+
+/// The three parts of a message between the host and a page.
+struct Frame {
+  int64_t id;
+  std::string channel;
+  std::optional<codec::Bytes> payload;
+};
+
+std::optional<Frame> frameFrom(const codec::Bytes& message) {
+  const auto value = codec::decodeMessage(message);
+  const auto* parts = value ? value->getIf<Value::List>() : nullptr;
+  if (parts == nullptr || parts->size() != 3) return std::nullopt;
+  const auto* id = (*parts)[0].getIf<int64_t>();
+  const auto* channel = (*parts)[1].getIf<std::string>();
+  const auto* payload = (*parts)[2].getIf<Value::Bytes>();
+  if (id == nullptr || channel == nullptr) return std::nullopt;
+  if (payload == nullptr && !(*parts)[2].isNull()) return std::nullopt;
+  return Frame{*id, *channel, payload ? std::optional(*payload) : std::nullopt};
+}
+
+codec::Bytes messageOf(const CommandLine& line) {
+  const auto payload = codec::encodeMethodCall({line.method, line.arguments});
+  return codec::encodeMessage(
+      Value(Value::List{Value(kCallId), Value(line.channel), Value(payload)}));
+}
+
+void printLine(const nlohmann::ordered_json& json) {
+  std::printf("%s\n", lineOf(json).c_str());
+  std::fflush(stdout);
+}
+
+Session currentSession() {
+  if (auto session = readSession()) return *std::move(session);
+  throw ConnectionError("No host is running (there is no session in " + sessionFilePath().string() +
+                        "). Start it with ./tapdeck run.");
+}
+
+Outcome awaitReply(HostConnection& host, HostConnection::Deadline deadline) {
+  while (const auto message = host.receive(deadline)) {
+    const auto frame = frameFrom(*message);
+    if (!frame || frame->id != kCallId) continue;
+    const auto outcome = codec::decodeEnvelope(frame->payload);
+    if (!outcome) throw ConnectionError("The host's reply cannot be read.");
+    return *outcome;
+  }
+  throw ConnectionError("No answer within " + std::to_string(kPatience.count()) +
+                        " seconds. The host is busy or hangs; try again, or start it anew with "
+                        "./tapdeck run.");
+}
+
+int call(const CommandLine& line) {
+  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  HostConnection host(currentSession(), deadline);
+  host.send(messageOf(line));
+  const Outcome outcome = awaitReply(host, deadline);
+  printLine(jsonFromOutcome(outcome));
+  if (std::holds_alternative<MethodError>(outcome)) return kErrorReply;
+  return std::holds_alternative<NotImplemented>(outcome) ? kNotImplemented : 0;
+}
+
+int listen() {
+  HostConnection host(currentSession(), std::chrono::steady_clock::now() + kPatience);
+  std::fputs("Listening; Ctrl-C ends it.\n", stderr);
+  while (const auto message = host.receive(std::nullopt)) {
+    const auto frame = frameFrom(*message);
+    if (!frame || frame->id != kUnasked || !frame->payload) continue;
+    const auto sent = codec::decodeMethodCall(*frame->payload);
+    if (!sent) continue;
+    printLine({{"channel", frame->channel},
+               {"method", sent->method},
+               {"arguments", jsonFromValue(sent->arguments)}});
+  }
+  return 0;
+}
+
+int run(const std::vector<std::string>& words) {
+  CommandLine line;
+  try {
+    line = parseCommandLine(words);
+  } catch (const std::invalid_argument& error) {
+    std::fprintf(stderr, "%s\n%s", error.what(), kUsage);
+    return kWrongUsage;
+  }
+  if (line.help) {
+    std::fputs(kUsage, stdout);
+    return 0;
+  }
+  try {
+    return line.listen ? listen() : call(line);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return kNoAnswer;
+  }
+}
+
+}  // namespace
+}  // namespace tapdeck
+
+int main(int argc, char** argv) {
+  return tapdeck::run(std::vector<std::string>(argv + 1, argv + argc));
+}

@@ -1,0 +1,80 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+#include "Engine/StandardCodec.h"
+#include "Platform/Linux/Call/CallJson.h"
+#include "Platform/Linux/Call/CommandLine.h"
+
+namespace tapdeck {
+namespace {
+
+std::string line(const Value& value) {
+  return lineOf(jsonFromValue(value));
+}
+
+TEST(CallJsonTest, ReadsArguments) {
+  EXPECT_EQ(valueFromJson("3"), Value(3));
+  EXPECT_EQ(valueFromJson("3.0"), Value(3.0));
+  EXPECT_EQ(valueFromJson("-9223372036854775808"), Value(INT64_MIN));
+  EXPECT_EQ(valueFromJson("9223372036854775807"), Value(INT64_MAX));
+  EXPECT_EQ(valueFromJson("9223372036854775808"), Value(9223372036854775808.0));
+  EXPECT_EQ(valueFromJson("1e2"), Value(100.0));
+  EXPECT_EQ(valueFromJson("null"), Value());
+  EXPECT_EQ(valueFromJson(R"({"base64": "AA=="})"), Value(ValueMap{{"base64", Value("AA==")}}));
+  EXPECT_EQ(valueFromJson(R"(["é", true, {"b": 1, "a": []}])"),
+            Value(Value::List{Value("é"), Value(true),
+                              Value(ValueMap{{"b", Value(1)}, {"a", Value(Value::List{})}})}));
+  const int limit = codec::kDepthLimit;
+  EXPECT_TRUE(codec::decodeMessage(
+      codec::encodeMessage(valueFromJson(std::string(limit, '[') + std::string(limit, ']')))));
+  EXPECT_THROW(valueFromJson(std::string(limit + 1, '[') + std::string(limit + 1, ']')),
+               std::invalid_argument);
+  for (const char* bad : {"", "{", "nul", "1 2", "\"\xFF\""}) {
+    EXPECT_THROW(valueFromJson(bad), std::invalid_argument) << bad;
+  }
+}
+
+TEST(CallJsonTest, PrintsReplies) {
+  EXPECT_EQ(line(Value(Value::List{Value(), Value(true), Value(3), Value(3.0), Value("é\n")})),
+            R"([null,true,3,3.0,"é\n"])");
+  EXPECT_EQ(line(Value(std::numeric_limits<double>::infinity())), "null");
+  EXPECT_EQ(line(Value(Value::Bytes{0, 255, 62})), R"({"base64":"AP8+"})");
+  EXPECT_EQ(line(Value(Value::Bytes{})), R"({"base64":""})");
+  EXPECT_EQ(line(Value(Value::Int32List{1, -2})), "[1,-2]");
+  EXPECT_EQ(line(Value(Value::Float32List{1.5f, std::numeric_limits<float>::quiet_NaN()})),
+            "[1.5,null]");
+
+  ValueMap map{{"z", Value(1)}, {"a", Value(2)}};
+  map.set(Value(7), Value());
+  map.set(Value(), Value(Value::List{}));
+  EXPECT_EQ(line(Value(map)), R"({"z":1,"a":2,"7":null,"null":[]})");
+
+  EXPECT_EQ(lineOf(jsonFromOutcome(Value(1))), "1");
+  EXPECT_EQ(lineOf(jsonFromOutcome(MethodError{"C", "m", Value(Value::Bytes{0})})),
+            R"({"error":{"code":"C","message":"m","details":{"base64":"AA=="}}})");
+  EXPECT_EQ(lineOf(jsonFromOutcome(NotImplemented{})), R"({"notImplemented":true})");
+}
+
+TEST(CallJsonTest, ReadsCommandLine) {
+  const auto plain = parseCommandLine({"scroll", "-3"});
+  EXPECT_EQ(plain.channel, "com.tapdeck/control");
+  EXPECT_EQ(plain.method, "scroll");
+  EXPECT_EQ(plain.arguments, Value(-3));
+  EXPECT_EQ(parseCommandLine({"--channel", "other", "m"}).channel, "other");
+  EXPECT_EQ(parseCommandLine({"--channel=other", "--", "--m"}).method, "--m");
+  EXPECT_TRUE(parseCommandLine({"m"}).arguments.isNull());
+  EXPECT_TRUE(parseCommandLine({"--listen"}).listen);
+
+  using Words = std::vector<std::string>;
+  for (const Words& bad :
+       {Words{}, Words{"--channel"}, Words{"--channel", "c"}, Words{"--what"}, Words{"m", "{"},
+        Words{"m", "1", "2"}, Words{"--listen", "m"}, Words{"\xFF"}}) {
+    EXPECT_THROW(parseCommandLine(bad), std::invalid_argument) << testing::PrintToString(bad);
+  }
+}
+
+}  // namespace
+}  // namespace tapdeck

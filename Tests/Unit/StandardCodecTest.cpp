@@ -1,0 +1,292 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "Engine/StandardCodec.h"
+
+namespace tapdeck::codec {
+namespace {
+
+Bytes operator+(Bytes a, const Bytes& b) {
+  a.insert(a.end(), b.begin(), b.end());
+  return a;
+}
+
+Bytes text(const std::string& content) {
+  return Bytes(content.begin(), content.end());
+}
+
+/// The message has exactly these bytes, and they decode to the value.
+void expectBytes(const Value& value, const Bytes& bytes) {
+  SCOPED_TRACE(testing::PrintToString(bytes));
+  EXPECT_EQ(encodeMessage(value), bytes);
+  EXPECT_EQ(decodeMessage(bytes), value);
+}
+
+void expectMalformed(const Bytes& bytes) {
+  EXPECT_EQ(decodeMessage(bytes), std::nullopt) << testing::PrintToString(bytes);
+}
+
+Value nested(int depth, const Value& innermost = Value()) {
+  Value value = innermost;
+  for (int n = 0; n < depth; ++n) value = Value(Value::List{std::move(value)});
+  return value;
+}
+
+TEST(StandardCodecTest, ScalarsHaveTheirExactBytes) {
+  expectBytes(Value(), {0});
+  expectBytes(Value(true), {1});
+  expectBytes(Value(false), {2});
+  expectBytes(Value(0x12345678), {3, 0x78, 0x56, 0x34, 0x12});
+  expectBytes(Value(-2), {3, 0xFE, 0xFF, 0xFF, 0xFF});
+  expectBytes(Value(int64_t{INT32_MAX}), {3, 0xFF, 0xFF, 0xFF, 0x7F});
+  expectBytes(Value(int64_t{INT32_MAX} + 1), {4, 0, 0, 0, 0x80, 0, 0, 0, 0});
+  expectBytes(Value(int64_t{INT32_MIN}), {3, 0, 0, 0, 0x80});
+  expectBytes(Value(int64_t{INT32_MIN} - 1), {4, 0xFF, 0xFF, 0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0xFF});
+  expectBytes(Value(1.5), {6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xF8, 0x3F});
+  expectBytes(Value(std::numeric_limits<double>::infinity()),
+              {6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x7F});
+  expectBytes(Value(""), {7, 0});
+  expectBytes(Value("aé€😀"), Bytes{7, 10} + text("aé€😀"));
+  EXPECT_EQ(decodeMessage(Bytes{5, 2, 'f', '0'}), Value("f0")) << "a large integer's digits";
+  EXPECT_EQ(decodeMessage(Bytes{4, 5, 0, 0, 0, 0, 0, 0, 0}), Value(5));
+
+  const Value nan(std::numeric_limits<double>::quiet_NaN());
+  const auto back = decodeMessage(encodeMessage(nan));
+  ASSERT_TRUE(back && back->getIf<double>());
+  EXPECT_TRUE(std::isnan(*back->getIf<double>()));
+}
+
+TEST(StandardCodecTest, ListsAndMapsHaveTheirExactBytes) {
+  expectBytes(Value(Value::Bytes{1, 254, 255}), {8, 3, 1, 254, 255});
+  expectBytes(Value(Value::Int32List{1, -1}), {9, 2, 0, 0, 1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF});
+  expectBytes(Value(Value::Int64List{-2}),
+              {10, 1, 0, 0, 0, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});
+  expectBytes(Value(Value::Float64List{1}),
+              {11, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F});
+  expectBytes(Value(Value::Float32List{1.5f}), {14, 1, 0, 0, 0, 0, 0xC0, 0x3F});
+  expectBytes(Value(Value::Float64List{}), {11, 0, 0, 0, 0, 0, 0, 0});
+  expectBytes(Value(Value::List{}), {12, 0});
+  expectBytes(Value(Value::List{Value(), Value(Value::List{Value(true)}), Value("x")}),
+              {12, 3, 0, 12, 1, 1, 7, 1, 'x'});
+  expectBytes(Value(ValueMap{}), {13, 0});
+  expectBytes(Value(ValueMap{{"b", Value(1)}, {"a", Value(ValueMap{{"c", Value()}})}}),
+              {13, 2, 7, 1, 'b', 3, 1, 0, 0, 0, 7, 1, 'a', 13, 1, 7, 1, 'c', 0});
+  // Alignment counts from the message's start wherever the value stands.
+  expectBytes(Value(Value::List{Value("xyz"), Value(Value::Int32List{1}), Value(true)}),
+              {12, 3, 7, 3, 'x', 'y', 'z', 9, 1, 0, 0, 0, 1, 0, 0, 0, 1});
+}
+
+TEST(StandardCodecTest, SizesTakeOneTwoOrFourBytes) {
+  const auto expectPrefix = [](size_t size, const Bytes& prefix) {
+    expectBytes(Value(std::string(size, 'a')), Bytes{7} + prefix + Bytes(size, 'a'));
+    expectBytes(Value(Value::Bytes(size, 9)), Bytes{8} + prefix + Bytes(size, 9));
+    expectBytes(Value(Value::List(size, Value(true))), Bytes{12} + prefix + Bytes(size, 1));
+  };
+  expectPrefix(253, {253});
+  expectPrefix(254, {254, 254, 0});
+  expectPrefix(255, {254, 255, 0});
+  expectPrefix(65535, {254, 255, 255});
+  expectPrefix(65536, {255, 0, 0, 1, 0});
+  EXPECT_EQ(decodeMessage(Bytes{7, 255, 1, 0, 0, 0, 'a'}), Value("a"));
+  EXPECT_EQ(decodeMessage(Bytes{12, 254, 1, 0, 0}), Value(Value::List{Value()}));
+}
+
+TEST(StandardCodecTest, MethodCallsRoundTrip) {
+  const MethodCall call{"move", Value(0.5)};
+  // The padding is what aligns the number to the whole call, not to the arguments.
+  const Bytes bytes{7, 4, 'm', 'o', 'v', 'e', 6, 0, 0, 0, 0, 0, 0, 0, 0xE0, 0x3F};
+  EXPECT_EQ(encodeMethodCall(call), bytes);
+  const auto back = decodeMethodCall(bytes);
+  ASSERT_TRUE(back);
+  EXPECT_EQ(back->method, call.method);
+  EXPECT_EQ(back->arguments, call.arguments);
+
+  EXPECT_FALSE(decodeMethodCall(Bytes{7, 1, 'm'})) << "no arguments";
+  EXPECT_FALSE(decodeMethodCall(Bytes{3, 0, 0, 0, 0, 0})) << "a name that is no string";
+  EXPECT_FALSE(decodeMethodCall(Bytes{7, 1, 'm', 0, 0})) << "a value too many";
+}
+
+TEST(StandardCodecTest, EnvelopesRoundTrip) {
+  const auto expectEnvelope = [](const Outcome& outcome, const Bytes& bytes) {
+    EXPECT_EQ(encodeEnvelope(outcome), bytes);
+    EXPECT_EQ(decodeEnvelope(bytes), outcome);
+  };
+  expectEnvelope(Value(), {0, 0});
+  expectEnvelope(Value(1.5), {0, 6, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xF8, 0x3F});
+  expectEnvelope(Value(Value::Int32List{1}), {0, 9, 1, 0, 1, 0, 0, 0});
+  expectEnvelope(MethodError{"E", "m", Value(true)}, {1, 7, 1, 'E', 7, 1, 'm', 1});
+  expectEnvelope(MethodError{"E", "", Value()}, {1, 7, 1, 'E', 7, 0, 0});
+  EXPECT_EQ(encodeEnvelope(NotImplemented{}), std::nullopt);
+  EXPECT_EQ(decodeEnvelope(std::nullopt), Outcome(NotImplemented{}));
+
+  const Outcome bare = MethodError{"E", "", Value()};
+  EXPECT_EQ(decodeEnvelope(Bytes{1, 7, 1, 'E', 0, 0}), bare) << "a null message";
+  EXPECT_EQ(decodeEnvelope(Bytes{1, 7, 1, 'E', 0, 0, 7, 2, 'a', 't'}), bare) << "a stack trace";
+  for (const Bytes& malformed : std::vector<Bytes>{{},
+                                                   {0},
+                                                   {2, 0},
+                                                   {0, 0, 0},
+                                                   {1, 0, 0, 0},
+                                                   {1, 7, 1, 'E', 1, 0},
+                                                   {1, 7, 1, 'E', 0},
+                                                   {1, 7, 1, 'E', 0, 0, 0, 0},
+                                                   {1, 7, 1, 'E', 0, 0, 7, 9}}) {
+    EXPECT_EQ(decodeEnvelope(malformed), std::nullopt) << testing::PrintToString(malformed);
+  }
+}
+
+TEST(StandardCodecTest, RefusesWhatIsCutShortOrGoesOn) {
+  const Value everything(ValueMap{
+      {"list", Value(Value::List{Value(), Value(true), Value(1), Value(INT64_MAX), Value(2.5)})},
+      {"bytes", Value(Value::Bytes{1, 2, 3})},
+      {"int32", Value(Value::Int32List{1, 2})},
+      {"int64", Value(Value::Int64List{1, 2})},
+      {"float32", Value(Value::Float32List{1, 2})},
+      {"float64", Value(Value::Float64List{1, 2})},
+      {"text", Value(std::string(300, 'x'))},
+  });
+  const Bytes bytes = encodeMessage(everything);
+  ASSERT_EQ(decodeMessage(bytes), everything);
+  for (size_t length = 0; length < bytes.size(); ++length) {
+    // A copy of its own, so that the address sanitizer sees a read past the end.
+    EXPECT_FALSE(decodeMessage(Bytes(bytes.begin(), bytes.begin() + static_cast<long>(length))))
+        << length;
+  }
+  expectMalformed(bytes + Bytes{0});
+}
+
+TEST(StandardCodecTest, RefusesSizesBeyondWhatIsLeft) {
+  const Bytes huge{255, 0xFF, 0xFF, 0xFF, 0xFF};
+  for (uint8_t tag = 5; tag <= 14; ++tag) {
+    if (tag != 6) expectMalformed(Bytes{tag} + huge + Bytes(32, 0));
+  }
+  expectMalformed({12, 3, 0, 0});
+  expectMalformed({13, 2, 0, 0, 1});
+  // Each list alone would fit into the rest, but what stands around it needs its share too.
+  expectMalformed({12, 2, 12, 2, 0, 0});
+  expectMalformed(Bytes{15});
+  expectMalformed(Bytes{255});
+}
+
+TEST(StandardCodecTest, LimitsDepthOfWhatItDecodesOnly) {
+  const Value deepest = nested(kDepthLimit, Value(7));
+  EXPECT_EQ(decodeMessage(encodeMessage(deepest)), deepest);
+  expectMalformed(encodeMessage(nested(kDepthLimit + 1)));
+  EXPECT_EQ(encodeMessage(nested(1000)).size(), 2001u);
+
+  Bytes maps;
+  for (int n = 0; n <= kDepthLimit; ++n) maps = maps + Bytes{13, 1};
+  expectMalformed(maps + Bytes(kDepthLimit + 2, 0));
+  // A bomb far beyond the limit must not reach the end of the stack.
+  Bytes bomb;
+  for (int n = 0; n < 200000; ++n) bomb.insert(bomb.end(), {12, 1});
+  EXPECT_FALSE(decodeMessage(bomb + Bytes{0}));
+}
+
+TEST(StandardCodecTest, RefusesTextThatIsNotUtf8) {
+  for (const char* bad :
+       {"\x80", "\xC3", "\xC0\xAF", "\xC1\xBF", "\xE0\x9F\xBF", "\xE2\x82", "\xED\xA0\x80",
+        "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF8\x88\x80", "\xFF", "\xC3(", "\xF0\x9F\x98("}) {
+    const std::string content = std::string("a") + bad;
+    expectMalformed(Bytes{7, static_cast<uint8_t>(content.size())} + text(content));
+  }
+  for (const char* good : {"\x7F", "\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
+                           "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    expectBytes(Value(good), Bytes{7, static_cast<uint8_t>(std::string(good).size())} + text(good));
+  }
+  expectBytes(Value(std::string("a\0b", 3)), {7, 3, 'a', 0, 'b'});
+}
+
+/// A map's bytes, keys and values given as values.
+Bytes mapOf(const std::vector<ValueMap::Entry>& entries) {
+  Bytes bytes{13, static_cast<uint8_t>(entries.size())};
+  for (const auto& [key, value] : entries) {
+    bytes = bytes + encodeMessage(key) + encodeMessage(value);
+  }
+  return bytes;
+}
+
+TEST(StandardCodecTest, LastOfEqualKeysCounts) {
+  const ValueMap ab{{"a", Value(1)}, {"b", Value(2)}};
+  const ValueMap ba{{"b", Value(2)}, {"a", Value(1)}};
+  const std::vector<std::pair<Value, Value>> equalKeys{
+      {Value("k"), Value("k")},
+      {Value(), Value()},
+      {Value(Value::List{Value(ab)}), Value(Value::List{Value(ba)})},
+      {Value(ab), Value(ba)},
+      {Value(Value::Bytes{1}), Value(Value::Bytes{1})},
+  };
+  for (const auto& [first, second] : equalKeys) {
+    const auto map =
+        decodeMessage(mapOf({{first, Value("old")}, {Value(9), Value()}, {second, Value("new")}}));
+    ASSERT_TRUE(map && map->getIf<ValueMap>());
+    ASSERT_EQ(map->getIf<ValueMap>()->size(), 2u) << testing::PrintToString(encodeMessage(first));
+    EXPECT_EQ(*map->getIf<ValueMap>()->begin(), ValueMap::Entry(first, Value("new")));
+  }
+  // The same integer in its short and its long form; the two zeros.
+  EXPECT_EQ(decodeMessage(Bytes{13, 2, 3, 5, 0, 0, 0, 1, 4, 5, 0, 0, 0, 0, 0, 0, 0, 2}),
+            decodeMessage(Bytes{13, 1, 3, 5, 0, 0, 0, 2}));
+  const Bytes zeros = Bytes{13, 2, 6} + Bytes(13, 0) + Bytes{1, 6} + Bytes(13, 0) + Bytes{0x80, 2};
+  const auto zero = decodeMessage(zeros);
+  ASSERT_TRUE(zero && zero->getIf<ValueMap>());
+  EXPECT_EQ(zero->getIf<ValueMap>()->size(), 1u);
+}
+
+TEST(StandardCodecTest, KeepsKeysThatDiffer) {
+  const Value nan(Value::Float32List{std::numeric_limits<float>::quiet_NaN()});
+  ValueMap oneTwo;
+  oneTwo.set(Value(1), Value(2));
+  ValueMap twoThree;
+  twoThree.set(Value(2), Value(3));
+  const Bytes bytes = mapOf({{Value("1"), Value()},
+                             {Value(1), Value()},
+                             {Value(true), Value()},
+                             {Value(Value::Bytes{1}), Value()},
+                             {Value(Value::List{Value(1)}), Value()},
+                             {Value(ValueMap{{"1", Value(1)}}), Value()},
+                             {Value(ValueMap{{"1", Value(2)}}), Value()},
+                             {Value(Value::List{Value("a"), Value("b")}), Value()},
+                             {Value(Value::List{Value("ab"), Value("")}), Value()},
+                             {Value(Value::List{Value(oneTwo), Value(3)}), Value()},
+                             {Value(Value::List{Value(1), Value(twoThree)}), Value()}});
+  const auto map = decodeMessage(bytes);
+  ASSERT_TRUE(map && map->getIf<ValueMap>());
+  EXPECT_EQ(map->getIf<ValueMap>()->size(), 11u);
+  EXPECT_EQ(encodeMessage(*map), bytes) << "entries keep their order";
+
+  // Two keys [NaN], each aligned where it stands.
+  const auto nans =
+      decodeMessage(Bytes{13, 2, 14, 1, 0, 0, 0xC0, 0x7F, 0, 14, 1, 0, 0, 0, 0xC0, 0x7F, 0});
+  ASSERT_TRUE(nans && nans->getIf<ValueMap>());
+  EXPECT_EQ(nans->getIf<ValueMap>()->size(), 2u) << "a NaN equals nothing";
+}
+
+// Were keys compared one with all others, or containers in keys looked at anew on every level,
+// these two would take from minutes to years.
+TEST(StandardCodecTest, HostileMapsCostNoMoreThanSorting) {
+  constexpr uint32_t kKeys = 180000;
+  Bytes many{13, 255, kKeys & 0xFF, kKeys >> 8 & 0xFF, kKeys >> 16, 0};
+  for (uint32_t key = 0; key < kKeys; ++key) {
+    many.insert(many.end(), {3, static_cast<uint8_t>(key), static_cast<uint8_t>(key >> 8),
+                             static_cast<uint8_t>(key >> 16), 0, 1});
+  }
+  const auto map = decodeMessage(many);
+  ASSERT_TRUE(map && map->getIf<ValueMap>());
+  EXPECT_EQ(map->getIf<ValueMap>()->size(), kKeys);
+
+  // Each level's two keys are copies of the whole level below, but for the last byte of one.
+  Bytes level{3, 0, 0, 0, 0};
+  while (level.size() < 500000) {
+    Bytes other = level;
+    other.back() ^= 1;
+    level = Bytes{13, 2} + level + Bytes{1} + other + Bytes{1};
+  }
+  EXPECT_TRUE(decodeMessage(level));
+}
+
+}  // namespace
+}  // namespace tapdeck::codec
