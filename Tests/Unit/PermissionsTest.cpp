@@ -77,7 +77,7 @@ TEST_F(PermissionsTest, ClicksAndScrollsPassWithoutTrust) {
   script().trusted = false;
   reply("click", ValueMap{{"button", Value("left")}});
   reply("scroll", ValueMap{{"amount", Value(3)}, {"direction", Value(0)}});
-  reply("scroll", ValueMap{{"amount", Value(2147483648)}, {"direction", Value(0)}});
+  reply("scroll", ValueMap{{"amount", Value(int64_t{2147483648})}, {"direction", Value(0)}});
   reply("scrollHorizontal", ValueMap{{"amount", Value(5.0)}, {"direction", Value(1)}});
   reply("scroll", ValueMap{{"amount", Value(2.5)}, {"direction", Value(1)}});
   reply("scroll", ValueMap{{"amount", Value(true)}, {"direction", Value(1)}});
@@ -86,8 +86,9 @@ TEST_F(PermissionsTest, ClicksAndScrollsPassWithoutTrust) {
                                    "post scroll unit 0 count 1 wheels -3 0 0 source none",
                                    "post scroll unit 0 count 1 wheels -2147483648 0 0 source none",
                                    "post scroll unit 0 count 2 wheels 0 5 0 source none"));
-  EXPECT_DEATH(reply("scroll", ValueMap{{"amount", Value(2147483648)}, {"direction", Value(1)}}),
-               "❌ .*2147483648");
+  EXPECT_DEATH(
+      reply("scroll", ValueMap{{"amount", Value(int64_t{2147483648})}, {"direction", Value(1)}}),
+      "❌ .*2147483648");
   EXPECT_DEATH(
       reply("scrollHorizontal", ValueMap{{"amount", Value(std::numeric_limits<int64_t>::min())},
                                          {"direction", Value(0)}}),

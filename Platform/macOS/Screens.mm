@@ -1,0 +1,43 @@
+#include "Platform/Screens.h"
+
+#import <AppKit/AppKit.h>
+
+#import "Platform/macOS/Strings.h"
+
+namespace tapdeck::platform {
+namespace {
+
+Screen describe(NSScreen* screen) {
+  NSNumber* number = screen.deviceDescription[@"NSScreenNumber"];
+  return {.number = number == nil ? std::nullopt : std::optional<uint32_t>(number.unsignedIntValue),
+          .localizedName = utf8FromString(screen.localizedName),
+          .frame = screen.frame,
+          .backingScaleFactor = screen.backingScaleFactor};
+}
+
+}  // namespace
+
+std::vector<Screen> screens() {
+  std::vector<Screen> all;
+  for (NSScreen* screen in NSScreen.screens) all.push_back(describe(screen));
+  return all;
+}
+
+std::optional<Screen> mainScreen() {
+  NSScreen* screen = NSScreen.mainScreen;
+  if (screen == nil) return std::nullopt;
+  return describe(screen);
+}
+
+void observeScreenParameters(std::function<void()> changed) {
+  // the notification centre keeps the observer; it is never taken away
+  [NSNotificationCenter.defaultCenter
+      addObserverForName:NSApplicationDidChangeScreenParametersNotification
+                  object:nil
+                   queue:NSOperationQueue.mainQueue
+              usingBlock:^(NSNotification*) {
+                changed();
+              }];
+}
+
+}  // namespace tapdeck::platform

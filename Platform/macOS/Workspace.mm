@@ -1,0 +1,24 @@
+#include "Platform/Workspace.h"
+
+#import <AppKit/AppKit.h>
+
+#import "Platform/macOS/Strings.h"
+
+namespace tapdeck::platform {
+namespace {
+
+NSURL* parse(const std::string& text) {
+  NSString* string = stringFromUtf8(text);
+  return string == nil ? nil : [NSURL URLWithString:string];
+}
+
+}  // namespace
+
+std::optional<URL> urlWithString(const std::string& text) {
+  if (parse(text) == nil) return std::nullopt;
+  return URL{text};
+}
+
+void openURL(const URL& url) { [NSWorkspace.sharedWorkspace openURL:parse(url.text)]; }
+
+}  // namespace tapdeck::platform
