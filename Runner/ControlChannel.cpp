@@ -22,7 +22,7 @@ Value windowGoneReply(WindowGone kind) {
     case WindowGone::runAnyway:
       break;
   }
-  return Value();
+  return {};
 }
 
 }  // namespace

@@ -5,8 +5,10 @@
 #include "Platform/Queues.h"
 #include "Runner/Clipboard.h"
 #include "Runner/Display/DisplayGeometry.h"
+#include "Runner/Input/Keyboard.h"
 #include "Runner/Input/Pointer.h"
 #include "Runner/Input/Scrolling.h"
+#include "Runner/Input/TextTyping.h"
 #include "Runner/Permissions/Accessibility.h"
 #include "Runner/Permissions/Sandbox.h"
 #include "Runner/Permissions/ScreenRecording.h"
@@ -26,18 +28,6 @@ void invalidArguments(Reply& reply, const char* message) {
 void notBuiltYet(const ControlCall&, Reply reply) {
   reply.notImplemented();
 }
-
-template <const char* key>
-void notBuiltYetNeedsText(const ControlCall& call, Reply reply) {
-  if (call.arguments.string(key)) {
-    reply.notImplemented();
-  } else {
-    reply.success();
-  }
-}
-
-constexpr char kKey[] = "key";
-constexpr char kText[] = "text";
 
 // ---- applications
 
@@ -118,6 +108,28 @@ void scrollRow(const ControlCall& call, Reply reply) {
   const auto amount = call.arguments.integer("amount");
   const auto direction = call.arguments.integer("direction");
   if (amount && direction) postScroll(*amount, *direction, axis);
+  reply.success();
+}
+
+// ---- keys and text
+
+void keyPressRow(const ControlCall& call, Reply reply) {
+  if (const auto key = call.arguments.string("key")) keyPress(*call.window, *key);
+  reply.success();
+}
+
+void keyDownRow(const ControlCall& call, Reply reply) {
+  if (const auto key = call.arguments.string("key")) keyDown(*call.window, *key);
+  reply.success();
+}
+
+void keyUpRow(const ControlCall& call, Reply reply) {
+  if (const auto key = call.arguments.string("key")) keyUp(*call.window, *key);
+  reply.success();
+}
+
+void typeTextRow(const ControlCall& call, Reply reply) {
+  if (const auto text = call.arguments.string("text")) typeUnicodeText(*text);
   reply.success();
 }
 
@@ -239,10 +251,10 @@ constexpr ControlMethod kControlMethods[] = {
     {"mouseUp", WindowGone::replyNull, mouseUpRow},
     {"scroll", WindowGone::replyNull, scrollRow<ScrollAxis::vertical>},
     {"scrollHorizontal", WindowGone::replyNull, scrollRow<ScrollAxis::horizontal>},
-    {"keyPress", WindowGone::replyNull, notBuiltYetNeedsText<kKey>},
-    {"keyDown", WindowGone::replyNull, notBuiltYetNeedsText<kKey>},
-    {"keyUp", WindowGone::replyNull, notBuiltYetNeedsText<kKey>},
-    {"typeText", WindowGone::replyNull, notBuiltYetNeedsText<kText>},
+    {"keyPress", WindowGone::replyNull, keyPressRow},
+    {"keyDown", WindowGone::replyNull, keyDownRow},
+    {"keyUp", WindowGone::replyNull, keyUpRow},
+    {"typeText", WindowGone::replyNull, typeTextRow},
     {"showLaser", WindowGone::replyNull, notBuiltYet},
     {"hideLaser", WindowGone::replyNull, notBuiltYet},
     {"getVolumeLevel", WindowGone::replyVolume50, notBuiltYet},

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 namespace tapdeck::permissions {
 
@@ -15,6 +16,9 @@ void setGranted(Permission permission, bool granted);
 
 /// Brings the question before the user (the main window's switches) without waiting.
 void ask(Permission permission);
+
+/// The file of the user's settings, for who wants to watch it change.
+std::string settingsPath();
 
 /// What `ask` does; the main window installs itself here.
 void setAskHandler(std::function<void(Permission)> handler);

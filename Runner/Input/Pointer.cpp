@@ -150,7 +150,7 @@ void showCursor(MainFlutterWindow* window) {
 }
 
 ValueMap screenCursor(const std::optional<std::string>& display) {
-  const ValueMap nowhere{{"onDisplay", Value(false)}};
+  ValueMap nowhere{{"onDisplay", Value(false)}};
   const std::optional<CGDirectDisplayID> id = resolveDisplayId(display);
   if (!id) return nowhere;
   const CGRect bounds = CGDisplayBounds(*id);

@@ -25,8 +25,9 @@ struct Monitor {
 };
 
 /// Opens the connection to the X server of $DISPLAY and checks the extensions that the host needs
-/// (XTEST, XFIXES, RANDR 1.5). Once, before anything else of Quartz; main thread, as all of this.
-/// Throws WindowServerError.
+/// (XTEST, XFIXES, RANDR 1.5). Before anything else of Quartz, which until then answers as if the
+/// server were gone; main thread, as all of this. A further call lets go, closes the connection and
+/// opens another, without the observers of the first. Throws WindowServerError and changes nothing.
 void connectToWindowServer();
 
 /// The monitors, the primary one first, then in the server's order; asked afresh. Empty when there
@@ -37,9 +38,11 @@ std::vector<Monitor> monitors();
 double pixelsPerPoint();
 
 /// Calls `changed` after the list of monitors changed, once per change, from the GLib main loop.
+/// A change of pixelsPerPoint() counts too. Throws WindowServerError.
 void observeMonitors(std::function<void()> changed);
 
 /// Releases every key and button that events posted here still hold pressed, and shows the cursor.
+/// Returns when the server has done so. The end of the process by exit does it too.
 void letGo();
 
 }  // namespace tapdeck::quartz

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -27,6 +28,8 @@ class StandInEngine final : public UIEngine {
     std::string address = "127.0.0.1";
     /// 0 takes any free port.
     uint16_t port = 8420;
+    /// A connection from which nothing comes for so long, no answer to a ping either, is ended.
+    std::chrono::milliseconds silenceLimit = std::chrono::seconds(25);
   };
   /// One open connection, for people to read.
   struct Peer {
@@ -47,7 +50,8 @@ class StandInEngine final : public UIEngine {
   /// more than one when the engine listens on every interface.
   std::vector<std::string> pageAddresses() const;
   std::vector<Peer> peers() const;
-  /// Calls `changed` after each connect and disconnect.
+  /// Calls `changed` after each connect and disconnect, in the place of what was set before; an
+  /// empty one ends it.
   void observePeers(std::function<void()> changed);
 
   /// Ends every connection, letting go of what each still holds, stops listening and removes
@@ -56,8 +60,8 @@ class StandInEngine final : public UIEngine {
 
  private:
   class Server;
-  explicit StandInEngine(std::unique_ptr<Server> server);
-  std::unique_ptr<Server> _server;
+  explicit StandInEngine(std::shared_ptr<Server> server);
+  std::shared_ptr<Server> _server;
 };
 
 }  // namespace tapdeck

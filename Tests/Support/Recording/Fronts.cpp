@@ -40,6 +40,16 @@ double doubleClickInterval() {
   return script().doubleClickInterval;
 }
 
+CGEventRef createSystemDefinedEvent(uint32_t modifierFlags, int16_t subtype, int64_t data1,
+                                    int64_t data2) {
+  if (script().systemDefinedFails) return nullptr;
+  char text[96];
+  std::snprintf(text, sizeof text, "system-defined flags 0x%x subtype %d data1 0x%llx data2 %lld",
+                modifierFlags, subtype, static_cast<unsigned long long>(data1),
+                static_cast<long long>(data2));
+  return recording::makeDescribedEvent(text);
+}
+
 double systemUptime() {
   return script().uptime;
 }

@@ -61,6 +61,10 @@ std::string describeSource(CGEventSourceRef source) {
 
 }  // namespace
 
+CGEventRef tapdeck::recording::makeDescribedEvent(const std::string& description) {
+  return makeEvent(kCGEventNull, {0, 0}, description);
+}
+
 CGEventSourceRef CGEventSourceCreate(CGEventSourceStateID state) {
   return script().sourceFails ? nullptr : makeObject<CGEventSourceRef>(state);
 }

@@ -37,6 +37,7 @@ struct Script {
   bool sourceFails = false;
   /// Creating an event of one of these types fails.
   std::set<CGEventType> failingEvents;
+  bool systemDefinedFails = false;
 
   std::optional<std::string> pasteboard;
   std::map<std::string, std::string> environment;
@@ -62,6 +63,9 @@ void runMainQueue();
 
 /// Delivers one notification of changed screen parameters.
 void notifyScreenParameters();
+
+/// Makes an event that is posted as `description`; owned by the caller.
+CGEventRef makeDescribedEvent(const std::string& description);
 
 /// "(11,20)" with as many digits as a double needs.
 std::string describe(CGPoint point);

@@ -56,9 +56,8 @@ void CFDataAppendBytes(CFMutableDataRef data, const UInt8* bytes, CFIndex length
 CFIndex CFDataGetLength(CFDataRef data);
 const UInt8* CFDataGetBytePtr(CFDataRef data);
 
-CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys,
-                                   const void** values, CFIndex count,
-                                   const CFDictionaryKeyCallBacks* keyCallBacks,
+CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
+                                   CFIndex count, const CFDictionaryKeyCallBacks* keyCallBacks,
                                    const CFDictionaryValueCallBacks* valueCallBacks);
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);

@@ -27,9 +27,7 @@ struct CGRect {
   CGSize size;
 };
 
-inline CGPoint CGPointMake(CGFloat x, CGFloat y) {
-  return {x, y};
-}
+inline CGPoint CGPointMake(CGFloat x, CGFloat y) { return {x, y}; }
 inline CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
   return {{x, y}, {width, height}};
 }
@@ -49,7 +47,11 @@ bool CGRectIsNull(CGRect rect);
 /// The rectangle that is no place at all: infinite origin, no size.
 extern const CGRect CGRectNull;
 
-enum CGError : int32_t { kCGErrorSuccess = 0, kCGErrorFailure = 1000, kCGErrorIllegalArgument = 1001 };
+enum CGError : int32_t {
+  kCGErrorSuccess = 0,
+  kCGErrorFailure = 1000,
+  kCGErrorIllegalArgument = 1001
+};
 
 // ---- displays
 

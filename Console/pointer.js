@@ -1,0 +1,186 @@
+// The computer's pointer as the page drives it: moves and scrolls that never pile up, buttons that
+// never stay pressed.
+
+/** How far apart (points) the pointer and an event may be and still be taken for the same. */
+const SAME_PLACE = 6;
+/** How long (ms) the page may take to hear of a movement of the mouse that is on it. */
+const EVENT_DELAY = 30;
+
+/**
+ * Sums up movement and hands it on one call at a time: what comes in while a call is under way
+ * waits and goes out as one, so a slow line delays movement but never queues it.
+ */
+class Pacer {
+  #x = 0;
+  #y = 0;
+  #busy = false;
+  #take;
+  #send;
+
+  /** `take(x, y)` gives the part that can go out now; `send` gets it and returns a promise. */
+  constructor(take, send) {
+    this.#take = take;
+    this.#send = send;
+  }
+
+  add(x, y) {
+    this.#x += x;
+    this.#y += y;
+    if (!this.#busy) this.#pump();
+  }
+
+  /** Sends what has been summed up at once, for a call that must come after it. */
+  flush() {
+    const [x, y] = this.#takePart();
+    if (x || y) this.#send(x, y).catch(() => {});
+  }
+
+  drop() {
+    this.#x = this.#y = 0;
+  }
+
+  #takePart() {
+    const part = this.#take(this.#x, this.#y);
+    this.#x -= part[0];
+    this.#y -= part[1];
+    return part;
+  }
+
+  async #pump() {
+    const [x, y] = this.#takePart();
+    if (!x && !y) return;
+    this.#busy = true;
+    try {
+      await this.#send(x, y);
+    } catch {
+      this.drop();
+    }
+    this.#busy = false;
+    this.#pump();
+  }
+}
+
+const isNear = (value, seen) =>
+  value >= Math.min(...seen) - SAME_PLACE && value <= Math.max(...seen) + SAME_PLACE;
+
+const whole = (x, y) => [Math.trunc(x), Math.trunc(y)];
+
+/** Emits "held" whenever `held` (the name of the pressed button, or null) changes. */
+export class RemotePointer extends EventTarget {
+  held = null;
+  #holder = null;
+  #connection;
+  #displays;
+  #moves;
+  #scrolls;
+
+  /** `displays` gives the records of the computer's displays. */
+  constructor(connection, displays) {
+    super();
+    this.#connection = connection;
+    this.#displays = displays;
+    this.#moves = new Pacer((x, y) => [x, y], (dx, dy) => connection.call("moveMouse", { dx, dy }));
+    this.#scrolls = new Pacer(whole, (x, y) => this.#postScroll(x, y));
+    connection.addEventListener("state", () => this.#lineChanged());
+  }
+
+  move(dx, dy) {
+    if (this.#connection.connected) this.#moves.add(dx, dy);
+  }
+
+  /** Scrolls by points; positive values go toward the top and the left, as fingers pull content. */
+  scroll(x, y) {
+    if (!this.#connection.connected) return;
+    this.#moves.flush();
+    this.#scrolls.add(x, y);
+  }
+
+  click(button) {
+    this.#now("click", { button });
+  }
+
+  /** Presses a button for `holder`, an object of the caller's; who held one before lets go. */
+  press(holder, button) {
+    if (!this.#connection.connected) return;
+    this.#letGo();
+    this.#now("mouseDown", { button });
+    this.#setHeld(holder, button);
+  }
+
+  release(holder) {
+    if (this.#holder === holder) this.#letGo();
+  }
+
+  releaseAll() {
+    this.#letGo();
+  }
+
+  /** Moves the pointer to a place on a display, given as fractions of its width and height. */
+  jump(display, x, y) {
+    this.#moves.drop();
+    return this.#connection.call("moveMouseAbs", { display, x, y });
+  }
+
+  /**
+   * Whether this mouse event comes from the very pointer that the host moves: the page is then open
+   * on the computer it controls, and passing the event on would make the pointer chase itself.
+   */
+  async isSelf(event) {
+    const display = this.#displays().find(({ x, y, w, h }) => event.screenX >= x
+      && event.screenX < x + w && event.screenY >= y && event.screenY < y + h);
+    if (!display) return false;
+    // The mouse may go on while the host is asked: it is looked for all along its way.
+    const xs = [event.screenX];
+    const ys = [event.screenY];
+    const follow = ({ screenX, screenY }) => {
+      xs.push(screenX);
+      ys.push(screenY);
+    };
+    window.addEventListener("pointermove", follow);
+    try {
+      const cursor = await this.#connection.call("screenCursor", { display: display.id });
+      await new Promise((resolve) => setTimeout(resolve, EVENT_DELAY));
+      return cursor.onDisplay && isNear(display.x + cursor.x * display.w, xs)
+        && isNear(display.y + cursor.y * display.h, ys);
+    } catch {
+      return false;
+    } finally {
+      window.removeEventListener("pointermove", follow);
+    }
+  }
+
+  #letGo() {
+    if (this.held === null) return;
+    this.#now("mouseUp", { button: this.held });
+    this.#setHeld(null, null);
+  }
+
+  #setHeld(holder, button) {
+    this.#holder = holder;
+    this.held = button;
+    this.dispatchEvent(new Event("held"));
+  }
+
+  // What was moved before a button changes must have arrived before it.
+  #now(method, args) {
+    this.#moves.flush();
+    this.#connection.call(method, args).catch(() => {});
+  }
+
+  #postScroll(x, y) {
+    const post = (method, value) =>
+      this.#connection.call(method, { amount: Math.abs(value), direction: value > 0 ? 1 : -1 });
+    const calls = [];
+    if (y) calls.push(post("scroll", y));
+    if (x) calls.push(post("scrollHorizontal", x));
+    return Promise.all(calls);
+  }
+
+  // The host lets go of what a lost connection held.
+  #lineChanged() {
+    if (this.#connection.connected) return;
+    this.#moves.drop();
+    this.#scrolls.drop();
+    if (this.held !== null) this.#setHeld(null, null);
+  }
+}

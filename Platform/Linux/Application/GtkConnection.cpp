@@ -1,0 +1,37 @@
+#include "Platform/Linux/Application/GtkConnection.h"
+
+#include <X11/Xlib.h>
+#include <gtk/gtk.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/SessionFile.h"
+
+namespace tapdeck {
+
+namespace {
+
+/// Nothing that talks to the X server can be done any more; what lies in the file system can.
+int dieWithServer(Display*) {
+  removeSession(getpid());
+  std::fputs("tapdeck-host: the X server has ended the connection, and the host ends with it.\n",
+             stderr);
+  _exit(EXIT_FAILURE);
+}
+
+}  // namespace
+
+void connectGtk() {
+  // What the host does it does through X11, also where a desktop offers Wayland beside it.
+  gdk_set_allowed_backends("x11");
+  if (!gtk_init_check(nullptr, nullptr)) {
+    throw quartz::WindowServerError(
+        "GTK cannot use the X server of $DISPLAY; is GDK_BACKEND set to something else than x11?");
+  }
+  XSetIOErrorHandler(dieWithServer);
+}
+
+}  // namespace tapdeck

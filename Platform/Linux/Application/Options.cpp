@@ -1,0 +1,74 @@
+#include "Platform/Linux/Application/Options.h"
+
+#include <glib.h>
+
+#include <charconv>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+namespace tapdeck {
+
+namespace {
+
+struct Freeing {
+  void operator()(char* text) const { g_free(text); }
+  void operator()(GError* error) const { g_error_free(error); }
+  void operator()(GOptionContext* context) const { g_option_context_free(context); }
+};
+using Text = std::unique_ptr<char, Freeing>;
+
+std::optional<uint16_t> portFrom(std::string_view text) {
+  uint16_t port = 0;
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, port);
+  if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
+  return port;
+}
+
+std::nullopt_t complain(const std::string& message) {
+  std::fprintf(stderr, "tapdeck-host: %s\nTry \"tapdeck-host --help\".\n", message.c_str());
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Options> parseOptions(int argc, char** argv) {
+  char* port = nullptr;
+  char* address = nullptr;
+  gboolean show = FALSE;
+  gboolean version = FALSE;
+  const GOptionEntry entries[] = {
+      {"port", 'p', 0, G_OPTION_ARG_STRING, &port,
+       "The TCP port to listen on; 0 takes any free one (8420)", "N"},
+      {"listen", 'l', 0, G_OPTION_ARG_STRING, &address,
+       "The IP address to listen on; 0.0.0.0 lets phones in (127.0.0.1)", "ADDRESS"},
+      {"show", 0, 0, G_OPTION_ARG_NONE, &show,
+       "Bring back the window of the host that runs already, and print its address", nullptr},
+      {"version", 0, 0, G_OPTION_ARG_NONE, &version, "Print the version", nullptr},
+      {nullptr, 0, 0, G_OPTION_ARG_NONE, nullptr, nullptr, nullptr},
+  };
+  const std::unique_ptr<GOptionContext, Freeing> context(g_option_context_new(nullptr));
+  g_option_context_set_summary(context.get(), "Lets a phone's browser control this desktop.");
+  g_option_context_add_main_entries(context.get(), entries, nullptr);
+
+  GError* problem = nullptr;
+  const bool parsed = g_option_context_parse(context.get(), &argc, &argv, &problem);
+  const std::unique_ptr<GError, Freeing> error(problem);
+  const Text portText(port), addressText(address);
+  if (!parsed) return complain(error->message);
+  if (argc > 1) return complain("what is \"" + std::string(argv[1]) + "\"?");
+
+  Options options;
+  if (addressText) options.address = addressText.get();
+  if (portText) {
+    const auto number = portFrom(portText.get());
+    if (!number) return complain("the port is a number from 0 to 65535.");
+    options.port = *number;
+  }
+  if (show) options.action = Options::Action::show;
+  if (version) options.action = Options::Action::printVersion;
+  return options;
+}
+
+}  // namespace tapdeck

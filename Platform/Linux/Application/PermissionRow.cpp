@@ -1,0 +1,62 @@
+#include "Platform/Linux/Application/PermissionRow.h"
+
+#include <glibmm/main.h>
+
+namespace tapdeck {
+
+namespace {
+
+constexpr unsigned int pointingMilliseconds = 4000;
+
+}  // namespace
+
+PermissionRow::PermissionRow(permissions::Permission permission, const Glib::ustring& title,
+                             const Glib::ustring& explanation)
+    : Gtk::Box(Gtk::ORIENTATION_HORIZONTAL, 12),
+      _permission(permission),
+      _title(title, Gtk::ALIGN_START),
+      _explanation(explanation, Gtk::ALIGN_START) {
+  _explanation.set_line_wrap();
+  _explanation.set_xalign(0);
+  _explanation.get_style_context()->add_class("dim-label");
+  _explanation.get_style_context()->add_class("small");
+  _texts.pack_start(_title, Gtk::PACK_SHRINK);
+  _texts.pack_start(_explanation, Gtk::PACK_SHRINK);
+  _switch.set_valign(Gtk::ALIGN_CENTER);
+  _switch.get_accessible()->set_name(title);
+  pack_start(_texts, Gtk::PACK_EXPAND_WIDGET);
+  pack_start(_switch, Gtk::PACK_SHRINK);
+  get_style_context()->add_class("row");
+
+  refresh();
+  _switch.property_active().signal_changed().connect([this] { decide(); });
+}
+
+PermissionRow::~PermissionRow() {
+  _endOfPointing.disconnect();
+}
+
+void PermissionRow::refresh() {
+  _switch.set_active(permissions::isGranted(_permission));
+}
+
+void PermissionRow::pointOut() {
+  const auto style = get_style_context();
+  style->add_class("pointed-out");
+  _endOfPointing.disconnect();
+  _endOfPointing = Glib::signal_timeout().connect(
+      [style] {
+        style->remove_class("pointed-out");
+        return false;
+      },
+      pointingMilliseconds);
+  _switch.grab_focus();
+}
+
+void PermissionRow::decide() {
+  // A switch that follows the settings decides nothing.
+  if (_switch.get_active() == permissions::isGranted(_permission)) return;
+  permissions::setGranted(_permission, _switch.get_active());
+}
+
+}  // namespace tapdeck

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace tapdeck::quartz {
+
+/// Replies and events of the X server come from malloc.
+struct Freed {
+  void operator()(void* memory) const { std::free(memory); }
+};
+template <typename Packet>
+using Received = std::unique_ptr<Packet, Freed>;
+
+/// One connection to the X server of $DISPLAY. Requests on a connection that has broken are
+/// dropped and their replies are null, so that nothing here needs to ask first whether it lives.
+class Connection {
+ public:
+  /// Checks XTEST, XFIXES and RANDR 1.5 too. Throws WindowServerError.
+  Connection();
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  xcb_connection_t* get() const { return _connection.get(); }
+  xcb_window_t root() const { return _root; }
+  /// The number of the X screen: the Y of DISPLAY=:X.Y.
+  int screenNumber() const { return _screenNumber; }
+  bool isAlive() const { return xcb_connection_has_error(get()) == 0; }
+
+  /// Sends what is buffered, and forgets the events and errors that have come in: a connection
+  /// that reads its events calls xcb_flush instead.
+  void flush() const;
+  /// Waits until the server has carried out all that was sent: it drops what it has not read when
+  /// the connection ends.
+  void finish() const;
+
+  /// Waits for the reply of `request`; null when the server refused it or is gone.
+  template <typename Cookie, typename Packet>
+  Received<Packet> wait(Cookie request,
+                        Packet* (*reply)(xcb_connection_t*, Cookie, xcb_generic_error_t**)) const {
+    xcb_generic_error_t* error = nullptr;
+    Received<Packet> packet(reply(get(), request, &error));
+    const Received<xcb_generic_error_t> refused(error);
+    return packet;
+  }
+
+  /// 0 (XCB_ATOM_NONE) when the server is gone.
+  xcb_atom_t atom(const std::string& name);
+  /// Empty when there is no such atom or the server is gone.
+  const std::string& atomName(xcb_atom_t atom);
+  /// A property's bytes, up to 256 KiB; empty when it is missing or of another type.
+  std::vector<uint8_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
+
+ private:
+  struct Disconnect {
+    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+  };
+  void requireExtensions() const;
+
+  int _screenNumber = 0;
+  std::unique_ptr<xcb_connection_t, Disconnect> _connection;
+  xcb_window_t _root = XCB_WINDOW_NONE;
+  // neither changes while the server runs
+  std::unordered_map<std::string, xcb_atom_t> _atoms;
+  std::unordered_map<xcb_atom_t, std::string> _atomNames;
+};
+
+}  // namespace tapdeck::quartz

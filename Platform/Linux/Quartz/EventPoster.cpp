@@ -1,0 +1,149 @@
+#include "Platform/Linux/Quartz/EventPoster.h"
+
+#include <xcb/xtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "Platform/Linux/Permissions.h"
+
+namespace tapdeck::quartz {
+namespace {
+
+// the core protocol's buttons
+constexpr uint8_t kLeft = 1;
+constexpr uint8_t kMiddle = 2;
+constexpr uint8_t kRight = 3;
+constexpr uint8_t kWheelUp = 4;
+constexpr uint8_t kWheelDown = 5;
+constexpr uint8_t kWheelLeft = 6;
+constexpr uint8_t kWheelRight = 7;
+// by custom the first button after the wheel's, which Quartz numbers 3
+constexpr uint8_t kBack = 8;
+
+uint8_t serverButton(uint32_t quartzButton) {
+  switch (quartzButton) {
+    case kCGMouseButtonLeft:
+      return kLeft;
+    case kCGMouseButtonRight:
+      return kRight;
+    case kCGMouseButtonCenter:
+      return kMiddle;
+    default:
+      return static_cast<uint8_t>(std::min<uint32_t>(quartzButton, 31) - 3 + kBack);
+  }
+}
+
+bool isRelease(const __CGEvent& event) {
+  return event.type == kCGEventLeftMouseUp || event.type == kCGEventRightMouseUp ||
+         event.type == kCGEventOtherMouseUp;
+}
+
+}  // namespace
+
+EventPoster::EventPoster(Connection& connection) : _connection(connection) {
+  // some screen lockers and games grab the whole server
+  xcb_test_grab_control(_connection.get(), 1);
+  _connection.flush();
+}
+
+void EventPoster::post(const __CGEvent& event) {
+  if (permissions::isGranted(permissions::Permission::control)) {
+    carryOut(event);
+  } else if (const uint8_t button = serverButton(event.button);
+             isRelease(event) && _held.contains(button)) {
+    release(button);
+  }
+  _connection.flush();
+}
+
+void EventPoster::carryOut(const __CGEvent& event) {
+  switch (event.type) {
+    case kCGEventMouseMoved:
+    case kCGEventLeftMouseDragged:
+    case kCGEventRightMouseDragged:
+    case kCGEventOtherMouseDragged:
+      move(event.location);
+      break;
+    case kCGEventLeftMouseDown:
+    case kCGEventRightMouseDown:
+    case kCGEventOtherMouseDown:
+      if (move(event.location)) press(serverButton(event.button));
+      break;
+    case kCGEventLeftMouseUp:
+    case kCGEventRightMouseUp:
+    case kCGEventOtherMouseUp:
+      move(event.location);
+      release(serverButton(event.button));
+      break;
+    case kCGEventScrollWheel:
+      scroll(event);
+      break;
+    default:
+      break;
+  }
+}
+
+void EventPoster::letGo() {
+  if (_held.empty()) return;
+  while (!_held.empty()) release(_held.begin()->first);
+  _connection.finish();
+}
+
+bool EventPoster::move(CGPoint point) {
+  const auto pixel = currentPointSpace().pixelAt(point);
+  if (pixel) fake(XCB_MOTION_NOTIFY, 0, *pixel);
+  return pixel.has_value();
+}
+
+void EventPoster::press(uint8_t button) {
+  const auto physical = physicalButton(button);
+  if (!physical) return;
+  fake(XCB_BUTTON_PRESS, *physical);
+  _held.emplace(button, *physical);
+}
+
+void EventPoster::release(uint8_t button) {
+  const auto held = _held.find(button);
+  const auto physical = held == _held.end() ? physicalButton(button) : held->second;
+  if (held != _held.end()) _held.erase(held);
+  if (physical) fake(XCB_BUTTON_RELEASE, *physical);
+}
+
+void EventPoster::scroll(const __CGEvent& event) {
+  const bool byLine = event.scrollUnits == kCGScrollEventUnitLine;
+  const int32_t up = event.verticalScroll;
+  const int32_t left = event.horizontalScroll;
+  turnWheel(byLine ? _vertical.addLines(up) : _vertical.addPixels(up), kWheelUp, kWheelDown);
+  turnWheel(byLine ? _horizontal.addLines(left) : _horizontal.addPixels(left), kWheelLeft,
+            kWheelRight);
+}
+
+void EventPoster::turnWheel(int steps, uint8_t positive, uint8_t negative) {
+  if (steps == 0) return;
+  const auto physical = physicalButton(steps > 0 ? positive : negative);
+  for (int left = std::abs(steps); physical && left > 0; --left) {
+    fake(XCB_BUTTON_PRESS, *physical);
+    fake(XCB_BUTTON_RELEASE, *physical);
+  }
+}
+
+// XTEST presses physical buttons. Who swaps them (a mouse for the left hand, the wheel's direction)
+// means the mouse; an event says what shall arrive.
+std::optional<uint8_t> EventPoster::physicalButton(uint8_t button) const {
+  const auto mapping =
+      _connection.wait(xcb_get_pointer_mapping(_connection.get()), xcb_get_pointer_mapping_reply);
+  if (mapping == nullptr) return std::nullopt;
+  const uint8_t* first = xcb_get_pointer_mapping_map(mapping.get());
+  const uint8_t* last = first + xcb_get_pointer_mapping_map_length(mapping.get());
+  const uint8_t* place = std::find(first, last, button);
+  if (place == last) return std::nullopt;
+  return static_cast<uint8_t>(place - first + 1);
+}
+
+void EventPoster::fake(uint8_t type, uint8_t detail, Pixel pixel) {
+  xcb_test_fake_input(_connection.get(), type, detail, XCB_CURRENT_TIME, _connection.root(),
+                      pixel.x, pixel.y, 0);
+}
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "Platform/Linux/Quartz/WindowServer.h"
+
+namespace tapdeck::quartz {
+
+/// A pixel of the root window.
+struct Pixel {
+  int16_t x, y;
+};
+
+/// How global display coordinates (points, origin at the primary monitor's top-left corner) lie on
+/// the root window (pixels, origin at its own top-left corner) at one moment.
+class PointSpace {
+ public:
+  PointSpace(const std::vector<Monitor>& monitors, double pixelsPerPoint);
+
+  CGPoint pointAt(int pixelX, int pixelY) const;
+  CGRect rectOf(const Monitor& monitor) const;
+  /// The nearest pixel that the protocol can name; absent when the point is not finite.
+  std::optional<Pixel> pixelAt(CGPoint point) const;
+
+ private:
+  int _originX = 0;
+  int _originY = 0;
+  double _pixelsPerPoint;
+};
+
+/// As the displays are now. Main thread only.
+PointSpace currentPointSpace();
+
+/// Where the pointer is now; absent when the server is gone. Main thread only.
+std::optional<Pixel> pointerPixel();
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tapdeck::quartz {
+
+/// Turns an amount of scrolling into turns of a wheel, on one axis: X has no finer wheel that other
+/// programs may turn. What is left of a step counts towards the next, until the direction turns.
+class ScrollSteps {
+ public:
+  /// What applications make of one wheel step: about three lines of text. So content keeps up with
+  /// the finger, neither faster nor slower.
+  static constexpr int pixelsPerStep = 50;
+  /// For one event, however large: further than anyone scrolls at once, and soon over.
+  static constexpr int mostSteps = 100;
+
+  /// Points, positive and negative being the two directions; gives whole steps of the same sign.
+  int addPixels(int32_t pixels);
+  /// One line is one step, as one notch of a wheel is one line.
+  int addLines(int32_t lines);
+
+ private:
+  int64_t _left = 0;
+};
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <gio/gio.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tapdeck::standin {
+
+/// Who may talk to the engine. A page of another origin can make a browser send requests here, and
+/// by a name of its own that resolves to our address even read the answers (DNS rebinding); the
+/// Host and Origin checks keep it out, the token keeps out everybody who has not seen the address.
+
+/// 128 random bits from the system's generator, as 32 hexadecimal digits.
+std::string newToken();
+
+/// Takes equally long wherever the two differ.
+bool equalInConstantTime(std::string_view a, std::string_view b);
+
+/// "1.2.3.4:8420" or "[::1]:8420"; a port of 80 is left out, as browsers do.
+std::string authorityOf(GInetAddress* address, uint16_t port);
+
+/// Whether a Host header names the address at which the connection arrived: by its IP literal, or
+/// as localhost when it is a loopback address.
+bool isOwnHost(const char* host, GSocketAddress* local);
+
+/// Whether an Origin header is absent or the origin of our own page at this (own) host.
+bool isOwnOrigin(const char* origin, std::string_view host);
+
+}  // namespace tapdeck::standin

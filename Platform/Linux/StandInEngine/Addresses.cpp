@@ -1,0 +1,66 @@
+#include "Platform/Linux/StandInEngine/Addresses.h"
+
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netinet/in.h>
+
+#include <memory>
+
+#include "Platform/Linux/StandInEngine/Access.h"
+#include "Platform/Linux/StandInEngine/Handles.h"
+
+namespace tapdeck::standin {
+namespace {
+
+struct InterfacesRelease {
+  void operator()(ifaddrs* list) const { freeifaddrs(list); }
+};
+
+Object<GInetAddress> addressOf(const ifaddrs& entry) {
+  if (entry.ifa_addr == nullptr || (entry.ifa_flags & IFF_UP) == 0) return nullptr;
+  const int family = entry.ifa_addr->sa_family;
+  if (family != AF_INET && family != AF_INET6) return nullptr;
+  const size_t size = family == AF_INET ? sizeof(sockaddr_in) : sizeof(sockaddr_in6);
+  const Object<GSocketAddress> socketAddress(
+      g_socket_address_new_from_native(entry.ifa_addr, size));
+  if (!socketAddress) return nullptr;
+  GInetAddress* address =
+      g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(socketAddress.get()));
+  return Object<GInetAddress>(G_INET_ADDRESS(g_object_ref(address)));
+}
+
+/// Link-local addresses are left out: a browser cannot be told their interface.
+std::vector<Object<GInetAddress>> networkAddresses(GSocketFamily family) {
+  ifaddrs* list = nullptr;
+  if (getifaddrs(&list) != 0) return {};
+  const std::unique_ptr<ifaddrs, InterfacesRelease> owner(list);
+  std::vector<Object<GInetAddress>> addresses;
+  for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
+    Object<GInetAddress> address = addressOf(*entry);
+    if (address && g_inet_address_get_family(address.get()) == family &&
+        !g_inet_address_get_is_loopback(address.get()) &&
+        !g_inet_address_get_is_link_local(address.get())) {
+      addresses.push_back(std::move(address));
+    }
+  }
+  return addresses;
+}
+
+}  // namespace
+
+std::vector<std::string> originsFor(const std::string& address, uint16_t port) {
+  Object<GInetAddress> own(g_inet_address_new_from_string(address.c_str()));
+  if (!own) return {};
+  std::vector<Object<GInetAddress>> addresses;
+  if (g_inet_address_get_is_any(own.get())) {
+    const GSocketFamily family = g_inet_address_get_family(own.get());
+    addresses = networkAddresses(family);
+    own.reset(g_inet_address_new_loopback(family));
+  }
+  addresses.push_back(std::move(own));
+  std::vector<std::string> origins;
+  for (const auto& each : addresses) origins.push_back("http://" + authorityOf(each.get(), port));
+  return origins;
+}
+
+}  // namespace tapdeck::standin

@@ -1,0 +1,277 @@
+#include "Platform/Linux/StandInEngine/BoundedStream.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <vector>
+
+namespace tapdeck::standin {
+namespace {
+
+/// What the stream and its two directions share. Sources keep a direction alive beyond the stream.
+class Flow {
+ public:
+  Flow(GIOStream* base, const StreamBounds& bounds)
+      : _base(G_IO_STREAM(g_object_ref(base))), _bounds(bounds) {}
+
+  GPollableInputStream* input() const {
+    return G_POLLABLE_INPUT_STREAM(g_io_stream_get_input_stream(_base.get()));
+  }
+  GPollableOutputStream* output() const {
+    return G_POLLABLE_OUTPUT_STREAM(g_io_stream_get_output_stream(_base.get()));
+  }
+
+  gssize read(void* buffer, gsize size, GError** error) {
+    if (_unfinished > _bounds.unfinished) {
+      g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_MESSAGE_TOO_LARGE, "Message too large");
+      return -1;
+    }
+    const gssize count =
+        g_pollable_input_stream_read_nonblocking(input(), buffer, size, nullptr, error);
+    if (count > 0) _unfinished += static_cast<size_t>(count);
+    return count;
+  }
+  void messageEnded() { _unfinished = 0; }
+  void receivedBeside(size_t size) { _unfinished -= std::min(_unfinished, size); }
+
+  gssize write(const uint8_t* data, gsize size, GError** error) {
+    size_t taken = 0;
+    if (_unsent.empty()) {
+      const gssize count = writeToBase(data, size, error);
+      if (count < 0) return -1;
+      taken = static_cast<size_t>(count);
+    }
+    const size_t rest = size - taken;
+    if (rest > _bounds.unsent || unsent() > _bounds.unsent - rest) {
+      g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_NO_SPACE, "The peer does not read");
+      return -1;
+    }
+    _unsent.insert(_unsent.end(), data + taken, data + size);
+    if (!_unsent.empty() && !_flushing) flushLater();
+    return static_cast<gssize>(size);
+  }
+
+  gboolean close(GError** error) {
+    _flushing.reset();
+    forgetUnsent();
+    return g_io_stream_close(_base.get(), nullptr, error);
+  }
+
+ private:
+  size_t unsent() const { return _unsent.size() - _flushed; }
+  void forgetUnsent() {
+    std::vector<uint8_t>().swap(_unsent);
+    _flushed = 0;
+  }
+
+  /// The count, 0 when the base would block.
+  gssize writeToBase(const uint8_t* data, gsize size, GError** error) {
+    GError* problem = nullptr;
+    const gssize count =
+        g_pollable_output_stream_write_nonblocking(output(), data, size, nullptr, &problem);
+    if (count >= 0) return count;
+    if (g_error_matches(problem, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK)) {
+      g_error_free(problem);
+      return 0;
+    }
+    g_propagate_error(error, problem);
+    return -1;
+  }
+
+  void flushLater() {
+    _flushing.reset(g_pollable_output_stream_create_source(output(), nullptr));
+    const GPollableSourceFunc callback = [](GObject*, gpointer flow) -> gboolean {
+      return static_cast<Flow*>(flow)->flush();
+    };
+    g_source_set_callback(_flushing.get(), G_SOURCE_FUNC(callback), this, nullptr);
+    g_source_attach(_flushing.get(), nullptr);
+  }
+
+  gboolean flush() {
+    GError* problem = nullptr;
+    const gssize count = writeToBase(_unsent.data() + _flushed, unsent(), &problem);
+    const ErrorHandle error(problem);
+    // A failing socket says so to the reading side too, which ends the connection.
+    if (count < 0) forgetUnsent();
+    if (count > 0) _flushed += static_cast<size_t>(count);
+    if (unsent() == 0) {
+      forgetUnsent();
+      _flushing.reset();
+      return G_SOURCE_REMOVE;
+    }
+    if (_flushed > _unsent.size() / 2) {
+      _unsent.erase(_unsent.begin(), _unsent.begin() + static_cast<ptrdiff_t>(_flushed));
+      _flushed = 0;
+    }
+    return G_SOURCE_CONTINUE;
+  }
+
+  Object<GIOStream> _base;
+  StreamBounds _bounds;
+  size_t _unfinished = 0;
+  std::vector<uint8_t> _unsent;
+  size_t _flushed = 0;
+  Source _flushing;
+};
+
+using FlowHandle = std::shared_ptr<Flow>;
+
+// GObject makes and frees instances as plain memory: the C++ member in them is constructed and
+// destroyed by hand.
+
+struct BoundedInput {
+  GInputStream parent;
+  FlowHandle flow;
+};
+struct BoundedInputClass {
+  GInputStreamClass parent;
+};
+struct BoundedOutput {
+  GOutputStream parent;
+  FlowHandle flow;
+};
+struct BoundedOutputClass {
+  GOutputStreamClass parent;
+};
+struct BoundedStream {
+  GIOStream parent;
+  FlowHandle flow;
+  GInputStream* input;
+  GOutputStream* output;
+};
+struct BoundedStreamClass {
+  GIOStreamClass parent;
+};
+
+template <typename Self>
+Flow& flowOf(gpointer self) {
+  return *static_cast<Self*>(self)->flow;
+}
+
+void bounded_input_pollable(GPollableInputStreamInterface* interface) {
+  interface->is_readable = [](GPollableInputStream* self) {
+    return g_pollable_input_stream_is_readable(flowOf<BoundedInput>(self).input());
+  };
+  interface->create_source = [](GPollableInputStream* self, GCancellable* cancellable) {
+    GSource* ready =
+        g_pollable_input_stream_create_source(flowOf<BoundedInput>(self).input(), nullptr);
+    GSource* source = g_pollable_source_new_full(self, ready, cancellable);
+    g_source_unref(ready);
+    return source;
+  };
+  interface->read_nonblocking = [](GPollableInputStream* self, void* buffer, gsize size,
+                                   GError** error) {
+    return flowOf<BoundedInput>(self).read(buffer, size, error);
+  };
+}
+
+void bounded_output_pollable(GPollableOutputStreamInterface* interface) {
+  interface->is_writable = [](GPollableOutputStream*) -> gboolean { return TRUE; };
+  interface->create_source = [](GPollableOutputStream* self, GCancellable* cancellable) {
+    GSource* ready = g_idle_source_new();
+    GSource* source = g_pollable_source_new_full(self, ready, cancellable);
+    g_source_unref(ready);
+    return source;
+  };
+  interface->write_nonblocking = [](GPollableOutputStream* self, const void* data, gsize size,
+                                    GError** error) {
+    return flowOf<BoundedOutput>(self).write(static_cast<const uint8_t*>(data), size, error);
+  };
+}
+
+// The macro's functions of type_name() must have C-like names.
+G_DEFINE_TYPE_WITH_CODE(BoundedInput, bounded_input, G_TYPE_INPUT_STREAM,
+                        G_IMPLEMENT_INTERFACE(G_TYPE_POLLABLE_INPUT_STREAM, bounded_input_pollable))
+G_DEFINE_TYPE_WITH_CODE(BoundedOutput, bounded_output, G_TYPE_OUTPUT_STREAM,
+                        G_IMPLEMENT_INTERFACE(G_TYPE_POLLABLE_OUTPUT_STREAM,
+                                              bounded_output_pollable))
+G_DEFINE_TYPE(BoundedStream, bounded_stream, G_TYPE_IO_STREAM)
+
+void bounded_input_init(BoundedInput* self) {
+  new (&self->flow) FlowHandle();
+}
+
+void bounded_input_class_init(BoundedInputClass* type) {
+  G_OBJECT_CLASS(type)->finalize = [](GObject* self) {
+    reinterpret_cast<BoundedInput*>(self)->flow.~FlowHandle();
+    G_OBJECT_CLASS(bounded_input_parent_class)->finalize(self);
+  };
+}
+
+void bounded_output_init(BoundedOutput* self) {
+  new (&self->flow) FlowHandle();
+}
+
+void bounded_output_class_init(BoundedOutputClass* type) {
+  G_OBJECT_CLASS(type)->finalize = [](GObject* self) {
+    reinterpret_cast<BoundedOutput*>(self)->flow.~FlowHandle();
+    G_OBJECT_CLASS(bounded_output_parent_class)->finalize(self);
+  };
+}
+
+void bounded_stream_init(BoundedStream* self) {
+  new (&self->flow) FlowHandle();
+}
+
+gboolean closeBounded(GIOStream* self, GCancellable*, GError** error) {
+  return flowOf<BoundedStream>(self).close(error);
+}
+
+/// Closing a socket does not block; the default would do it on a thread of its own.
+void closeBoundedAsync(GIOStream* self, int, GCancellable* cancellable,
+                       GAsyncReadyCallback callback, gpointer data) {
+  const Object<GTask> task(g_task_new(self, cancellable, callback, data));
+  GError* error = nullptr;
+  if (closeBounded(self, nullptr, &error)) {
+    g_task_return_boolean(task.get(), TRUE);
+  } else {
+    g_task_return_error(task.get(), error);
+  }
+}
+
+void bounded_stream_class_init(BoundedStreamClass* type) {
+  // Disposal before this has closed the stream.
+  G_OBJECT_CLASS(type)->finalize = [](GObject* object) {
+    auto* self = reinterpret_cast<BoundedStream*>(object);
+    g_object_unref(self->input);
+    g_object_unref(self->output);
+    self->flow.~FlowHandle();
+    G_OBJECT_CLASS(bounded_stream_parent_class)->finalize(object);
+  };
+  auto* stream = G_IO_STREAM_CLASS(type);
+  stream->get_input_stream = [](GIOStream* self) {
+    return reinterpret_cast<BoundedStream*>(self)->input;
+  };
+  stream->get_output_stream = [](GIOStream* self) {
+    return reinterpret_cast<BoundedStream*>(self)->output;
+  };
+  stream->close_fn = closeBounded;
+  stream->close_async = closeBoundedAsync;
+  stream->close_finish = [](GIOStream*, GAsyncResult* result, GError** error) {
+    return g_task_propagate_boolean(G_TASK(result), error);
+  };
+}
+
+}  // namespace
+
+Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds) {
+  const auto flow = std::make_shared<Flow>(base, bounds);
+  auto* stream = static_cast<BoundedStream*>(g_object_new(bounded_stream_get_type(), nullptr));
+  auto* input = static_cast<BoundedInput*>(g_object_new(bounded_input_get_type(), nullptr));
+  auto* output = static_cast<BoundedOutput*>(g_object_new(bounded_output_get_type(), nullptr));
+  stream->flow = input->flow = output->flow = flow;
+  stream->input = &input->parent;
+  stream->output = &output->parent;
+  return Object<GIOStream>(&stream->parent);
+}
+
+void messageEnded(GIOStream* boundedStream) {
+  flowOf<BoundedStream>(boundedStream).messageEnded();
+}
+
+void receivedBeside(GIOStream* boundedStream, size_t size) {
+  flowOf<BoundedStream>(boundedStream).receivedBeside(size);
+}
+
+}  // namespace tapdeck::standin

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <gio/gio.h>
+
+#include "Platform/Linux/StandInEngine/Handles.h"
+
+namespace tapdeck::standin {
+
+/// How much of a connection may be kept in memory.
+struct StreamBounds {
+  /// Bytes received since the last complete message; more fail with G_IO_ERROR_MESSAGE_TOO_LARGE.
+  size_t unfinished;
+  /// Bytes sent that the peer's side has not taken yet; more fail with G_IO_ERROR_NO_SPACE.
+  size_t unsent;
+};
+
+/// A stream over `base` for a SoupWebsocketConnection, which bounds neither a message in fragments
+/// nor what waits to be sent. Writing never blocks: what the base does not take at once waits here
+/// and is written from the default main context. Closing is immediate and discards what waits.
+/// Both directions are pollable, as those of `base` must be. Main thread only.
+Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds);
+
+/// Tells a stream made by newBoundedStream() that a complete message has arrived, or another thing
+/// of `size` bytes that is no part of an unfinished message.
+void messageEnded(GIOStream* boundedStream);
+void receivedBeside(GIOStream* boundedStream, size_t size);
+
+}  // namespace tapdeck::standin

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <libsoup/soup.h>
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "Engine/StandardCodec.h"
+#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/StandInEngine/Protocol.h"
+#include "Platform/Linux/StandInEngine/StandInEngine.h"
+
+namespace tapdeck::standin {
+
+inline constexpr size_t kLargestMessage = 1024 * 1024;
+inline constexpr size_t kMostUnsent = 32 * 1024 * 1024;
+
+/// One page's WebSocket connection. Main thread only, on the default GLib main context.
+class Connection : public std::enable_shared_from_this<Connection> {
+ public:
+  struct Events {
+    std::function<void(Connection&, Request)> request;
+    /// Called once, when the connection can carry no more requests: the peer closed or vanished, it
+    /// broke the protocol or a bound, or close() was called. Not called by the destructor.
+    std::function<void(Connection&)> ended;
+  };
+
+  /// Takes over an upgraded HTTP connection. `silenceLimit`: see StandInEngine::Options.
+  static std::shared_ptr<Connection> open(GIOStream* stream, GUri* uri, StandInEngine::Peer peer,
+                                          std::chrono::milliseconds silenceLimit, Events events);
+  ~Connection();
+
+  /// Unlike every other connection's in the process.
+  uint64_t number() const { return _number; }
+  const StandInEngine::Peer& peer() const { return _peer; }
+  /// Sends what it can without waiting; nothing when the connection has ended. Ends the connection
+  /// when the peer leaves too much unread.
+  void send(const codec::Bytes& message);
+  /// Starts the closing handshake with this close code of RFC 6455.
+  void close(uint16_t code, const char* reason);
+
+ private:
+  Connection(GIOStream* stream, GUri* uri, StandInEngine::Peer peer, Events events);
+  void connectSignals();
+  void watchSilence(std::chrono::milliseconds limit);
+  void takeMessage(SoupWebsocketDataType type, GBytes* message);
+  void takeError(const GError& error);
+  void countSilence();
+  void end();
+
+  uint64_t _number;
+  StandInEngine::Peer _peer;
+  Events _events;
+  Object<GIOStream> _stream;
+  Object<SoupWebsocketConnection> _socket;
+  Source _silenceWatch;
+  int _silentTicks = 0;
+  bool _ended = false;
+};
+
+/// Makes the kernel end the connection of a peer that is no longer reachable, after about 20 s.
+void noticeDeadPeer(GSocket* socket);
+
+}  // namespace tapdeck::standin

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <variant>
+
+#include "Engine/MethodCall.h"
+#include "Engine/Reply.h"
+#include "Engine/StandardCodec.h"
+
+namespace tapdeck::standin {
+
+/// The messages of the WebSocket subprotocol: each is one standard-codec list [id, channel,
+/// payload]. A call from the page has an id above 0, which its reply bears too; a call from the
+/// host has id 0.
+inline constexpr const char* kSubprotocol = "tapdeck.engine.v1";
+
+struct Request {
+  int64_t id;
+  std::string channel;
+  MethodCall call;
+};
+
+/// Why a message is no request, as a WebSocket close code (RFC 6455, 7.4.1).
+enum class Refusal : uint16_t { protocolError = 1002, badData = 1007 };
+
+std::variant<Request, Refusal> parseRequest(std::span<const uint8_t> message);
+codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& outcome);
+codec::Bytes encodeHostCall(const std::string& channel, const MethodCall& call);
+
+}  // namespace tapdeck::standin

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <libsoup/soup.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Platform/Linux/StandInEngine/Connection.h"
+#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/StandInEngine/Holds.h"
+#include "Platform/Linux/StandInEngine/Page.h"
+#include "Platform/Linux/StandInEngine/StandInEngine.h"
+
+namespace tapdeck {
+
+/// What stands behind the engine: the HTTP server, the open connections and the channels' handlers.
+/// Shared, because a handler that it calls may let go of the engine.
+class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine::Server> {
+ public:
+  explicit Server(const Options& options);
+
+  /// Listens and writes session.json. Throws StandInEngineError.
+  void start();
+  void stop();
+
+  void setMethodCallHandler(const std::string& channel, MethodCallHandler handler);
+  void invokeMethod(const std::string& channel, const MethodCall& call);
+  std::vector<std::string> pageAddresses() const;
+  std::vector<Peer> peers() const;
+  void observePeers(std::function<void()> changed);
+
+ private:
+  using Connection = standin::Connection;
+  using Weak = std::weak_ptr<Server>;
+
+  void listen();
+  uint16_t listeningPort() const;
+  void admit(SoupServerMessage* message);
+  void serve(SoupServerMessage* message, GHashTable* query);
+  void servePage(SoupServerMessage* message) const;
+  void serveUpgrade(SoupServerMessage* message, GHashTable* query);
+  void completeUpgrade(SoupServerMessage* message);
+
+  void forward(const std::shared_ptr<Connection>& connection, standin::Request request);
+  void forget(const Connection& connection);
+  void releaseHolds(const Connection& connection);
+  void peersChanged();
+
+  Options _options;
+  std::string _token;
+  uint16_t _port = 0;
+  standin::Page _page;
+  standin::Object<SoupServer> _http;
+  std::vector<std::shared_ptr<Connection>> _connections;
+  std::map<std::string, MethodCallHandler> _handlers;
+  standin::Holds _holds;
+  std::function<void()> _observer;
+};
+
+}  // namespace tapdeck

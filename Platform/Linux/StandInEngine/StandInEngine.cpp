@@ -1,0 +1,52 @@
+#include "Platform/Linux/StandInEngine/StandInEngine.h"
+
+#include <utility>
+
+#include "Platform/Linux/StandInEngine/Server.h"
+
+namespace tapdeck {
+
+std::shared_ptr<StandInEngine> StandInEngine::start(const Options& options) {
+  auto server = std::make_shared<Server>(options);
+  server->start();
+  return std::shared_ptr<StandInEngine>(new StandInEngine(std::move(server)));
+}
+
+StandInEngine::StandInEngine(std::shared_ptr<Server> server) : _server(std::move(server)) {}
+
+StandInEngine::~StandInEngine() {
+  stop();
+}
+
+void StandInEngine::setMethodCallHandler(const std::string& channel, MethodCallHandler handler) {
+  _server->setMethodCallHandler(channel, std::move(handler));
+}
+
+void StandInEngine::invokeMethod(const std::string& channel, const std::string& method,
+                                 const Value& arguments) {
+  _server->invokeMethod(channel, {method, arguments});
+}
+
+bool StandInEngine::registerPlugin(const std::string&) {
+  return false;
+}
+
+std::vector<std::string> StandInEngine::pageAddresses() const {
+  return _server->pageAddresses();
+}
+
+std::vector<StandInEngine::Peer> StandInEngine::peers() const {
+  return _server->peers();
+}
+
+void StandInEngine::observePeers(std::function<void()> changed) {
+  _server->observePeers(std::move(changed));
+}
+
+void StandInEngine::stop() {
+  // A handler that lets go of a button may let go of the engine as well.
+  const auto server = _server;
+  server->stop();
+}
+
+}  // namespace tapdeck

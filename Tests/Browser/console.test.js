@@ -1,0 +1,251 @@
+import assert from "node:assert/strict";
+import { after, afterEach, before, beforeEach, describe, test } from "node:test";
+import { setTimeout as sleep } from "node:timers/promises";
+
+import { allow, copyOnComputer, eventually, exec, Fingers, Host, launchBrowser, openPhone,
+  pasteOnComputer, pointerPlace, putPointer, useMouseAt, Witness } from "./desktop.js";
+
+const HOLD = 700;
+const CONNECTED = "body[data-state=connected]";
+
+let host;
+let browser;
+let witness;
+let page;
+let fingers;
+/** The middle of the touchpad. */
+let pad;
+
+before(async () => {
+  host = await Host.start();
+  browser = await launchBrowser();
+  witness = await Witness.open(1200, 100, 1000, 900);
+});
+
+after(async () => {
+  witness?.close();
+  await browser?.close();
+  await host?.stop();
+});
+
+beforeEach(async () => {
+  page = await openPhone(browser, host.url);
+  await page.waitForSelector(CONNECTED);
+  fingers = await Fingers.on(page);
+  const box = await page.locator("#pad").boundingBox();
+  pad = [Math.round(box.x + box.width / 2), Math.round(box.y + box.height / 2)];
+  await putPointer(1700, 500);
+  witness.lines.length = 0;
+});
+
+afterEach(async () => {
+  assert.deepEqual(page.problems, []);
+  await page.context().close();
+});
+
+async function center(selector) {
+  const box = await page.locator(selector).boundingBox();
+  return [box.x + box.width / 2, box.y + box.height / 2];
+}
+
+const pointerSettled = async () => {
+  let last = await pointerPlace();
+  return eventually("the pointer rests", async () => {
+    const before = last;
+    await sleep(150);
+    last = await pointerPlace();
+    return last.x === before.x && last.y === before.y && last;
+  });
+};
+
+describe("touchpad", () => {
+  test("a finger moves the pointer its own way and at least as far", async () => {
+    await fingers.put(1, ...pad);
+    await fingers.drag([1], 120, 60);
+    await fingers.lift(1);
+    const { x, y } = await pointerSettled();
+    assert.ok(x - 1700 > 80 && x - 1700 < 480, `moved ${x - 1700} to the right`);
+    assert.ok(Math.abs(x - 1700 - 2 * (y - 500)) <= 4, `moved (${x - 1700}, ${y - 500})`);
+    assert.equal(witness.count("press 1 held 0x0"), 0);
+  });
+
+  test("a mouse moves, clicks and scrolls as well", async () => {
+    await page.mouse.move(...pad);
+    await page.mouse.down();
+    await page.mouse.move(pad[0] - 80, pad[1], { steps: 8 });
+    await page.mouse.up();
+    assert.ok((await pointerSettled()).x < 1640);
+    await page.mouse.click(...pad, { button: "right" });
+    await witness.sees("press 3 held 0x0", "release 3 held 0x400");
+    await page.mouse.wheel(0, 240);
+    await witness.sees("press 5 held 0x0");
+  });
+
+  test("on the computer's own screen the mouse does not chase itself", async () => {
+    const shown = await launchBrowser(true);
+    try {
+      const context = await shown.newContext({ viewport: null });
+      const local = await context.newPage();
+      await local.goto(host.url);
+      await local.waitForSelector(CONNECTED);
+      const [x, y] = await local.evaluate(() => {
+        const box = document.querySelector("#pad").getBoundingClientRect();
+        return [screenX + (outerWidth - innerWidth) / 2 + box.x + box.width / 2,
+          screenY + outerHeight - innerHeight + box.y + box.height / 2].map(Math.round);
+      });
+      await local.bringToFront();
+      await useMouseAt(x, y);
+      await local.waitForSelector(".pad-note:not(:empty)");
+      assert.deepEqual(await pointerSettled(), { x: x + 20, y });
+    } finally {
+      await shown.close();
+    }
+  });
+
+  test("taps click, with two fingers on the right button", async () => {
+    await fingers.tap(pad);
+    await fingers.tap(pad);
+    await witness.sees("press 1 held 0x0", "release 1 held 0x100",
+      "press 1 held 0x0", "release 1 held 0x100");
+    await fingers.tap(pad, [pad[0] + 60, pad[1]]);
+    await witness.sees("press 3 held 0x0", "release 3 held 0x400");
+    assert.equal(witness.count("press 1 held 0x0"), 2);
+  });
+
+  test("two fingers pull the content along", async () => {
+    await fingers.put(1, ...pad);
+    await fingers.put(2, pad[0] + 60, pad[1]);
+    await fingers.drag([1, 2], 0, 200);
+    await witness.sees("press 4 held 0x0");
+    assert.equal(witness.count("press 5 held 0x0"), 0);
+    await fingers.drag([1, 2], 0, -300);
+    await witness.sees("press 5 held 0x0");
+    await fingers.lift(1);
+    await fingers.lift(2);
+    assert.equal(witness.count("press 3 held 0x0"), 0);
+  });
+
+  test("a long press holds the button until the finger is lifted", async () => {
+    await fingers.put(1, ...pad);
+    await witness.sees("press 1 held 0x0");
+    await fingers.drag([1], 60, 0);
+    await witness.sees("press 1 held 0x0", "move held 0x100");
+    assert.equal(witness.count("release 1 held 0x100"), 0);
+    await fingers.lift(1);
+    await witness.sees("move held 0x100", "release 1 held 0x100");
+    assert.equal(witness.count("press 1 held 0x0"), 1);
+  });
+
+  test("what a gesture holds is let go of when it is cancelled or the page closes", async () => {
+    await fingers.put(1, ...pad);
+    await witness.sees("press 1 held 0x0");
+    await fingers.cancel();
+    await witness.sees("release 1 held 0x100");
+
+    await fingers.put(1, ...pad);
+    await fingers.drag([1], 2, 0, 1);
+    await witness.sees("release 1 held 0x100", "press 1 held 0x0");
+    await page.close();
+    await witness.sees("release 1 held 0x100", "press 1 held 0x0", "release 1 held 0x100");
+  });
+
+  test("a button stays pressed under one finger while another drags", async () => {
+    await fingers.put(1, ...await center("[data-button=left]"));
+    await witness.sees("press 1 held 0x0");
+    await fingers.put(2, ...pad);
+    await fingers.drag([2], 50, 0);
+    await sleep(HOLD);
+    await fingers.lift(2);
+    await fingers.lift(1);
+    await witness.sees("press 1 held 0x0", "move held 0x100", "release 1 held 0x100");
+    assert.equal(witness.count("press 1 held 0x0"), 1);
+
+    await page.focus("[data-button=middle]");
+    await page.keyboard.down("Space");
+    await witness.sees("press 2 held 0x0");
+    await page.evaluate(() => document.activeElement.blur());
+    await witness.sees("release 2 held 0x200");
+  });
+});
+
+describe("sections", () => {
+  test("displays are drawn to scale, redrawn at a change, and take the pointer", async () => {
+    await page.click("#tab-displays");
+    await page.waitForFunction(() => document.querySelectorAll(".display").length === 1);
+    await exec("xrandr", ["--setmonitor", "narrow", "600/150x1200/300+0+0", "screen"]);
+    try {
+      await exec("xrandr", ["--setmonitor", "broad", "1800/450x1200/300+600+0", "none"]);
+      await page.waitForFunction(() => document.querySelectorAll(".display").length === 2);
+      const boxes = await page.locator(".display rect").evaluateAll((rects) =>
+        rects.map((rect) => rect.getBoundingClientRect()).map(({ x, width }) => ({ x, width }))
+          .sort((a, b) => a.x - b.x));
+      assert.ok(Math.abs((boxes[1].width + 6) / (boxes[0].width + 6) - 3) < 0.1, JSON.stringify(boxes));
+
+      const [x, y] = await center(".display[aria-label^=broad] rect");
+      await page.touchscreen.tap(x, y);
+      await eventually("the pointer is in the middle of the broad display", async () => {
+        const place = await pointerPlace();
+        return Math.abs(place.x - 1500) < 12 && Math.abs(place.y - 600) < 12;
+      });
+      await page.waitForSelector(".cursor[visibility=visible]");
+    } finally {
+      await exec("xrandr", ["--delmonitor", "narrow"]);
+      await exec("xrandr", ["--delmonitor", "broad"]);
+    }
+    await page.waitForFunction(() => document.querySelectorAll(".display").length === 1);
+  });
+
+  test("the clipboard goes both ways", async () => {
+    await page.click("#tab-clipboard");
+    await copyOnComputer("ä → 😀\nsecond line");
+    await page.click("text=Read clipboard");
+    await page.waitForFunction((text) => document.querySelector("textarea").value === text,
+      "ä → 😀\nsecond line");
+
+    await page.fill("textarea", "back again: ß");
+    await page.click("text=Write clipboard");
+    await eventually("the text is on the computer's clipboard",
+      async () => await pasteOnComputer() === "back again: ß");
+
+    await page.fill("textarea", "x".repeat(1100 * 1024));
+    await page.click("text=Write clipboard");
+    await page.waitForSelector("#panel-clipboard .outcome.failed >> text=more than the host takes");
+    assert.ok(await page.isVisible(CONNECTED));
+  });
+
+  test("a missing permission is shown, and gone when it is granted", async () => {
+    await allow(false, true);
+    try {
+      await page.reload();
+      await page.waitForSelector("#control-banner >> visible=true");
+      await page.click("#control-banner button");
+      const pill = (kind) => page.locator(`[data-permission=${kind}] .pill`).textContent();
+      assert.deepEqual([await pill("control"), await pill("screen")], ["Missing", "Granted"]);
+    } finally {
+      await allow(true, true);
+    }
+    await page.waitForSelector("[data-permission=control] .pill.good");
+    await page.click("#tab-touchpad");
+    assert.equal(await page.isVisible("#control-banner"), false);
+  });
+});
+
+test("the page says what is wrong with its address and comes back by itself", async () => {
+  const address = new URL(host.url);
+  const token = address.hash;
+  const showsState = (state) => page.waitForSelector(`body[data-state=${state}] #advice:not([hidden])`);
+  await page.evaluate(() => { location.hash = "0123456789abcdef0123456789abcdef"; });
+  await showsState("refused");
+  await page.evaluate(() => { location.hash = ""; });
+  await showsState("no-token");
+  await page.evaluate((hash) => { location.hash = hash; }, token);
+  await page.waitForSelector(CONNECTED);
+
+  await host.stop();
+  await showsState("unreachable");
+  host = await Host.start(address.port);
+  await showsState("refused");
+  await page.evaluate((hash) => { location.hash = hash; }, new URL(host.url).hash);
+  await page.waitForSelector(CONNECTED);
+  assert.equal(await page.isVisible("#advice"), false);
+});

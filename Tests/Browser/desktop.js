@@ -1,0 +1,215 @@
+// The desktop that a test runs on: the host, the browser, the X server's own tools.
+
+import assert from "node:assert/strict";
+import { execFile, spawn } from "node:child_process";
+import { mkdir, writeFile } from "node:fs/promises";
+import { dirname, join } from "node:path";
+import { createInterface } from "node:readline";
+import { setTimeout as sleep } from "node:timers/promises";
+import { promisify } from "node:util";
+
+import { chromium } from "playwright-core";
+
+const PATIENCE = 15_000;
+
+export const exec = promisify(execFile);
+
+/** Waits until `condition` gives something true, and gives that; fails with `what` otherwise. */
+export async function eventually(what, condition) {
+  const end = Date.now() + PATIENCE;
+  while (Date.now() < end) {
+    const outcome = await condition();
+    if (outcome) return outcome;
+    await sleep(30);
+  }
+  assert.fail(`Waited in vain: ${what}`);
+}
+
+export class Host {
+  #process;
+
+  /** Starts the host; `url` is the page's address with the token. */
+  static async start(port = 0) {
+    const host = new Host();
+    const options = { stdio: ["ignore", "pipe", "inherit"] };
+    host.#process = spawn(process.env.TAPDECK_HOST, ["--port", String(port)], options);
+    for await (const line of createInterface({ input: host.#process.stdout })) {
+      host.url = /http:\S+/.exec(line)?.[0];
+      if (host.url) break;
+    }
+    assert.ok(host.url, "the host prints the page's address");
+    host.#process.stdout.resume();
+    return host;
+  }
+
+  async stop() {
+    const { exitCode, signalCode } = this.#process;
+    if (exitCode === null && signalCode === null) {
+      const ended = new Promise((resolve) => { this.#process.once("exit", resolve); });
+      this.#process.kill("SIGTERM");
+      await ended;
+    }
+    assert.equal(this.#process.signalCode ?? this.#process.exitCode, 0, "how the host ended");
+  }
+}
+
+/** Starts Chromium; with `shown` it has windows on the desktop, which a real mouse can reach. */
+export function launchBrowser(shown = false) {
+  return chromium.launch({
+    executablePath: process.env.CHROMIUM,
+    headless: !shown,
+    args: [...(shown ? [] : ["--headless"]), "--no-sandbox", "--disable-gpu", "--disable-quic",
+      "--no-first-run", "--disable-background-networking", "--disable-component-update",
+      "--disable-sync"],
+  });
+}
+
+/** A phone's page at this address; what goes wrong in its scripts lands in `page.problems`. */
+export async function openPhone(browser, url) {
+  const context = await browser.newContext({
+    viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true,
+  });
+  const page = await context.newPage();
+  page.setDefaultTimeout(PATIENCE);
+  page.problems = [];
+  page.on("pageerror", (error) => page.problems.push(String(error)));
+  page.on("console", (message) => {
+    if (/Content Security Policy/.test(message.text())) page.problems.push(message.text());
+  });
+  await page.goto(url);
+  return page;
+}
+
+/** Fingers on the page, each with a number of its own; all of them stay down until lifted. */
+export class Fingers {
+  #session;
+  #down = new Map();
+
+  static async on(page) {
+    const fingers = new Fingers();
+    fingers.#session = await page.context().newCDPSession(page);
+    return fingers;
+  }
+
+  async put(id, x, y) {
+    this.#down.set(id, { id, x, y });
+    await this.#dispatch("touchStart");
+  }
+
+  /** Moves the fingers `ids` together by (dx, dy) in small steps. */
+  async drag(ids, dx, dy, steps = 12) {
+    for (let step = 0; step < steps; step++) {
+      for (const id of ids) {
+        const finger = this.#down.get(id);
+        finger.x += dx / steps;
+        finger.y += dy / steps;
+      }
+      await this.#dispatch("touchMove");
+    }
+  }
+
+  async lift(id) {
+    this.#down.delete(id);
+    await this.#dispatch("touchEnd");
+  }
+
+  async tap(...places) {
+    for (const [index, [x, y]] of places.entries()) await this.put(index, x, y);
+    for (const index of places.keys()) await this.lift(index);
+  }
+
+  async cancel() {
+    this.#down.clear();
+    await this.#dispatch("touchCancel");
+  }
+
+  #dispatch(type) {
+    return this.#session.send("Input.dispatchTouchEvent",
+      { type, touchPoints: [...this.#down.values()] });
+  }
+}
+
+/** An X client's window that notes what the pointer does in it, such as "press 1 held 0x0". */
+export class Witness {
+  #process;
+  #kind = "";
+  lines = [];
+
+  static async open(x, y, width, height) {
+    const witness = new Witness();
+    witness.#process = spawn("stdbuf", ["-oL", "xev", "-name", "witness",
+      "-geometry", `${width}x${height}+${x}+${y}`], { stdio: ["ignore", "pipe", "inherit"] });
+    createInterface({ input: witness.#process.stdout }).on("line", (line) => witness.#read(line));
+    await eventually("the witness is shown", async () => {
+      const { stdout } = await exec("xwininfo", ["-name", "witness"]).catch(() => ({ stdout: "" }));
+      return stdout.includes("IsViewable");
+    });
+    return witness;
+  }
+
+  /** Waits until all of these lines have come, in this order, with others between them or not. */
+  async sees(...expected) {
+    await eventually(`${expected.join(", ")} in: ${this.lines}`, () => {
+      let next = 0;
+      for (const line of this.lines) if (line === expected[next]) next++;
+      return next === expected.length;
+    }).catch((error) => {
+      error.message += `; the witness saw: ${this.lines.join(", ")}`;
+      throw error;
+    });
+  }
+
+  count(line) {
+    return this.lines.filter((seen) => seen === line).length;
+  }
+
+  close() {
+    this.#process.kill();
+  }
+
+  #read(line) {
+    this.#kind = /^(ButtonPress|ButtonRelease|MotionNotify) event/.exec(line)?.[1]
+      ?? (line.trim() ? this.#kind : "");
+    const detail = /state (0x[0-9a-f]+)(?:, button (\d+))?/.exec(line);
+    if (!detail || !this.#kind) return;
+    const verb = { ButtonPress: "press", ButtonRelease: "release", MotionNotify: "move" }[this.#kind];
+    this.lines.push([verb, detail[2], "held", detail[1]].filter(Boolean).join(" "));
+    this.#kind = "";
+  }
+}
+
+export async function pointerPlace() {
+  const { stdout } = await exec("xdotool", ["getmouselocation"]);
+  const [, x, y] = /x:(-?\d+) y:(-?\d+)/.exec(stdout);
+  return { x: Number(x), y: Number(y) };
+}
+
+export function putPointer(x, y) {
+  return exec("xdotool", ["mousemove", String(x), String(y)]);
+}
+
+/** Presses, drags and releases with the computer's own mouse, then clicks and turns the wheel. */
+export function useMouseAt(x, y) {
+  return exec("xdotool", ["mousemove", x, y, "sleep", 0.3, "mousedown", 1, "sleep", 0.1,
+    "mousemove", x + 20, y, "sleep", 0.1, "mouseup", 1, "sleep", 0.1, "click", 1, "click", 5]
+    .map(String));
+}
+
+/** Decides as the person at the computer would, in the host's settings. */
+export async function allow(control, screenCapture) {
+  const file = join(process.env.XDG_CONFIG_HOME, "tapdeck", "permissions.ini");
+  await mkdir(dirname(file), { recursive: true });
+  await writeFile(file, `[Permissions]\ncontrol=${control}\nscreenCapture=${screenCapture}\n`);
+}
+
+/** Fills the X selection CLIPBOARD from a process of its own. */
+export async function copyOnComputer(text) {
+  const owner = spawn("xclip", ["-selection", "clipboard"], { stdio: ["pipe", "ignore", "ignore"] });
+  owner.stdin.end(text);
+  await new Promise((resolve) => { owner.once("exit", resolve); });
+}
+
+export async function pasteOnComputer() {
+  const { stdout } = await exec("xclip", ["-selection", "clipboard", "-o"]).catch(() => ({}));
+  return stdout;
+}

@@ -1,0 +1,147 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/time.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Platform/Clock.h"
+#include "Platform/Linux/Application/BrowserName.h"
+#include "Platform/Linux/Permissions.h"
+#include "Platform/Linux/Queues.h"
+#include "Platform/ProcessInfo.h"
+#include "Platform/Workspace.h"
+#include "Tests/Desktop/ApplicationProcess.h"
+
+namespace tapdeck::testing {
+namespace {
+
+using permissions::isGranted;
+using permissions::Permission;
+
+class UserSettingsTest : public ::testing::Test {
+ protected:
+  void SetUp() override { std::filesystem::create_directories(path.parent_path()); }
+  void TearDown() override { std::filesystem::remove(path); }
+
+  void write(const std::string& text) { std::ofstream(path) << text; }
+  std::string written() const {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+
+  const std::filesystem::path path = permissions::settingsPath();
+};
+
+TEST_F(UserSettingsTest, FollowTheFileAtOnce) {
+  const auto expectGranted = [](bool control, bool screen) {
+    EXPECT_EQ(isGranted(Permission::control), control);
+    EXPECT_EQ(isGranted(Permission::screenCapture), screen);
+  };
+  expectGranted(true, true);
+  write("[Permissions]\ncontrol=false\n");
+  expectGranted(false, true);
+  write("[Permissions]\ncontrol=true\nscreenCapture=false\n");
+  expectGranted(true, false);
+  write("what is this?");
+  expectGranted(false, false);
+  write("[Permissions]\ncontrol=perhaps\n");
+  expectGranted(false, true);
+  std::filesystem::remove(path);
+  expectGranted(true, true);
+}
+
+TEST_F(UserSettingsTest, KeepsTheDecisionAndWhatElseIsWritten) {
+  write("# mine\n[Permissions]\nscreenCapture=false\n[Other]\nkey=value\n");
+  permissions::setGranted(Permission::control, false);
+  EXPECT_FALSE(isGranted(Permission::control));
+  EXPECT_FALSE(isGranted(Permission::screenCapture));
+  for (const char* part : {"# mine", "control=false", "screenCapture=false", "key=value"}) {
+    EXPECT_NE(written().find(part), std::string::npos) << written();
+  }
+  permissions::setGranted(Permission::control, true);
+  EXPECT_TRUE(isGranted(Permission::control));
+}
+
+TEST(WorkspaceTest, LeadsFromThePrivacySettingsToTheSwitches) {
+  std::vector<Permission> asked;
+  permissions::setAskHandler([&asked](Permission permission) { asked.push_back(permission); });
+  const std::string privacy = "x-apple.systempreferences:com.apple.preference.security?Privacy_";
+  for (const char* pane : {"ScreenCapture", "Accessibility"}) {
+    platform::openURL(platform::urlWithString(privacy + pane).value());
+  }
+  permissions::setAskHandler({});
+  EXPECT_EQ(asked, (std::vector{Permission::screenCapture, Permission::control}));
+  for (const char* text : {"", "http://a b/", "http://[::1", "%zz", "caf\xC3\xA9", "a\nb"}) {
+    EXPECT_FALSE(platform::urlWithString(text)) << text;
+  }
+}
+
+TEST(StopProcessDeathTest, NamesTheValueAndAborts) {
+  EXPECT_EXIT(platform::stopProcess("the value 1e300"), ::testing::KilledBySignal(SIGABRT),
+              "❌ the value 1e300");
+}
+
+TEST(ClockTest, SleepsItsTimeThroughSignals) {
+  struct sigaction interrupting {};
+  interrupting.sa_handler = [](int) {};
+  sigaction(SIGALRM, &interrupting, nullptr);
+  const itimerval often{{0, 5000}, {0, 5000}};
+  setitimer(ITIMER_REAL, &often, nullptr);
+  const double start = platform::systemUptime();
+  platform::sleepMicroseconds(60'000);
+  const double slept = platform::systemUptime() - start;
+  const itimerval never{};
+  setitimer(ITIMER_REAL, &never, nullptr);
+  EXPECT_GE(slept, 0.060);
+  EXPECT_LT(slept, 0.5);
+}
+
+TEST(QueuesTest, RunsMainWorkInOrderAndGlobalWorkElsewhere) {
+  std::vector<int> order;
+  std::atomic<bool> elsewhere = false;
+  const auto main = std::this_thread::get_id();
+  for (int i = 0; i < 3; ++i) {
+    platform::asyncOnMain([&order, i] { order.push_back(i); });
+  }
+  platform::asyncOnGlobal(platform::QualityOfService::utility, [&] {
+    elsewhere = std::this_thread::get_id() != main;
+    platform::asyncOnMain([&order] { order.push_back(3); });
+  });
+  EXPECT_TRUE(order.empty());
+  EXPECT_TRUE(loopUntil([&order] { return order.size() == 4; }));
+  EXPECT_TRUE(elsewhere);
+
+  std::atomic<bool> release = false;
+  platform::asyncOnGlobal(platform::QualityOfService::userInitiated, [&release] {
+    while (!release) platform::sleepMicroseconds(1000);
+  });
+  EXPECT_FALSE(platform::finishGlobalQueues(std::chrono::milliseconds(50)));
+  release = true;
+  EXPECT_TRUE(platform::finishGlobalQueues(std::chrono::seconds(5)));
+}
+
+TEST(BrowserNameTest, SaysWhatPeopleSay) {
+  const std::string webKit = "AppleWebKit/537.36 (KHTML, like Gecko) ";
+  EXPECT_EQ(browserName("Mozilla/5.0 (iPhone; CPU iPhone OS 17_0 like Mac OS X) " + webKit +
+                        "Version/17.0 Mobile/15E148 Safari/604.1"),
+            "Safari on iPhone");
+  EXPECT_EQ(browserName("Mozilla/5.0 (Linux; Android 10; K) " + webKit +
+                        "Chrome/120.0.0.0 Mobile Safari/537.36"),
+            "Chrome on Android");
+  EXPECT_EQ(browserName("Mozilla/5.0 (Windows NT 10.0; Win64) " + webKit +
+                        "Chrome/120.0.0.0 Safari/537.36 Edg/120.0"),
+            "Edge on Windows");
+  EXPECT_EQ(browserName("Mozilla/5.0 (X11; Linux x86_64; rv:120.0) Gecko/20100101 Firefox/120.0"),
+            "Firefox on Linux");
+  EXPECT_EQ(browserName("tapdeck-call/1"), "tapdeck-call");
+  EXPECT_EQ(browserName(""), "Unknown program");
+}
+
+}  // namespace
+}  // namespace tapdeck::testing

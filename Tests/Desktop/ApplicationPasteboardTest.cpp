@@ -1,0 +1,128 @@
+#include <gdk/gdk.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <utility>
+#include <vector>
+
+#include "Platform/Linux/Pasteboard.h"
+#include "Platform/Linux/SelectionReader.h"
+#include "Platform/Queues.h"
+#include "Tests/Desktop/ApplicationProcess.h"
+#include "Tests/Desktop/ApplicationSelectionOwner.h"
+
+namespace tapdeck::testing {
+namespace {
+
+using platform::pasteboardString;
+using platform::setPasteboardString;
+using Form = SelectionOwner::Form;
+
+std::string longText(std::size_t size) {
+  std::string text;
+  for (int i = 0; text.size() < size; ++i) text += std::to_string(i) + " häuser\n";
+  return text;
+}
+
+void putThereByXclip(const std::string& text) {
+  const TemporaryFolder folder;
+  const auto file = folder.path / "text";
+  std::ofstream(file, std::ios::binary) << text;
+  const auto ownerBefore = selectionOwner("CLIPBOARD");
+  outputOf({"xclip", "-selection", "clipboard", file.string()});
+  // It goes to the background before the X server has its request to own the selection.
+  ASSERT_TRUE(loopUntil([&] {
+    const auto owner = selectionOwner("CLIPBOARD");
+    return owner != XCB_WINDOW_NONE && owner != ownerBefore;
+  }));
+}
+
+std::string seenByXclip() {
+  return outputOf({"xclip", "-selection", "clipboard", "-o"});
+}
+
+TEST(PasteboardTest, TakesTheTextOfOtherClients) {
+  for (const std::string& text :
+       {std::string("héllo 🌍\nline 2"), std::string(), longText(2'000'000), longText(10'000'000)}) {
+    putThereByXclip(text);
+    EXPECT_TRUE(pasteboardString() == text) << text.size() << " bytes";
+  }
+}
+
+TEST(PasteboardTest, GivesItsTextToItselfAndToOthers) {
+  for (const std::string& text :
+       {std::string("wörld 🎉"), longText(2'000'000), longText(10'000'000)}) {
+    setPasteboardString(text);
+    EXPECT_TRUE(pasteboardString() == text) << text.size() << " bytes";
+    EXPECT_TRUE(seenByXclip() == text) << text.size() << " bytes";
+  }
+  EXPECT_EQ(outputOf({"xsel", "-b", "-o"}), longText(10'000'000));
+  setPasteboardString("");
+  EXPECT_EQ(pasteboardString(), "");
+  setPasteboardString(std::string("nul\0inside", 10));
+  EXPECT_EQ(pasteboardString(), std::string("nul\0inside", 10));
+  putThereByXclip("theirs");
+  EXPECT_EQ(pasteboardString(), "theirs");
+}
+
+TEST(PasteboardTest, ClearingTakesAwayWhoeversTextItIs) {
+  putThereByXclip("theirs");
+  platform::clearPasteboard();
+  EXPECT_EQ(pasteboardString(), std::nullopt);
+  EXPECT_EQ(seenByXclip(), "");
+  setPasteboardString("ours");
+  platform::clearPasteboard();
+  EXPECT_EQ(pasteboardString(), std::nullopt);
+}
+
+TEST(PasteboardTest, UnderstandsTheFormsThatOwnersOffer) {
+  const auto read = [](const std::string& onlyTarget, const Form& form) {
+    const SelectionOwner owner("CLIPBOARD", [&](const std::string& target) -> std::optional<Form> {
+      if (target != onlyTarget) return std::nullopt;
+      return form;
+    });
+    return pasteboardString();
+  };
+  EXPECT_EQ(read("STRING", {"STRING", "caf\xE9"}), "café");
+  EXPECT_EQ(read("TEXT", {"UTF8_STRING", "café"}), "café");
+  EXPECT_EQ(read("UTF8_STRING", {"UTF8_STRING", "a\xFFz"}), "a\xEF\xBF\xBDz");
+  EXPECT_EQ(read("UTF8_STRING", {"UTF8_STRING", std::string("a\0b\0", 4)}), std::string("a\0b", 3));
+  EXPECT_EQ(read("UTF8_STRING", {"UTF8_STRING", ""}), "");
+  EXPECT_EQ(read("image/png", {"image/png", "\x89PNG"}), std::nullopt);
+}
+
+TEST(PasteboardTest, WaitsForNoOwnerForEver) {
+  bool otherWorkRan = false;
+  platform::asyncOnMain([&otherWorkRan] { otherWorkRan = true; });
+  const std::vector<std::pair<const char*, std::chrono::milliseconds>> fates = {
+      {SelectionOwner::silentType, std::chrono::milliseconds(1900)},
+      {SelectionOwner::deadlyType, std::chrono::milliseconds(700)}};
+  for (const auto& [fate, limit] : fates) {
+    const SelectionOwner owner("CLIPBOARD", [type = fate](const std::string&) {
+      return Form{type, std::string(4, '\0')};
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(pasteboardString(), std::nullopt) << fate;
+    EXPECT_LT(std::chrono::steady_clock::now() - start, limit) << fate;
+  }
+  EXPECT_FALSE(otherWorkRan) << "other calls were answered while this one waited";
+  EXPECT_TRUE(loopUntil([&otherWorkRan] { return otherWorkRan; }));
+}
+
+TEST(PasteboardTest, AsksTheClipboardManagerToKeepTheText) {
+  std::string kept;
+  const std::string display = gdk_display_get_name(gdk_display_get_default());
+  const SelectionOwner manager("CLIPBOARD_MANAGER",
+                               [&](const std::string& target) -> std::optional<Form> {
+                                 if (target != "SAVE_TARGETS") return std::nullopt;
+                                 kept = platform::readSelection(display, "CLIPBOARD").value_or("");
+                                 return Form{"NULL", ""};
+                               });
+  setPasteboardString("to be kept");
+  platform::storePasteboard();
+  EXPECT_EQ(kept, "to be kept");
+}
+
+}  // namespace
+}  // namespace tapdeck::testing

@@ -1,0 +1,178 @@
+#include <CoreGraphics/CoreGraphics.h>
+#include <glib.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+
+#include "Platform/Events.h"
+#include "Platform/Linux/Permissions.h"
+#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Screens.h"
+#include "Runner/Owned.h"
+#include "Tests/Desktop/Observer.h"
+#include "Tests/Desktop/PrivateServer.h"
+
+namespace tapdeck::testing {
+namespace {
+
+/// "x y width height"
+std::string text(CGRect rect) {
+  std::ostringstream out;
+  out << rect.origin.x << ' ' << rect.origin.y << ' ' << rect.size.width << ' ' << rect.size.height;
+  return out.str();
+}
+
+class DisplaysTest : public ::testing::Test {
+ protected:
+  DisplaysTest() { quartz::connectToWindowServer(); }
+  ~DisplaysTest() override {
+    unsetenv("GDK_SCALE");
+    for (const auto* name : {"Main", "Left", "Above"}) observer.deleteMonitor(name);
+  }
+
+  /// One monitor in the lower right, one left of it, one above it.
+  void arrange() {
+    observer.setMonitor("Left", "1000/250x800/200+0+400", "screen");
+    observer.setMonitor("Above", "800/200x400/100+1000+0");
+    observer.setMonitor("*Main", "1400/350x800/200+1000+400");
+  }
+  std::string boundsOf(const std::string& name) {
+    return text(CGDisplayBounds(observer.atom(name)));
+  }
+  Observer::Pointer pointerAfterMoveTo(double x, double y) {
+    const Owned event(CGEventCreateMouseEvent(nullptr, kCGEventMouseMoved, CGPointMake(x, y),
+                                              kCGMouseButtonLeft));
+    CGEventPost(kCGHIDEventTap, event.get());
+    const Owned reached(CGEventCreate(nullptr));
+    EXPECT_EQ(CGEventGetLocation(reached.get()).x, x);
+    EXPECT_EQ(CGEventGetLocation(reached.get()).y, y);
+    return observer.pointer();
+  }
+
+  Observer observer;
+};
+
+TEST_F(DisplaysTest, ListsThePrimaryFirstAndMeasuresFromIt) {
+  arrange();
+  EXPECT_EQ(CGMainDisplayID(), observer.atom("Main"));
+  EXPECT_EQ(boundsOf("Main"), "0 0 1400 800");
+  EXPECT_EQ(boundsOf("Left"), "-1000 0 1000 800");
+  EXPECT_EQ(boundsOf("Above"), "0 -400 800 400");
+  EXPECT_EQ(text(CGDisplayBounds(kCGNullDirectDisplay)), "0 0 0 0");
+
+  const auto screens = platform::screens();
+  ASSERT_EQ(screens.size(), 3U);
+  EXPECT_EQ(screens[0].number, observer.atom("Main"));
+  EXPECT_EQ(screens[0].localizedName, "Main");
+  EXPECT_EQ(text(screens[0].frame), "0 0 1400 800");
+  EXPECT_EQ(screens[1].localizedName, "Left");
+  EXPECT_EQ(text(screens[1].frame), "-1000 0 1000 800");
+  EXPECT_EQ(screens[2].localizedName, "Above");
+  EXPECT_EQ(text(screens[2].frame), "0 800 800 400");
+  EXPECT_EQ(screens[2].backingScaleFactor, 1);
+
+  EXPECT_EQ(pointerAfterMoveTo(-1000, 0), (Observer::Pointer{0, 400, 0}));
+  EXPECT_EQ(pointerAfterMoveTo(5, -400), (Observer::Pointer{1005, 0, 0}));
+  EXPECT_EQ(platform::mouseLocation().y, 1200);
+}
+
+TEST_F(DisplaysTest, TakesTheFirstForPrimaryWhenNoneIs) {
+  observer.setMonitor("Left", "500/125x400/100+300+200", "screen");
+  observer.setMonitor("Above", "300/75x200/50+0+0");
+  EXPECT_EQ(platform::screens().front().localizedName, "Left");
+  EXPECT_EQ(boundsOf("Above"), "-300 -200 300 200");
+}
+
+TEST_F(DisplaysTest, TellsEveryChangeOnce) {
+  int changes = 0;
+  platform::observeScreenParameters([&changes] { ++changes; });
+  const auto tells = [&changes](int expected) {
+    return eventually([&] { return changes >= expected; }) && changes == expected;
+  };
+  arrange();
+  EXPECT_TRUE(tells(1)) << changes;
+  observer.deleteMonitor("Above");
+  EXPECT_TRUE(tells(2)) << changes;
+  // a detour that ends where it began is no change; the last step is one
+  observer.deleteMonitor("Left");
+  observer.setMonitor("Left", "1000/250x800/200+0+400", "screen");
+  observer.deleteMonitor("Main");
+  observer.setMonitor("*Main", "1400/350x800/200+1000+300");
+  EXPECT_TRUE(tells(3)) << changes;
+
+  observer.publishSettings(settingsProperty({{"Gdk/WindowScalingFactor", 2}}));
+  EXPECT_TRUE(tells(4)) << changes;
+  observer.publishSettings(settingsProperty({{"Gdk/WindowScalingFactor", 3}}));
+  EXPECT_TRUE(tells(5)) << changes;
+  // other news is not told: wait well past the time within which it would be
+  observer.publishSettings(settingsProperty({{"Gdk/WindowScalingFactor", 3}, {"Other", 1}}));
+  bool late = false;
+  g_timeout_add(
+      200, [](gpointer flag) { return *static_cast<bool*>(flag) = true, G_SOURCE_REMOVE; }, &late);
+  EXPECT_TRUE(eventually([&late] { return late; }));
+  EXPECT_EQ(changes, 5);
+  observer.deleteMonitor("Main");
+  EXPECT_TRUE(tells(6)) << changes;
+}
+
+TEST_F(DisplaysTest, KeepsThePointerWhenTheLastDisplayGoes) {
+  const PrivateServer server({});
+  const DisplayVariable variable(server.display().c_str());
+  quartz::connectToWindowServer();
+  int changes = 0;
+  platform::observeScreenParameters([&changes] { ++changes; });
+  EXPECT_EQ(text(CGDisplayBounds(CGMainDisplayID())), "0 0 640 480");
+
+  // too small for the one output, which the server therefore switches off
+  EXPECT_NE(std::system("xrandr --fb 320x240 2>/dev/null"), -1);
+  EXPECT_TRUE(eventually([&changes] { return changes == 1; }));
+  EXPECT_TRUE(platform::screens().empty());
+  EXPECT_FALSE(platform::mainScreen().has_value());
+  EXPECT_EQ(CGMainDisplayID(), kCGNullDirectDisplay);
+  Observer there;
+  CGWarpMouseCursorPosition(CGPointMake(31, 41));
+  EXPECT_EQ(platform::mouseLocation().x, 31);
+  EXPECT_EQ(platform::mouseLocation().y, 1080 - 41);
+  EXPECT_EQ(there.pointer(), (Observer::Pointer{31, 41, 0}));
+}
+
+TEST_F(DisplaysTest, CountsInPointsOfTheDesktopsScale) {
+  arrange();
+  EXPECT_EQ(platform::doubleClickInterval(), 0.4);
+  const auto settings =
+      settingsProperty({{"Net/DoubleClickTime", 250}, {"Gdk/WindowScalingFactor", 2}});
+  observer.publishSettings(settings);
+  EXPECT_EQ(platform::doubleClickInterval(), 0.25);
+  EXPECT_EQ(boundsOf("Left"), "-500 0 500 400");
+  EXPECT_EQ(text(platform::screens()[2].frame), "0 400 400 200");
+  EXPECT_EQ(platform::screens()[0].backingScaleFactor, 2);
+  EXPECT_EQ(pointerAfterMoveTo(-10, 20.5), (Observer::Pointer{980, 441, 0}));
+
+  setenv("GDK_SCALE", "4", 1);
+  EXPECT_EQ(boundsOf("Left"), "-250 0 250 200");
+  setenv("GDK_SCALE", "nonsense", 1);
+  EXPECT_EQ(quartz::pixelsPerPoint(), 1);
+  unsetenv("GDK_SCALE");
+
+  for (size_t length = 0; length < settings.size(); ++length) {
+    observer.publishSettings({settings.data(), settings.data() + length});
+    EXPECT_EQ(quartz::pixelsPerPoint(), 1) << length;
+  }
+}
+
+TEST_F(DisplaysTest, FindsTheScreenOfTheFocusedWindow) {
+  EXPECT_EQ(platform::mainScreen()->localizedName, platform::screens().front().localizedName);
+  arrange();
+  const auto focusedScreenOfWindowAt = [this](int x, int y) {
+    const xcb_window_t window = observer.openManagedWindow(x, y);
+    EXPECT_TRUE(eventually([&] { return observer.activeWindow() == window; }));
+    return platform::mainScreen()->localizedName;
+  };
+  EXPECT_EQ(focusedScreenOfWindowAt(300, 700), "Left");
+  EXPECT_EQ(focusedScreenOfWindowAt(1200, 100), "Above");
+  EXPECT_EQ(focusedScreenOfWindowAt(1500, 800), "Main");
+}
+
+}  // namespace
+}  // namespace tapdeck::testing

@@ -1,0 +1,187 @@
+#include <gmock/gmock.h>
+
+#include <optional>
+
+#include "Tests/Unit/StandInFixture.h"
+
+namespace tapdeck {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+Value replyMessage(int64_t id, const std::string& channel, const Outcome& outcome) {
+  const auto envelope = codec::encodeEnvelope(outcome);
+  return Value(Value::List{Value(id), Value(channel), envelope ? Value(*envelope) : Value()});
+}
+
+class StandInChannel : public StandInTest {};
+
+TEST_F(StandInChannel, CallsAndReplies) {
+  std::vector<MethodCall> received;
+  std::vector<Reply> kept;
+  engine->setMethodCallHandler("c", [&](const MethodCall& call, Reply reply) {
+    received.push_back(call);
+    if (call.method == "later") {
+      kept.push_back(std::move(reply));
+    } else if (call.method == "fail") {
+      reply.error("CODE", "text");
+    } else {
+      reply.success(call.arguments);
+    }
+  });
+  const auto page = openPage();
+  const Value arguments(ValueMap{{"x", Value(1.5)}, {"text", Value("ü")}});
+  page->call(7, "c", {"later", Value()});
+  page->call(int64_t{1} << 40, "c", {"echo", arguments});
+  page->call(9, "c", {"fail", Value()});
+  page->call(10, "nobody", {"echo", Value()});
+  ASSERT_TRUE(page->waitForMessages(3));
+  kept.front().notImplemented();
+  ASSERT_TRUE(page->waitForMessages(4));
+  EXPECT_THAT(page->messages(),
+              ElementsAre(replyMessage(int64_t{1} << 40, "c", arguments),
+                          replyMessage(9, "c", MethodError{"CODE", "text", Value()}),
+                          replyMessage(10, "nobody", NotImplemented{}),
+                          replyMessage(7, "c", NotImplemented{})));
+  EXPECT_EQ(received.at(1).arguments, arguments);
+
+  engine->setMethodCallHandler("c", nullptr);
+  page->call(11, "c", {"echo", Value()});
+  ASSERT_TRUE(page->waitForMessages(5));
+  EXPECT_EQ(page->messages().back(), replyMessage(11, "c", NotImplemented{}));
+}
+
+TEST_F(StandInChannel, HostCallsReachEveryPage) {
+  const auto first = openPage(), second = openPage();
+  engine->invokeMethod(kControl, "displaysChanged", Value("now"));
+  ASSERT_TRUE(first->waitForMessages(1));
+  ASSERT_TRUE(second->waitForMessages(1));
+  const Value expected = requestMessage(0, kControl, {"displaysChanged", Value("now")});
+  EXPECT_THAT(first->messages(), ElementsAre(expected));
+  EXPECT_THAT(second->messages(), ElementsAre(expected));
+}
+
+TEST_F(StandInChannel, PeersAreSeenToComeAndGo) {
+  std::vector<size_t> counts;
+  engine->observePeers([&] { counts.push_back(engine->peers().size()); });
+  auto page = openPage();
+  EXPECT_EQ(engine->peers().front().address, "127.0.0.1");
+  auto other = openPage();
+  page->close();
+  ASSERT_TRUE(waitUntil([&] { return counts.size() == 3; }));
+  other->vanish();
+  ASSERT_TRUE(waitUntil([&] { return counts.size() == 4; }));
+  EXPECT_THAT(counts, ElementsAre(1, 2, 1, 0));
+}
+
+TEST_F(StandInChannel, BrokenProtocolEndsOnlyThatConnection) {
+  recordCalls();
+  const auto bystander = openPage();
+  const Value good = requestMessage(1, kControl, {"click", Value()});
+  const auto& parts = *good.getIf<Value::List>();
+  const auto altered = [&](size_t index, Value value) {
+    Value::List list = parts;
+    list[index] = std::move(value);
+    return codec::encodeMessage(Value(list));
+  };
+  codec::Bytes cut = codec::encodeMessage(good);
+  cut.pop_back();
+  struct Case {
+    codec::Bytes message;
+    int code;
+  };
+  const Case cases[] = {
+      {cut, 1007},
+      {{}, 1007},
+      {codec::encodeMessage(Value("text")), 1002},
+      {codec::encodeMessage(Value(Value::List{parts[0], parts[1]})), 1002},
+      {altered(0, Value(0)), 1002},
+      {altered(0, Value(-1)), 1002},
+      {altered(0, Value(1.0)), 1002},
+      {altered(1, Value()), 1002},
+      {altered(2, Value()), 1002},
+      {altered(2, Value(Value::Bytes{0xff})), 1007},
+      {altered(2, Value(codec::encodeMessage(Value(3)))), 1007},
+  };
+  for (const Case& each : cases) {
+    const auto page = openPage();
+    page->send(each.message);
+    // What comes after it is not looked at any more.
+    page->call(2, kControl, {"click", Value()});
+    EXPECT_EQ(page->waitForClose(), each.code) << &each - cases;
+  }
+  const auto page = openPage();
+  page->sendText("hello");
+  EXPECT_EQ(page->waitForClose(), 1003);
+
+  EXPECT_THAT(calls, IsEmpty());
+  EXPECT_THAT(engine->peers(), SizeIs(1));
+  EXPECT_TRUE(bystander->isOpen());
+}
+
+TEST_F(StandInChannel, LateRepliesAreHarmless) {
+  std::vector<Reply> kept;
+  engine->setMethodCallHandler(
+      "c", [&](const MethodCall&, Reply reply) { kept.push_back(std::move(reply)); });
+  auto page = openPage();
+  page->call(1, "c", {"a", Value()});
+  page->call(2, "c", {"b", Value()});
+  ASSERT_TRUE(waitUntil([&] { return kept.size() == 2; }));
+  page->vanish();
+  ASSERT_TRUE(waitUntil([&] { return engine->peers().empty(); }));
+  kept[0].success(Value("late"));
+  engine.reset();
+  kept[1].success(Value("later"));
+  EXPECT_THAT(page->messages(), IsEmpty());
+}
+
+TEST_F(StandInChannel, LetsGoOfWhatAPageHolds) {
+  recordCalls();
+  const MethodCall shift{"keyDown", Value(ValueMap{{"key", Value("Shift")}})};
+  auto first = openPage(), second = openPage();
+  first->call(1, kControl, {"mouseDown", Value()});
+  first->call(2, kControl, shift);
+  second->call(1, kControl, shift);
+  // A channel that only looks like it, and one that nobody answers, hold nothing.
+  first->call(3, "com.tapdeck/other", {"mouseDown", Value()});
+  ASSERT_TRUE(first->waitForMessages(3));
+  ASSERT_TRUE(second->waitForMessages(1));
+  calls.clear();
+  first->vanish();
+  ASSERT_TRUE(waitUntil([&] { return engine->peers().size() == 1; }));
+  EXPECT_THAT(calls, ElementsAre("mouseUp left"));
+  second->close();
+  ASSERT_TRUE(waitUntil([&] { return engine->peers().empty(); }));
+  EXPECT_THAT(calls, ElementsAre("mouseUp left", "keyUp shift"));
+}
+
+TEST_F(StandInChannel, StopLetsGoAndSaysGoodbye) {
+  recordCalls();
+  const auto page = openPage();
+  page->call(1, kControl, {"hideCursor", Value()});
+  ASSERT_TRUE(page->waitForMessages(1));
+  engine->stop();
+  EXPECT_THAT(calls, ElementsAre("hideCursor", "showCursor"));
+  EXPECT_THAT(engine->peers(), IsEmpty());
+  EXPECT_EQ(page->waitForClose(), 1001);
+  engine->stop();
+}
+
+TEST_F(StandInChannel, AHandlerMayEndTheEngine) {
+  std::optional<Reply> kept;
+  engine->setMethodCallHandler(kControl, [&](const MethodCall& call, Reply reply) {
+    if (call.method == "mouseUp") calls.push_back("mouseUp");
+    reply.success();
+    engine.reset();
+  });
+  const auto page = openPage();
+  page->call(1, kControl, {"mouseDown", Value()});
+  page->call(2, kControl, {"mouseDown", Value()});
+  EXPECT_EQ(page->waitForClose(), 1001);
+  EXPECT_THAT(calls, ElementsAre("mouseUp"));
+}
+
+}  // namespace
+}  // namespace tapdeck

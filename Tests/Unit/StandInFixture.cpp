@@ -1,0 +1,216 @@
+#include "Tests/Unit/StandInFixture.h"
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <utility>
+
+#include "Platform/Linux/SessionFile.h"
+
+namespace tapdeck {
+
+bool waitUntil(const std::function<bool()>& done) {
+  bool late = false;
+  standin::Source deadline(g_timeout_source_new_seconds(10));
+  const GSourceFunc expire = [](gpointer flag) -> gboolean {
+    *static_cast<bool*>(flag) = true;
+    return G_SOURCE_CONTINUE;
+  };
+  g_source_set_callback(deadline.get(), expire, &late, nullptr);
+  g_source_attach(deadline.get(), nullptr);
+  // The clients of the test that are no part of the main context need a turn as well.
+  standin::Source turn(g_timeout_source_new(1));
+  g_source_set_callback(
+      turn.get(), [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr, nullptr);
+  g_source_attach(turn.get(), nullptr);
+  while (!done() && !late) g_main_context_iteration(nullptr, TRUE);
+  return !late;
+}
+
+RawClient::RawClient(uint16_t port) : _socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  sockaddr_in address = {};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(port);
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  EXPECT_EQ(::connect(_socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ::fcntl(_socket, F_SETFL, O_NONBLOCK);
+}
+
+RawClient::~RawClient() {
+  ::close(_socket);
+}
+
+bool RawClient::write(const std::string& bytes) {
+  size_t sent = 0;
+  bool gone = false;
+  const bool inTime = waitUntil([&] {
+    const auto count = ::send(_socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+    if (count >= 0) sent += static_cast<size_t>(count);
+    gone = count < 0 && errno != EAGAIN;
+    return gone || sent == bytes.size();
+  });
+  return inTime && !gone;
+}
+
+bool RawClient::read() {
+  std::vector<char> buffer(1024 * 1024);
+  for (;;) {
+    const auto count = ::recv(_socket, buffer.data(), buffer.size(), 0);
+    if (count < 0) return errno == EAGAIN;
+    if (count == 0) return false;
+    _received.append(buffer.data(), static_cast<size_t>(count));
+  }
+}
+
+void RawClient::readAll() {
+  EXPECT_TRUE(waitUntil([&] { return !read(); }));
+}
+
+Value requestMessage(int64_t id, const std::string& channel, const MethodCall& call) {
+  return Value(Value::List{Value(id), Value(channel), Value(codec::encodeMethodCall(call))});
+}
+
+Page::Page(uint16_t port, const std::string& token)
+    : _session(SOUP_SESSION(g_object_new(SOUP_TYPE_SESSION, "proxy-resolver", nullptr, nullptr))) {
+  const std::string url = "ws://127.0.0.1:" + std::to_string(port) + "/engine?token=" + token;
+  const standin::Object<SoupMessage> message(soup_message_new("GET", url.c_str()));
+  char subprotocol[] = "tapdeck.engine.v1";
+  char* subprotocols[] = {subprotocol, nullptr};
+  struct Attempt {
+    SoupWebsocketConnection* socket = nullptr;
+    bool done = false;
+  } attempt;
+  soup_session_websocket_connect_async(
+      _session.get(), message.get(), nullptr, subprotocols, G_PRIORITY_DEFAULT, nullptr,
+      [](GObject* session, GAsyncResult* result, gpointer data) {
+        auto* self = static_cast<Attempt*>(data);
+        self->socket =
+            soup_session_websocket_connect_finish(SOUP_SESSION(session), result, nullptr);
+        self->done = true;
+      },
+      &attempt);
+  EXPECT_TRUE(waitUntil([&] { return attempt.done; }));
+  _socket.reset(attempt.socket);
+  if (!_socket) return;
+  soup_websocket_connection_set_max_incoming_payload_size(_socket.get(), 0);
+  const auto received = +[](SoupWebsocketConnection*, int type, GBytes* bytes, gpointer data) {
+    EXPECT_EQ(type, SOUP_WEBSOCKET_DATA_BINARY);
+    gsize size = 0;
+    const auto* content = static_cast<const uint8_t*>(g_bytes_get_data(bytes, &size));
+    auto value = codec::decodeMessage(std::span(content, size));
+    ASSERT_TRUE(value);
+    static_cast<Page*>(data)->_messages.push_back(*std::move(value));
+  };
+  const auto closed =
+      +[](SoupWebsocketConnection*, gpointer data) { static_cast<Page*>(data)->_closed = true; };
+  g_signal_connect(_socket.get(), "message", G_CALLBACK(received), this);
+  g_signal_connect(_socket.get(), "closed", G_CALLBACK(closed), this);
+}
+
+Page::~Page() {
+  if (_socket) g_signal_handlers_disconnect_by_data(_socket.get(), this);
+}
+
+bool Page::isOpen() const {
+  return _socket && soup_websocket_connection_get_state(_socket.get()) == SOUP_WEBSOCKET_STATE_OPEN;
+}
+
+void Page::send(const codec::Bytes& message) {
+  soup_websocket_connection_send_binary(_socket.get(), message.data(), message.size());
+}
+
+void Page::sendText(const char* text) {
+  soup_websocket_connection_send_text(_socket.get(), text);
+}
+
+void Page::call(int64_t id, const std::string& channel, const MethodCall& call) {
+  send(codec::encodeMessage(requestMessage(id, channel, call)));
+}
+
+bool Page::waitForMessages(size_t count) {
+  return waitUntil([&] { return _messages.size() >= count; });
+}
+
+int Page::waitForClose() {
+  return waitUntil([&] { return _closed; })
+             ? soup_websocket_connection_get_close_code(_socket.get())
+             : 0;
+}
+
+void Page::close() {
+  soup_websocket_connection_close(_socket.get(), SOUP_WEBSOCKET_CLOSE_NORMAL, nullptr);
+}
+
+void Page::vanish() {
+  g_io_stream_close(soup_websocket_connection_get_io_stream(_socket.get()), nullptr, nullptr);
+}
+
+void StandInTest::SetUp() {
+  runtimeDirectory =
+      std::filesystem::path(testing::TempDir()) / ("standin-" + std::to_string(::getpid()));
+  std::filesystem::create_directories(runtimeDirectory);
+  ::setenv("XDG_RUNTIME_DIR", runtimeDirectory.c_str(), 1);
+  startEngine();
+}
+
+void StandInTest::TearDown() {
+  engine.reset();
+  std::filesystem::remove_all(runtimeDirectory);
+}
+
+void StandInTest::startEngine(std::chrono::milliseconds silenceLimit) {
+  engine.reset();
+  engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit});
+  calls.clear();
+}
+
+uint16_t StandInTest::port() const {
+  return readSession().value().port;
+}
+
+std::string StandInTest::token() const {
+  return readSession().value().token;
+}
+
+std::unique_ptr<Page> StandInTest::openPage() {
+  const size_t before = engine->peers().size();
+  auto page = std::make_unique<Page>(port(), token());
+  EXPECT_TRUE(page->isOpen());
+  EXPECT_TRUE(waitUntil([&] { return engine->peers().size() == before + 1; }));
+  return page;
+}
+
+std::string StandInTest::exchange(const std::string& requestLine, const std::string& headers) {
+  RawClient client(port());
+  EXPECT_TRUE(client.write(requestLine + " HTTP/1.1\r\n" + headers + "\r\n"));
+  const auto ended = [&] {
+    return !client.read() || client.received().starts_with("HTTP/1.1 101");
+  };
+  EXPECT_TRUE(waitUntil(ended));
+  return client.received();
+}
+
+std::string StandInTest::upgradeHeaders() const {
+  return "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+         "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
+}
+
+void StandInTest::recordCalls() {
+  engine->setMethodCallHandler(kControl, [this](const MethodCall& call, Reply reply) {
+    std::string line = call.method;
+    if (const auto* map = call.arguments.getIf<Value::Map>()) {
+      for (const auto& entry : *map) {
+        if (const auto* text = entry.second.getIf<std::string>()) line += " " + *text;
+      }
+    }
+    calls.push_back(line);
+    reply.success();
+  });
+}
+
+}  // namespace tapdeck

@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+#include "Runner/Input/UnicodeText.h"
+
+namespace tapdeck {
+namespace {
+
+void appendUtf8(std::string& text, uint32_t point) {
+  const auto tail = [&](int shift) { text += static_cast<char>(0x80 | ((point >> shift) & 0x3F)); };
+  if (point < 0x80) {
+    text += static_cast<char>(point);
+  } else if (point < 0x800) {
+    text += static_cast<char>(0xC0 | (point >> 6));
+    tail(0);
+  } else if (point < 0x10000) {
+    text += static_cast<char>(0xE0 | (point >> 12));
+    tail(6);
+    tail(0);
+  } else {
+    text += static_cast<char>(0xF0 | (point >> 18));
+    tail(12);
+    tail(6);
+    tail(0);
+  }
+}
+
+/// One line of Unicode's test data: "÷ 0020 × 0308 ÷ 0020 ÷ # comment".
+std::vector<std::string> expectedClusters(const std::string& line) {
+  std::vector<std::string> clusters;
+  std::istringstream words(line.substr(0, line.find('#')));
+  for (std::string word; words >> word;) {
+    if (word == "÷") {
+      clusters.emplace_back();
+    } else if (word != "×") {
+      appendUtf8(clusters.back(), static_cast<uint32_t>(std::stoul(word, nullptr, 16)));
+    }
+  }
+  if (!clusters.empty()) clusters.pop_back();  // the line ends with a break
+  return clusters;
+}
+
+TEST(UnicodeTextTest, ClustersBreakWhereUnicodesOwnTestDataSay) {
+  std::ifstream data(GRAPHEME_BREAK_TEST);
+  ASSERT_TRUE(data) << "Unicode's test data are not at " << GRAPHEME_BREAK_TEST;
+  int cases = 0;
+  for (std::string line; std::getline(data, line);) {
+    const std::vector<std::string> expected = expectedClusters(line);
+    if (expected.empty()) continue;
+    ++cases;
+    std::string text;
+    for (const std::string& cluster : expected) text += cluster;
+    const auto found = graphemeClusters(text);
+    EXPECT_EQ(std::vector<std::string>(found.begin(), found.end()), expected) << line;
+  }
+  EXPECT_GT(cases, 500);
+}
+
+TEST(UnicodeTextTest, ClustersOfEveryday) {
+  const auto count = [](std::string_view text) { return graphemeClusters(text).size(); };
+  EXPECT_EQ(count(""), 0u);
+  EXPECT_EQ(count("\r\n"), 1u);
+  EXPECT_EQ(count("\n\r"), 2u);
+  EXPECT_EQ(count("👩‍👩‍👧‍👦👍🏽🇩🇪🇫🇷"), 4u);
+  EXPECT_EQ(count("\xff\xfe"), 2u) << "what is no UTF-8 is still something";
+}
+
+TEST(UnicodeTextTest, Utf16AndLowerCase) {
+  EXPECT_EQ(utf16Units("a\u00e9\u20ac\U0001F600"), u"a\u00e9\u20ac\U0001F600");
+  EXPECT_EQ(utf16Units("a\xff"), u"a\ufffd");
+  EXPECT_EQ(lowercased("ÄΣЖẞ\u0130\u212A9"), "äσжßi\u0307k9");
+}
+
+}  // namespace
+}  // namespace tapdeck
