@@ -1,3 +1,5 @@
 #import <AppKit/AppKit.h>
 
-int main(int argc, const char* argv[]) { return NSApplicationMain(argc, argv); }
+int main(int argc, const char* argv[]) {
+  return NSApplicationMain(argc, argv);
+}

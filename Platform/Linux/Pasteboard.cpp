@@ -12,10 +12,10 @@ namespace tapdeck::platform {
 namespace {
 
 // GTK's own name for the selection that cut, copy and paste use.
-constexpr const char* clipboardSelection = "CLIPBOARD";
+constexpr const char* kClipboardSelection = "CLIPBOARD";
 
 Glib::RefPtr<Gtk::Clipboard> clipboard() {
-  return Gtk::Clipboard::get(gdk_atom_intern_static_string(clipboardSelection));
+  return Gtk::Clipboard::get(gdk_atom_intern_static_string(kClipboardSelection));
 }
 
 const std::vector<Gtk::TargetEntry>& textTargets() {
@@ -61,12 +61,12 @@ OwnAnswer ownText(GdkAtom selection) {
 
 std::optional<std::string> pasteboardString() {
   GdkDisplay* display = gdk_display_get_default();
-  const GdkAtom selection = gdk_atom_intern_static_string(clipboardSelection);
+  const GdkAtom selection = gdk_atom_intern_static_string(kClipboardSelection);
   if (gdk_selection_owner_get_for_display(display, selection) != nullptr) {
     const OwnAnswer own = ownText(selection);
     if (own.arrived) return own.text;
   }
-  return readSelection(gdk_display_get_name(display), clipboardSelection);
+  return readSelection(gdk_display_get_name(display), kClipboardSelection);
 }
 
 void clearPasteboard() {

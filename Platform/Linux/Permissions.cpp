@@ -14,7 +14,7 @@ namespace tapdeck::permissions {
 
 namespace {
 
-constexpr const char* group = "Permissions";
+constexpr const char* kGroup = "Permissions";
 constexpr std::array<const char*, 2> keys = {"control", "screenCapture"};
 
 struct KeyFileDeleter {
@@ -81,8 +81,8 @@ Settings read(const std::string& path) {
     return settings;
   }
   for (std::size_t i = 0; i < keys.size(); ++i) {
-    if (!g_key_file_has_key(file.get(), group, keys[i], nullptr)) continue;
-    settings.granted[i] = g_key_file_get_boolean(file.get(), group, keys[i], nullptr);
+    if (!g_key_file_has_key(file.get(), kGroup, keys[i], nullptr)) continue;
+    settings.granted[i] = g_key_file_get_boolean(file.get(), kGroup, keys[i], nullptr);
   }
   return settings;
 }
@@ -129,7 +129,7 @@ void setGranted(Permission permission, bool granted) {
   // What else stands in the file is kept where it can be read.
   load(file.get(), path);
   for (std::size_t i = 0; i < keys.size(); ++i) {
-    g_key_file_set_boolean(file.get(), group, keys[i], settings.granted[i]);
+    g_key_file_set_boolean(file.get(), kGroup, keys[i], settings.granted[i]);
   }
   if (const Error error = save(file.get(), path)) {
     std::fprintf(stderr, "tapdeck: the permission holds for this run only: %s\n", error->message);

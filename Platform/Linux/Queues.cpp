@@ -45,9 +45,9 @@ class GlobalQueues {
   }
 
  private:
-  static constexpr int threadsPerPool = 4;
+  static constexpr int kThreadsPerPool = 4;
 
-  GThreadPool* newPool() { return g_thread_pool_new(run, this, threadsPerPool, FALSE, nullptr); }
+  GThreadPool* newPool() { return g_thread_pool_new(run, this, kThreadsPerPool, FALSE, nullptr); }
 
   static void run(gpointer work, gpointer self) {
     auto* queues = static_cast<GlobalQueues*>(self);

@@ -5,8 +5,12 @@
 
 namespace tapdeck::platform {
 
-double systemUptime() { return NSProcessInfo.processInfo.systemUptime; }
+double systemUptime() {
+  return NSProcessInfo.processInfo.systemUptime;
+}
 
-void sleepMicroseconds(uint32_t microseconds) { usleep(microseconds); }
+void sleepMicroseconds(uint32_t microseconds) {
+  usleep(microseconds);
+}
 
 }  // namespace tapdeck::platform

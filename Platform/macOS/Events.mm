@@ -4,9 +4,13 @@
 
 namespace tapdeck::platform {
 
-CGPoint mouseLocation() { return NSEvent.mouseLocation; }
+CGPoint mouseLocation() {
+  return NSEvent.mouseLocation;
+}
 
-double doubleClickInterval() { return NSEvent.doubleClickInterval; }
+double doubleClickInterval() {
+  return NSEvent.doubleClickInterval;
+}
 
 CGEventRef createSystemDefinedEvent(uint32_t modifierFlags, int16_t subtype, int64_t data1,
                                     int64_t data2) {

@@ -60,7 +60,9 @@ Value valueFromDictionary(NSDictionary* dictionary) {
 }
 
 // a collection holds no nil
-id element(const Value& value) { return flutterFromValue(value) ?: NSNull.null; }
+id element(const Value& value) {
+  return flutterFromValue(value) ?: NSNull.null;
+}
 
 struct FlutterFromContent {
   template <typename Element>
@@ -121,8 +123,12 @@ Value valueFromFlutter(id object) {
   return Value();
 }
 
-id flutterFromValue(const Value& value) { return value.visit(FlutterFromContent{}); }
+id flutterFromValue(const Value& value) {
+  return value.visit(FlutterFromContent{});
+}
 
-id flutterFromOutcome(const Outcome& outcome) { return std::visit(FlutterFromAnswer{}, outcome); }
+id flutterFromOutcome(const Outcome& outcome) {
+  return std::visit(FlutterFromAnswer{}, outcome);
+}
 
 }  // namespace tapdeck::platform

@@ -12,7 +12,9 @@ std::optional<std::string> pasteboardString() {
   return utf8FromString(text);
 }
 
-void clearPasteboard() { [NSPasteboard.generalPasteboard clearContents]; }
+void clearPasteboard() {
+  [NSPasteboard.generalPasteboard clearContents];
+}
 
 void setPasteboardString(const std::string& text) {
   // the channel delivers UTF-8 only; text that is not leaves the pasteboard as it is

@@ -19,6 +19,8 @@ std::optional<URL> urlWithString(const std::string& text) {
   return URL{text};
 }
 
-void openURL(const URL& url) { [NSWorkspace.sharedWorkspace openURL:parse(url.text)]; }
+void openURL(const URL& url) {
+  [NSWorkspace.sharedWorkspace openURL:parse(url.text)];
+}
 
 }  // namespace tapdeck::platform

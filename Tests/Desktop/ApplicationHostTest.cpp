@@ -12,7 +12,7 @@
 namespace tapdeck::testing {
 namespace {
 
-constexpr const char* greeting = "Tapdeck: http://127.0.0.1:";
+constexpr const char* kGreeting = "Tapdeck: http://127.0.0.1:";
 
 /// A host on the display at hand or another, ready to be used.
 class RunningHost : public ChildProcess {
@@ -20,7 +20,7 @@ class RunningHost : public ChildProcess {
   explicit RunningHost(const char* display = std::getenv("DISPLAY"))
       : ChildProcess({hostProgram, "--port", "0"}, {{"DISPLAY", display}}) {
     EXPECT_TRUE(loopUntil([this] { return output().ends_with("\n") || !isRunning(); }));
-    EXPECT_EQ(output().rfind(greeting, 0), 0U) << output() << errors();
+    EXPECT_EQ(output().rfind(kGreeting, 0), 0U) << output() << errors();
   }
 };
 

@@ -96,8 +96,8 @@ TEST(PasteboardTest, WaitsForNoOwnerForEver) {
   bool otherWorkRan = false;
   platform::asyncOnMain([&otherWorkRan] { otherWorkRan = true; });
   const std::vector<std::pair<const char*, std::chrono::milliseconds>> fates = {
-      {SelectionOwner::silentType, std::chrono::milliseconds(1900)},
-      {SelectionOwner::deadlyType, std::chrono::milliseconds(700)}};
+      {SelectionOwner::kSilentType, std::chrono::milliseconds(1900)},
+      {SelectionOwner::kDeadlyType, std::chrono::milliseconds(700)}};
   for (const auto& [fate, limit] : fates) {
     const SelectionOwner owner("CLIPBOARD", [type = fate](const std::string&) {
       return Form{type, std::string(4, '\0')};

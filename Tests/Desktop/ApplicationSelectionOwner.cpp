@@ -71,7 +71,7 @@ void SelectionOwner::serve() {
 
 void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
   const auto form = _answer(nameOf(request.target));
-  if (form && form->type == silentType) return;
+  if (form && form->type == kSilentType) return;
   xcb_selection_notify_event_t notify{};
   notify.response_type = XCB_SELECTION_NOTIFY;
   notify.time = request.time;
@@ -85,7 +85,7 @@ void SelectionOwner::answer(const xcb_selection_request_event_t& request) {
                         static_cast<uint32_t>(form->bytes.size()), form->bytes.data());
   }
   xcb_send_event(_connection, 0, request.requestor, 0, reinterpret_cast<const char*>(&notify));
-  if (form && form->type == deadlyType) xcb_destroy_window(_connection, _window);
+  if (form && form->type == kDeadlyType) xcb_destroy_window(_connection, _window);
   xcb_flush(_connection);
 }
 

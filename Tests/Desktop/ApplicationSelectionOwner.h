@@ -30,9 +30,9 @@ class SelectionOwner {
   SelectionOwner& operator=(const SelectionOwner&) = delete;
 
   /// An answer of this type begins an incremental transfer after which the owner dies.
-  static constexpr const char* deadlyType = "INCR";
+  static constexpr const char* kDeadlyType = "INCR";
   /// An answer of this type is never given.
-  static constexpr const char* silentType = "silence";
+  static constexpr const char* kSilentType = "silence";
 
  private:
   void serve();

@@ -16,7 +16,7 @@ namespace tapdeck {
 
 namespace {
 
-constexpr unsigned int copiedMilliseconds = 1500;
+constexpr unsigned int kCopiedMilliseconds = 1500;
 
 std::string hostOf(const std::string& address) {
   char* host = nullptr;
@@ -118,7 +118,7 @@ void AddressCard::copy() {
         _copy.set_label("Copy");
         return false;
       },
-      copiedMilliseconds);
+      kCopiedMilliseconds);
 }
 
 }  // namespace tapdeck

@@ -28,8 +28,8 @@ namespace tapdeck {
 
 namespace {
 
-constexpr int usageError = 64;
-constexpr std::chrono::milliseconds lastWork{2000};
+constexpr int kUsageError = 64;
+constexpr std::chrono::milliseconds kLastWork{2000};
 
 /// A Unix signal that the main loop hears for as long as this lives.
 class SignalSource {
@@ -91,7 +91,7 @@ int run(const Options& options) {
 
   quartz::letGo();
   platform::storePasteboard();
-  if (!platform::finishGlobalQueues(lastWork)) _exit(EXIT_SUCCESS);
+  if (!platform::finishGlobalQueues(kLastWork)) _exit(EXIT_SUCCESS);
   return EXIT_SUCCESS;
 }
 
@@ -133,7 +133,7 @@ int perform(const Options& options) {
 
 int main(int argc, char** argv) {
   const auto options = tapdeck::parseOptions(argc, argv);
-  if (!options) return tapdeck::usageError;
+  if (!options) return tapdeck::kUsageError;
   try {
     return tapdeck::perform(*options);
   } catch (const std::exception& problem) {

@@ -6,7 +6,7 @@ namespace tapdeck {
 
 namespace {
 
-constexpr unsigned int pointingMilliseconds = 4000;
+constexpr unsigned int kPointingMilliseconds = 4000;
 
 }  // namespace
 
@@ -49,7 +49,7 @@ void PermissionRow::pointOut() {
         style->remove_class("pointed-out");
         return false;
       },
-      pointingMilliseconds);
+      kPointingMilliseconds);
   _switch.grab_focus();
 }
 

@@ -10,7 +10,7 @@ namespace tapdeck {
 namespace {
 
 /// Modules that must stay light around the code.
-constexpr int quietZone = 4;
+constexpr int kQuietZone = 4;
 
 }  // namespace
 
@@ -32,7 +32,7 @@ bool QrCode::on_draw(const Cairo::RefPtr<Cairo::Context>& cairo) {
   const int scale = get_scale_factor();
   const int width = get_allocated_width() * scale;
   const int height = get_allocated_height() * scale;
-  const int withZone = _size + 2 * quietZone;
+  const int withZone = _size + 2 * kQuietZone;
   const int module = std::max(1, std::min(width, height) / withZone);
   const int left = (width - module * withZone) / 2;
   const int top = (height - module * withZone) / 2;
@@ -46,7 +46,7 @@ bool QrCode::on_draw(const Cairo::RefPtr<Cairo::Context>& cairo) {
   for (int row = 0; row < _size; ++row) {
     for (int column = 0; column < _size; ++column) {
       if (!_dark[static_cast<std::size_t>(row * _size + column)]) continue;
-      cairo->rectangle(left + (column + quietZone) * module, top + (row + quietZone) * module,
+      cairo->rectangle(left + (column + kQuietZone) * module, top + (row + kQuietZone) * module,
                        module, module);
     }
   }

@@ -10,9 +10,9 @@ class ScrollSteps {
  public:
   /// What applications make of one wheel step: about three lines of text. So content keeps up with
   /// the finger, neither faster nor slower.
-  static constexpr int pixelsPerStep = 50;
+  static constexpr int kPixelsPerStep = 50;
   /// For one event, however large: further than anyone scrolls at once, and soon over.
-  static constexpr int mostSteps = 100;
+  static constexpr int kMostSteps = 100;
 
   /// Points, positive and negative being the two directions; gives whole steps of the same sign.
   int addPixels(int32_t pixels);
