@@ -44,7 +44,7 @@ Value Reader::element(int depth, KeyForm* key) {
 Value Reader::leaf(Tag tag) {
   switch (tag) {
     case Tag::null:
-      return Value();
+      return {};
     case Tag::yes:
       return Value(true);
     case Tag::no:

@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr size_t kLongestFile = 64 * 1024;
+constexpr size_t kLongestFile = size_t{64} << 10;
 
 class FileDescriptor {
  public:

@@ -43,12 +43,12 @@ bool QrCode::on_draw(const Cairo::RefPtr<Cairo::Context>& cairo) {
   cairo->rectangle(left, top, module * withZone, module * withZone);
   cairo->fill();
   cairo->set_source_rgb(0, 0, 0);
-  for (int row = 0; row < _size; ++row) {
-    for (int column = 0; column < _size; ++column) {
-      if (!_dark[static_cast<std::size_t>(row * _size + column)]) continue;
-      cairo->rectangle(left + (column + kQuietZone) * module, top + (row + kQuietZone) * module,
-                       module, module);
-    }
+  for (std::size_t i = 0; i < _dark.size(); ++i) {
+    if (!_dark[i]) continue;
+    const int row = static_cast<int>(i) / _size;
+    const int column = static_cast<int>(i) % _size;
+    cairo->rectangle(left + (column + kQuietZone) * module, top + (row + kQuietZone) * module,
+                     module, module);
   }
   cairo->fill();
   return true;

@@ -53,7 +53,7 @@ Value valueFrom(const Json& json, int depth) {
     case Json::value_t::discarded:
       break;
   }
-  return Value();
+  return {};
 }
 
 Json jsonOf(std::monostate) {

@@ -1,9 +1,8 @@
 #include "Platform/Linux/Call/HostConnection.h"
 
-#include <signal.h>
-
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <utility>
 
 namespace tapdeck {
@@ -11,7 +10,7 @@ namespace {
 
 constexpr char kProtocol[] = "tapdeck.engine.v1";
 /// Above the most that the host lets wait for one connection.
-constexpr guint64 kLargestMessage = 64 * 1024 * 1024;
+constexpr guint64 kLargestMessage = guint64{64} << 20;
 
 struct FreeText {
   void operator()(char* text) const { g_free(text); }

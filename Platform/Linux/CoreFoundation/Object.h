@@ -8,6 +8,8 @@ namespace tapdeck::cf {
 /// one, owned by whoever created the object.
 class Object {
  public:
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
   virtual ~Object() = default;
   virtual bool equals(const Object& other) const { return this == &other; }
 
@@ -20,8 +22,6 @@ class Object {
 
  protected:
   Object() = default;
-  Object(const Object&) = delete;
-  Object& operator=(const Object&) = delete;
 
  private:
   mutable std::atomic<long> _count = 1;

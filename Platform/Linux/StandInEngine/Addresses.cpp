@@ -59,6 +59,7 @@ std::vector<std::string> originsFor(const std::string& address, uint16_t port) {
   }
   addresses.push_back(std::move(own));
   std::vector<std::string> origins;
+  origins.reserve(addresses.size());
   for (const auto& each : addresses) origins.push_back("http://" + authorityOf(each.get(), port));
   return origins;
 }

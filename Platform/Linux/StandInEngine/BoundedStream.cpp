@@ -66,7 +66,7 @@ class Flow {
   }
 
   /// The count, 0 when the base would block.
-  gssize writeToBase(const uint8_t* data, gsize size, GError** error) {
+  gssize writeToBase(const uint8_t* data, gsize size, GError** error) const {
     GError* problem = nullptr;
     const gssize count =
         g_pollable_output_stream_write_nonblocking(output(), data, size, nullptr, &problem);

@@ -13,7 +13,7 @@ namespace tapdeck::standin {
 namespace {
 
 /// Room for the frame headers of a message in fragments.
-constexpr StreamBounds kBounds = {kLargestMessage + 64 * 1024, kMostUnsent};
+constexpr StreamBounds kBounds = {kLargestMessage + (size_t{64} << 10), kMostUnsent};
 constexpr int kSilentTicksAllowed = 5;
 /// A masked frame's header, without an extended length.
 constexpr size_t kControlFrameHeader = 6;
@@ -47,7 +47,7 @@ void releaseOnceClosed(Object<SoupWebsocketConnection> socket) {
 std::shared_ptr<Connection> Connection::open(GIOStream* stream, GUri* uri, StandInEngine::Peer peer,
                                              std::chrono::milliseconds silenceLimit,
                                              Events events) {
-  const std::shared_ptr<Connection> connection(
+  std::shared_ptr<Connection> connection(
       new Connection(stream, uri, std::move(peer), std::move(events)));
   connection->watchSilence(silenceLimit);
   return connection;

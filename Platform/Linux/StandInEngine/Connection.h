@@ -14,14 +14,14 @@
 
 namespace tapdeck::standin {
 
-inline constexpr size_t kLargestMessage = 1024 * 1024;
-inline constexpr size_t kMostUnsent = 32 * 1024 * 1024;
+inline constexpr size_t kLargestMessage = size_t{1} << 20;
+inline constexpr size_t kMostUnsent = size_t{32} << 20;
 
 /// One page's WebSocket connection. Main thread only, on the default GLib main context.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
   struct Events {
-    std::function<void(Connection&, Request)> request;
+    std::function<void(Connection&, const Request&)> request;
     /// Called once, when the connection can carry no more requests: the peer closed or vanished, it
     /// broke the protocol or a bound, or close() was called. Not called by the destructor.
     std::function<void(Connection&)> ended;

@@ -77,8 +77,8 @@ std::string whyNotListening(const StandInEngine::Options& options, const GError&
 
 }  // namespace
 
-StandInEngine::Server::Server(const Options& options)
-    : _options(options),
+StandInEngine::Server::Server(Options options)
+    : _options(std::move(options)),
       _token(newToken()),
       // The path is looked up as it was sent; nothing in it is decoded.
       _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))) {}
@@ -222,9 +222,9 @@ void StandInEngine::Server::completeUpgrade(SoupServerMessage* message) {
   const Object<GIOStream> stream(soup_server_message_steal_connection(message));
   if (!stream || !_http || _connections.size() >= kMostConnections) return;
   Connection::Events events;
-  events.request = [weak = weak_from_this()](Connection& connection, Request request) {
+  events.request = [weak = weak_from_this()](Connection& connection, const Request& request) {
     if (const auto self = weak.lock()) {
-      self->forward(connection.shared_from_this(), std::move(request));
+      self->forward(connection.shared_from_this(), request);
     }
   };
   events.ended = [weak = weak_from_this()](Connection& connection) {
@@ -237,7 +237,7 @@ void StandInEngine::Server::completeUpgrade(SoupServerMessage* message) {
 }
 
 void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connection,
-                                    Request request) {
+                                    const Request& request) {
   Reply reply([weak = std::weak_ptr(connection), id = request.id,
                channel = request.channel](const Outcome& outcome) {
     if (const auto asking = weak.lock()) asking->send(encodeReply(id, channel, outcome));

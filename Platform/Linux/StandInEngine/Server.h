@@ -20,7 +20,7 @@ namespace tapdeck {
 /// Shared, because a handler that it calls may let go of the engine.
 class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine::Server> {
  public:
-  explicit Server(const Options& options);
+  explicit Server(Options options);
 
   /// Listens and writes session.json. Throws StandInEngineError.
   void start();
@@ -44,7 +44,7 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   void serveUpgrade(SoupServerMessage* message, GHashTable* query);
   void completeUpgrade(SoupServerMessage* message);
 
-  void forward(const std::shared_ptr<Connection>& connection, standin::Request request);
+  void forward(const std::shared_ptr<Connection>& connection, const standin::Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
   void peersChanged();

@@ -50,7 +50,7 @@ Record& recordOf(CGEventRef event) {
 }
 
 CGEventRef makeEvent(CGEventType type, CGPoint location, const std::string& description) {
-  if (script().failingEvents.count(type) != 0) return nullptr;
+  if (script().failingEvents.contains(type)) return nullptr;
   records().push_back({type, description, location, "", "", ""});
   return makeObject<CGEventRef>(static_cast<int64_t>(records().size()) - 1);
 }

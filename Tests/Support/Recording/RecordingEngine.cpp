@@ -19,7 +19,7 @@ void RecordingEngine::invokeMethod(const std::string& channel, const std::string
 }
 
 bool RecordingEngine::registerPlugin(const std::string& className) {
-  const bool present = absentPlugins.count(className) == 0;
+  const bool present = !absentPlugins.contains(className);
   record((present ? "register " : "without ") + className);
   return present;
 }
