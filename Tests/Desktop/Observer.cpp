@@ -1,55 +1,30 @@
 #include "Tests/Desktop/Observer.h"
 
-#include <glib.h>
 #include <xcb/randr.h>
 
-#include <cstdlib>
 #include <stdexcept>
 
 namespace tapdeck::testing {
 namespace {
 
-template <typename Packet>
-std::unique_ptr<Packet, decltype(&std::free)> owned(Packet* packet) {
-  return {packet, &std::free};
-}
-
-std::string buttonText(unsigned state) {
-  std::string text;
-  for (int button = 1; button <= 5; ++button) {
-    if ((state & (XCB_BUTTON_MASK_1 << (button - 1))) != 0) text += std::to_string(button);
-  }
-  return text;
-}
-
 std::string lineFor(const xcb_generic_event_t& event) {
   // the three kinds of event are laid out alike
   const auto& input = reinterpret_cast<const xcb_button_press_event_t&>(event);
   const std::string place = std::to_string(input.root_x) + "," + std::to_string(input.root_y);
-  switch (event.response_type) {
-    case XCB_BUTTON_PRESS:
-      return "down " + std::to_string(input.detail) + " at " + place;
-    case XCB_BUTTON_RELEASE:
-      return "up " + std::to_string(input.detail) + " at " + place;
-    case XCB_MOTION_NOTIFY:
-      return "move to " + place + " holding " + buttonText(input.state);
-    default:
-      return {};
+  const std::string button = std::to_string(input.detail);
+  if (event.response_type == XCB_BUTTON_PRESS) return "down " + button + " at " + place;
+  if (event.response_type == XCB_BUTTON_RELEASE) return "up " + button + " at " + place;
+  if (event.response_type != XCB_MOTION_NOTIFY) return {};
+  std::string held;
+  for (int n = 1; n <= 5; ++n) {
+    if ((input.state & (XCB_BUTTON_MASK_1 << (n - 1))) != 0) held += std::to_string(n);
   }
+  return "move to " + place + " holding " + held;
 }
 
 }  // namespace
 
-bool eventually(const std::function<bool()>& condition) {
-  const gint64 deadline = g_get_monotonic_time() + gint64{5} * G_USEC_PER_SEC;
-  while (!condition()) {
-    if (g_get_monotonic_time() > deadline) return false;
-    if (g_main_context_iteration(nullptr, FALSE) == FALSE) g_usleep(1000);
-  }
-  return true;
-}
-
-Observer::Observer() : _connection(xcb_connect(nullptr, nullptr)) {
+Observer::Observer() : _connection(xcb_connect(nullptr, nullptr), &xcb_disconnect) {
   if (xcb_connection_has_error(get()) != 0) throw std::runtime_error("no X server to observe");
   _screen = xcb_setup_roots_iterator(xcb_get_setup(get())).data;
 }
@@ -74,8 +49,7 @@ xcb_window_t Observer::coverScreen() {
                     _screen->height_in_pixels, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                     XCB_COPY_FROM_PARENT,
                     XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
-  xcb_map_window(get(), window);
-  awaitMapped();
+  map(window);
   return window;
 }
 
@@ -89,12 +63,12 @@ xcb_window_t Observer::openManagedWindow(int x, int y) {
   const uint32_t sizeHints[18] = {placedByUser, static_cast<uint32_t>(x), static_cast<uint32_t>(y)};
   xcb_change_property(get(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,
                       XCB_ATOM_WM_SIZE_HINTS, 32, 18, sizeHints);
-  xcb_map_window(get(), window);
-  awaitMapped();
+  map(window);
   return window;
 }
 
-void Observer::awaitMapped() {
+void Observer::map(xcb_window_t window) {
+  xcb_map_window(get(), window);
   xcb_flush(get());
   const bool mapped = eventually([this] {
     while (const auto event = owned(xcb_poll_for_event(get()))) {
@@ -127,6 +101,25 @@ xcb_atom_t Observer::atom(const std::string& name) const {
   return owned(xcb_intern_atom_reply(get(), request, nullptr))->atom;
 }
 
+std::string Observer::nameOf(xcb_atom_t atom) const {
+  const auto reply = owned(xcb_get_atom_name_reply(get(), xcb_get_atom_name(get(), atom), nullptr));
+  if (reply == nullptr) return {};
+  return {xcb_get_atom_name_name(reply.get()),
+          static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))};
+}
+
+xcb_window_t Observer::createHiddenWindow() const {
+  const xcb_window_t window = xcb_generate_id(get());
+  xcb_create_window(get(), XCB_COPY_FROM_PARENT, window, root(), -1, -1, 1, 1, 0,
+                    XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+  return window;
+}
+
+xcb_window_t Observer::selectionOwner(const std::string& selection) const {
+  const auto request = xcb_get_selection_owner(get(), atom(selection));
+  return owned(xcb_get_selection_owner_reply(get(), request, nullptr))->owner;
+}
+
 void Observer::setMonitor(const std::string& name, const std::string& geometry,
                           const std::string& output) const {
   const std::string command = "xrandr --setmonitor '" + name + "' " + geometry + " " + output;
@@ -152,11 +145,7 @@ void Observer::mapButtons(std::vector<uint8_t> map) const {
 void Observer::publishSettings(const std::vector<uint8_t>& property) {
   const xcb_atom_t name = atom("_XSETTINGS_SETTINGS");
   const bool isNew = _settings == XCB_WINDOW_NONE;
-  if (isNew) {
-    _settings = xcb_generate_id(get());
-    xcb_create_window(get(), XCB_COPY_FROM_PARENT, _settings, root(), -1, -1, 1, 1, 0,
-                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-  }
+  if (isNew) _settings = createHiddenWindow();
   xcb_change_property(get(), XCB_PROP_MODE_REPLACE, _settings, name, name, 8,
                       static_cast<uint32_t>(property.size()), property.data());
   if (isNew) {
@@ -180,28 +169,23 @@ std::vector<uint8_t> settingsProperty(const std::vector<std::pair<std::string, i
   const auto add = [&bytes](uint64_t value, int size) {
     for (int i = size - 1; i >= 0; --i) bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
   };
-  const auto addName = [&](int kind, const std::string& name) {
-    add(static_cast<uint64_t>(kind), 1);
-    add(0, 1);
+  const auto addEntry = [&](uint64_t kind, const std::string& name, uint64_t value, int size) {
+    const uint64_t serial = 7;
+    add(kind << 8, 2);
     add(name.size(), 2);
     bytes.insert(bytes.end(), name.begin(), name.end());
     while (bytes.size() % 4 != 0) bytes.push_back(0);
-    add(7, 4);
+    add(serial, 4);
+    add(value, size);
   };
-  const int mostSignificantFirst = 1;
-  add(mostSignificantFirst, 1);
-  add(0, 3);
+  const uint64_t mostSignificantFirst = 1;
+  add(mostSignificantFirst << 24, 4);
   add(1, 4);
   add(numbers.size() + 2, 4);
-  addName(1, "Net/ThemeName");
-  add(5, 4);
+  addEntry(1, "Net/ThemeName", 5, 4);
   for (const char letter : {'P', 'l', 'a', 'i', 'n', '\0', '\0', '\0'}) add(letter, 1);
-  addName(2, "Net/Colour");
-  add(0x1234567812345678, 8);
-  for (const auto& [name, value] : numbers) {
-    addName(0, name);
-    add(static_cast<uint32_t>(value), 4);
-  }
+  addEntry(2, "Net/Colour", 0x1234567812345678, 8);
+  for (const auto& [name, value] : numbers) addEntry(0, name, static_cast<uint32_t>(value), 4);
   return bytes;
 }
 

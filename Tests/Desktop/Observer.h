@@ -3,15 +3,14 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
-#include <functional>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
 
-namespace tapdeck::testing {
+#include "Tests/Support/MainLoop.h"
 
-/// Runs the GLib main loop until `condition` holds; false after five seconds.
-bool eventually(const std::function<bool()>& condition);
+namespace tapdeck::testing {
 
 /// A client of the X server of its own, which sees what really arrived there.
 class Observer {
@@ -26,6 +25,12 @@ class Observer {
   Observer();
   Observer(const Observer&) = delete;
   Observer& operator=(const Observer&) = delete;
+
+  /// The owner of a reply or an event.
+  template <typename Packet>
+  static std::unique_ptr<Packet, decltype(&std::free)> owned(Packet* packet) {
+    return {packet, &std::free};
+  }
 
   xcb_connection_t* get() const { return _connection.get(); }
   xcb_window_t root() const { return _screen->root; }
@@ -43,6 +48,10 @@ class Observer {
   std::vector<std::string> heard() const;
 
   xcb_atom_t atom(const std::string& name) const;
+  std::string nameOf(xcb_atom_t atom) const;
+  xcb_window_t createHiddenWindow() const;
+  /// The window that owns a selection now, or XCB_WINDOW_NONE.
+  xcb_window_t selectionOwner(const std::string& selection) const;
   /// As `xrandr --setmonitor` does it: a star before the name makes it primary, the geometry is
   /// such as "800/200x600/150+0+0" in pixels and millimetres.
   void setMonitor(const std::string& name, const std::string& geometry,
@@ -54,12 +63,9 @@ class Observer {
   void publishSettings(const std::vector<uint8_t>& property);
 
  private:
-  struct Disconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-  };
-  void awaitMapped();
+  void map(xcb_window_t window);
 
-  std::unique_ptr<xcb_connection_t, Disconnect> _connection;
+  std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> _connection;
   xcb_screen_t* _screen;
   xcb_window_t _settings = XCB_WINDOW_NONE;
 };

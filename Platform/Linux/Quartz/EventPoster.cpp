@@ -6,6 +6,8 @@
 #include <cstdlib>
 
 #include "Platform/Linux/Permissions.h"
+#include "Platform/Linux/Quartz/Keyboard/KeyPlan.h"
+#include "Platform/Linux/Quartz/Keyboard/TextPlan.h"
 
 namespace tapdeck::quartz {
 namespace {
@@ -41,20 +43,41 @@ bool isRelease(const __CGEvent& event) {
 
 }  // namespace
 
-EventPoster::EventPoster(Connection& connection) : _connection(connection) {
+EventPoster::EventPoster(Connection& connection) : _connection(connection), _queue(connection) {
   // some screen lockers and games grab the whole server
   xcb_test_grab_control(_connection.get(), 1);
   _connection.flush();
 }
 
 void EventPoster::post(const __CGEvent& event) {
-  if (permissions::isGranted(permissions::Permission::control)) {
+  const bool isPermitted = permissions::isGranted(permissions::Permission::control);
+  if (event.type == kCGEventKeyDown || event.type == kCGEventKeyUp) {
+    postKey(event, isPermitted);
+  } else if (isPermitted) {
     carryOut(event);
   } else if (const uint8_t button = serverButton(event.button);
-             isRelease(event) && _held.contains(button)) {
+             isRelease(event) && _heldButtons.contains(button)) {
     release(button);
   }
-  _connection.flush();
+}
+
+void EventPoster::postKey(const __CGEvent& event, bool isPermitted) {
+  const bool down = event.type == kCGEventKeyDown;
+  if (!event.text.empty()) {
+    // Pressed and released at once, so that no slow moment makes the key repeat; a text of several
+    // characters is several keys. Nothing is left for the release.
+    if (down && isPermitted) _queue.add(TextStep{keysymsForText(event.text)});
+    return;
+  }
+  const auto key = event.mediaKey != 0 ? mediaKeyFor(event.mediaKey) : usKeyFor(event.keyCode);
+  if (!key) return;
+  if (!isPermitted && (down || !_heldKeys.contains(key->plain))) return;
+  if (down) {
+    _heldKeys.insert(key->plain);
+  } else {
+    _heldKeys.erase(key->plain);
+  }
+  _queue.add(KeyStep{*key, down, event.flags});
 }
 
 void EventPoster::carryOut(const __CGEvent& event) {
@@ -85,29 +108,29 @@ void EventPoster::carryOut(const __CGEvent& event) {
 }
 
 void EventPoster::letGo() {
-  if (_held.empty()) return;
-  while (!_held.empty()) release(_held.begin()->first);
-  _connection.finish();
+  _heldButtons.clear();
+  _heldKeys.clear();
+  _queue.letGo();
 }
 
 bool EventPoster::move(CGPoint point) {
   const auto pixel = currentPointSpace().pixelAt(point);
-  if (pixel) fake(XCB_MOTION_NOTIFY, 0, *pixel);
+  if (pixel) _queue.add(MotionStep{*pixel});
   return pixel.has_value();
 }
 
 void EventPoster::press(uint8_t button) {
   const auto physical = physicalButton(button);
   if (!physical) return;
-  fake(XCB_BUTTON_PRESS, *physical);
-  _held.emplace(button, *physical);
+  _queue.add(ButtonStep{*physical, true});
+  _heldButtons.emplace(button, *physical);
 }
 
 void EventPoster::release(uint8_t button) {
-  const auto held = _held.find(button);
-  const auto physical = held == _held.end() ? physicalButton(button) : held->second;
-  if (held != _held.end()) _held.erase(held);
-  if (physical) fake(XCB_BUTTON_RELEASE, *physical);
+  const auto held = _heldButtons.find(button);
+  const auto physical = held == _heldButtons.end() ? physicalButton(button) : held->second;
+  if (held != _heldButtons.end()) _heldButtons.erase(held);
+  if (physical) _queue.add(ButtonStep{*physical, false});
 }
 
 void EventPoster::scroll(const __CGEvent& event) {
@@ -122,10 +145,7 @@ void EventPoster::scroll(const __CGEvent& event) {
 void EventPoster::turnWheel(int steps, uint8_t positive, uint8_t negative) {
   if (steps == 0) return;
   const auto physical = physicalButton(steps > 0 ? positive : negative);
-  for (int left = std::abs(steps); physical && left > 0; --left) {
-    fake(XCB_BUTTON_PRESS, *physical);
-    fake(XCB_BUTTON_RELEASE, *physical);
-  }
+  if (physical) _queue.add(WheelStep{*physical, std::abs(steps)});
 }
 
 // XTEST presses physical buttons. Who swaps them (a mouse for the left hand, the wheel's direction)
@@ -139,11 +159,6 @@ std::optional<uint8_t> EventPoster::physicalButton(uint8_t button) const {
   const uint8_t* place = std::find(first, last, button);
   if (place == last) return std::nullopt;
   return static_cast<uint8_t>(place - first + 1);
-}
-
-void EventPoster::fake(uint8_t type, uint8_t detail, Pixel pixel) {
-  xcb_test_fake_input(_connection.get(), type, detail, XCB_CURRENT_TIME, _connection.root(),
-                      pixel.x, pixel.y, 0);
 }
 
 }  // namespace tapdeck::quartz

@@ -46,6 +46,7 @@ PointSpace currentPointSpace() {
 
 std::optional<Pixel> pointerPixel() {
   if (session() == nullptr) return std::nullopt;
+  if (const auto waiting = session()->poster.waitingMotion()) return waiting;
   const Connection& connection = session()->connection;
   const auto pointer = connection.wait(xcb_query_pointer(connection.get(), connection.root()),
                                        xcb_query_pointer_reply);

@@ -17,8 +17,9 @@ Session* session() {
 }
 
 void connectToWindowServer() {
-  auto fresh = std::make_unique<Session>();
-  current() = std::move(fresh);
+  // what the last one holds it gives back first
+  current().reset();
+  current() = std::make_unique<Session>();
 }
 
 void observeMonitors(std::function<void()> changed) {

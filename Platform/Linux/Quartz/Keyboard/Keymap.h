@@ -1,0 +1,62 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tapdeck::quartz {
+
+/// X's numbers: keycodes are 8 to 255, keysyms as in keysymdef.h.
+using Keycode = uint8_t;
+using Keysym = uint32_t;
+
+inline constexpr Keysym kNoKeysym = 0;
+
+/// An action of the X keyboard extension as it stands in the protocol; all zero does nothing.
+using KeyAction = std::array<uint8_t, 8>;
+
+/// What one keycode means.
+struct KeyMeaning {
+  /// The key type of each group: how the modifiers choose a level.
+  std::array<uint8_t, 4> types{};
+  /// The number of groups, and what becomes of a group above it.
+  uint8_t groupInfo = 0;
+  uint8_t width = 0;
+  /// `width` for each group.
+  std::vector<Keysym> keysyms;
+  /// None, or one for each keysym.
+  std::vector<KeyAction> actions;
+
+  int groups() const { return groupInfo & 0x0f; }
+  /// The group that the key uses while `effective` is the keyboard's.
+  int groupFor(int effective) const;
+  /// What the key gives without modifiers; `group` is one of its own.
+  Keysym plainKeysym(int group) const;
+  friend bool operator==(const KeyMeaning&, const KeyMeaning&) = default;
+};
+
+/// The keyboard map of one moment.
+struct Keymap {
+  std::array<KeyMeaning, 256> keys;
+  /// The real modifiers that a key sets.
+  std::array<uint8_t, 256> modifiers{};
+  /// Whether a key behaves otherwise than keys do (locks, overlays) or has virtual modifiers.
+  std::array<bool, 256> isSpecial{};
+  Keycode first = 8;
+  Keycode last = 255;
+
+  /// The key that gives `keysym` without modifiers while the group `effective` is active.
+  std::optional<Keycode> keyFor(Keysym keysym, int effective) const;
+};
+
+/// The core keyboard's map; absent when the server is gone or answers nonsense. Any thread.
+std::optional<Keymap> fetchKeymap(xcb_connection_t* connection);
+
+/// The bytes of a map as the server sends it, the reply's header included; absent when they do not
+/// hold together.
+std::optional<Keymap> readKeymap(const uint8_t* reply, size_t size);
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,82 @@
+#include "Tests/Desktop/TypingKeyboard.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+#include "Platform/Linux/Quartz/Keyboard/XkbProtocol.h"
+#include "Runner/Owned.h"
+
+namespace tapdeck::testing {
+namespace {
+
+template <typename Packet>
+std::unique_ptr<Packet, decltype(&std::free)> owned(Packet* packet) {
+  return {packet, &std::free};
+}
+
+std::string outputOf(const std::string& command) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), &::pclose);
+  if (pipe == nullptr) throw std::runtime_error(command);
+  std::string output;
+  for (int character; (character = std::fgetc(pipe.get())) != EOF;) {
+    output.push_back(static_cast<char>(character));
+  }
+  return output;
+}
+
+}  // namespace
+
+TypingKeyboard::TypingKeyboard(Observer& observer) : _observer(observer) {
+  owned(xcb_xkb_use_extension_reply(_observer.get(), xcb_xkb_use_extension(_observer.get(), 1, 0),
+                                    nullptr));
+}
+
+void TypingKeyboard::setLayout(const std::string& layout) {
+  if (std::system(("setxkbmap -layout " + layout).c_str()) != 0) throw std::runtime_error(layout);
+  lockGroup(0);
+  lockCaps(false);
+}
+
+void TypingKeyboard::lockGroup(uint8_t group) {
+  xcb_xkb_latch_lock_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+  _observer.sync();
+}
+
+void TypingKeyboard::lockCaps(bool locked) {
+  xcb_xkb_latch_lock_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD, XCB_MOD_MASK_LOCK,
+                           locked ? XCB_MOD_MASK_LOCK : 0, 0, 0, 0, 0, 0);
+  _observer.sync();
+}
+
+TypingKeyboard::State TypingKeyboard::state() {
+  const auto reply = owned(xcb_xkb_get_state_reply(
+      _observer.get(), xcb_xkb_get_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+  if (reply == nullptr) throw std::runtime_error("the X server does not answer");
+  return {reply->baseMods, reply->lockedMods, reply->group};
+}
+
+std::string TypingKeyboard::pressedKeys() {
+  const auto reply =
+      owned(xcb_query_keymap_reply(_observer.get(), xcb_query_keymap(_observer.get()), nullptr));
+  std::string pressed;
+  for (int code = 0; code < 256; ++code) {
+    if ((reply->keys[code / 8] >> (code % 8) & 1) != 0) pressed += std::to_string(code) + " ";
+  }
+  return pressed;
+}
+
+std::string TypingKeyboard::dump() {
+  const std::string text = outputOf("xkbcomp -w 0 -xkb $DISPLAY - 2>/dev/null");
+  if (text.find("xkb_symbols") == std::string::npos) throw std::runtime_error("xkbcomp");
+  return text;
+}
+
+void postKey(CGKeyCode code, bool down, CGEventFlags flags) {
+  const Owned event(CGEventCreateKeyboardEvent(nullptr, code, down));
+  CGEventSetFlags(event.get(), flags);
+  CGEventPost(kCGHIDEventTap, event.get());
+}
+
+}  // namespace tapdeck::testing

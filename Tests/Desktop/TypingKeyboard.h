@@ -1,0 +1,37 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <string>
+
+#include "Tests/Desktop/Observer.h"
+
+namespace tapdeck::testing {
+
+/// The X server's keyboard as another program sees and sets it.
+class TypingKeyboard {
+ public:
+  struct State {
+    unsigned held, locked, group;
+    friend bool operator==(const State&, const State&) = default;
+  };
+
+  explicit TypingKeyboard(Observer& observer);
+  /// As `setxkbmap -layout` takes it; the first group is active and nothing is locked.
+  void setLayout(const std::string& layout);
+  void lockGroup(uint8_t group);
+  void lockCaps(bool locked);
+  State state();
+  /// Which keycodes are pressed, in order.
+  std::string pressedKeys();
+  /// All of the map, as text.
+  static std::string dump();
+
+ private:
+  Observer& _observer;
+};
+
+/// Posts a key event by its virtual key code.
+void postKey(CGKeyCode code, bool down, CGEventFlags flags = 0);
+
+}  // namespace tapdeck::testing

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Runner/Input/TextTyping.h"
+#include "Runner/Input/UnicodeText.h"
+#include "Runner/Owned.h"
+#include "Tests/Desktop/TypingClient.h"
+#include "Tests/Desktop/TypingKeyboard.h"
+#include "Tests/Desktop/TypingText.h"
+
+namespace tapdeck::testing {
+namespace {
+
+TypingClient::Kind kind = TypingClient::Kind::textView;
+
+constexpr CGKeyCode kShift = 56;
+constexpr CGKeyCode kControl = 59;
+constexpr CGKeyCode kAlt = 58;
+constexpr CGKeyCode kCommand = 55;
+
+struct Case {
+  const char* layout;
+  uint8_t group;
+  bool caps;
+  /// Held while the text is typed.
+  std::vector<CGKeyCode> held;
+};
+
+class TypingTest : public ::testing::Test {
+ protected:
+  ~TypingTest() override {
+    quartz::letGo();
+    keyboard.setLayout("us");
+  }
+
+  /// An answer on the poster's own connection comes after all that was posted there.
+  static void awaitServer() { const Owned answer(CGEventCreate(nullptr)); }
+  void expectExact(const std::string& text, const std::string& what) {
+    typeUnicodeText(text);
+    const std::string received = client.received(text);
+    EXPECT_TRUE(received == text) << what << ": " << differenceOf(text, received);
+  }
+  void expectExact(const Case& each, const std::string& text) {
+    keyboard.lockCaps(each.caps);
+    keyboard.lockGroup(each.group);
+    for (const CGKeyCode key : each.held) postKey(key, true);
+    awaitServer();
+    const auto before = keyboard.state();
+    expectExact(text, std::string(each.layout) + " group " + std::to_string(each.group) +
+                          (each.caps ? " caps" : "") + " held " + std::to_string(each.held.size()));
+    EXPECT_EQ(keyboard.state(), before) << "typing changed the keyboard's state";
+    for (const CGKeyCode key : each.held) postKey(key, false);
+  }
+
+  // before connecting: with the server's own map
+  Observer observer;
+  TypingKeyboard keyboard{observer};
+  TypingClient client{kind, observer};
+};
+
+TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
+  quartz::connectToWindowServer();
+  const std::string text = longText();
+  ASSERT_GE(graphemeClusters(text).size(), 2000U);
+  const std::string sample = shortText();
+  const Case cases[] = {
+      {"us", 0, false, {}},       {"de", 0, true, {}},
+      {"fr", 0, false, {kShift}}, {"ru", 0, false, {kControl, kCommand}},
+      {"us,ru", 0, true, {kAlt}}, {"us,ru", 1, true, {kShift, kControl}},
+  };
+  for (const Case& each : cases) {
+    keyboard.setLayout(each.layout);
+    const std::string keymap = TypingKeyboard::dump();
+    expectExact(each, text);
+    expectExact(Case{each.layout, each.group, true, {}}, sample);
+    expectExact(Case{each.layout, each.group, false, {kCommand}}, sample);
+    postKey(kShift, true);
+    postKey(kShift, false);
+    expectExact(Case{each.layout, each.group, false, {}}, sample);
+    keyboard.lockGroup(each.group);
+    quartz::letGo();
+    EXPECT_TRUE(TypingKeyboard::dump() == keymap) << "the keymap stays changed: " << each.layout;
+  }
+}
+
+}  // namespace
+}  // namespace tapdeck::testing
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  if (argc > 1 && std::strcmp(argv[1], "terminal") == 0) {
+    tapdeck::testing::kind = tapdeck::testing::TypingClient::Kind::terminal;
+  }
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace tapdeck::testing {
+
+/// More than two thousand characters as people see them, of many scripts: with more different ones
+/// than a keyboard's map has room for, and every one of ASCII's.
+std::string longText();
+
+/// A few of each kind.
+std::string shortText();
+
+/// Where and how they differ first, for people.
+std::string differenceOf(const std::string& sent, const std::string& received);
+
+}  // namespace tapdeck::testing
