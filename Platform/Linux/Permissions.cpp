@@ -1,14 +1,14 @@
 #include "Platform/Linux/Permissions.h"
 
-#include <gio/gio.h>
 #include <sys/stat.h>
 
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
+
+#include "Platform/Linux/KeyFile.h"
 
 namespace tapdeck::permissions {
 
@@ -16,16 +16,6 @@ namespace {
 
 constexpr const char* kGroup = "Permissions";
 constexpr std::array<const char*, 2> keys = {"control", "screenCapture"};
-
-struct KeyFileDeleter {
-  void operator()(GKeyFile* file) const { g_key_file_unref(file); }
-};
-using KeyFile = std::unique_ptr<GKeyFile, KeyFileDeleter>;
-
-struct ErrorDeleter {
-  void operator()(GError* error) const { g_error_free(error); }
-};
-using Error = std::unique_ptr<GError, ErrorDeleter>;
 
 /// What tells one state of the file from the next without reading it.
 struct Stamp {
@@ -64,19 +54,13 @@ std::optional<Stamp> stampOf(const std::string& path) {
                status.st_mtim.tv_nsec};
 }
 
-Error load(GKeyFile* file, const std::string& path) {
-  GError* error = nullptr;
-  g_key_file_load_from_file(file, path.c_str(), G_KEY_FILE_KEEP_COMMENTS, &error);
-  return Error(error);
-}
-
 /// A file that says something unreadable grants nothing: nobody can tell what the user withdrew.
 Settings read(const std::string& path) {
   Settings settings;
-  const KeyFile file(g_key_file_new());
-  if (const Error error = load(file.get(), path)) {
+  KeyFile file;
+  if (const auto failure = file.load(path)) {
     std::fprintf(stderr, "tapdeck: nothing is permitted, for %s cannot be read: %s\n", path.c_str(),
-                 error->message);
+                 failure->c_str());
     settings.granted.fill(false);
     return settings;
   }
@@ -85,19 +69,6 @@ Settings read(const std::string& path) {
     settings.granted[i] = g_key_file_get_boolean(file.get(), kGroup, keys[i], nullptr);
   }
   return settings;
-}
-
-/// Writes beside the file and renames, so that a reader meets the old state or the new one whole.
-Error save(GKeyFile* file, const std::string& path) {
-  const std::unique_ptr<char, decltype(&g_free)> folder(g_path_get_dirname(path.c_str()), g_free);
-  g_mkdir_with_parents(folder.get(), 0700);
-  gsize length = 0;
-  const std::unique_ptr<char, decltype(&g_free)> text(g_key_file_to_data(file, &length, nullptr),
-                                                      g_free);
-  GError* error = nullptr;
-  g_file_set_contents_full(path.c_str(), text.get(), static_cast<gssize>(length),
-                           G_FILE_SET_CONTENTS_CONSISTENT, 0600, &error);
-  return Error(error);
 }
 
 const Settings& current() {
@@ -125,14 +96,14 @@ void setGranted(Permission permission, bool granted) {
   settings.granted[static_cast<std::size_t>(permission)] = granted;
 
   const std::string path = settingsPath();
-  const KeyFile file(g_key_file_new());
+  KeyFile file;
   // What else stands in the file is kept where it can be read.
-  load(file.get(), path);
+  file.load(path);
   for (std::size_t i = 0; i < keys.size(); ++i) {
     g_key_file_set_boolean(file.get(), kGroup, keys[i], settings.granted[i]);
   }
-  if (const Error error = save(file.get(), path)) {
-    std::fprintf(stderr, "tapdeck: the permission holds for this run only: %s\n", error->message);
+  if (const auto failure = file.save(path)) {
+    std::fprintf(stderr, "tapdeck: the permission holds for this run only: %s\n", failure->c_str());
   }
   cache() = {settings, stampOf(path)};
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "Platform/Screens.h"
+#include "Tests/Support/Recording/LoginItems.h"
 
 namespace tapdeck::recording {
 
@@ -42,6 +43,8 @@ struct Script {
   std::optional<std::string> pasteboard;
   std::map<std::string, std::string> environment;
   bool urlsParse = true;
+
+  LoginItems loginItems;
 };
 
 /// The script in force. Main thread only, as everything here.

@@ -1,0 +1,18 @@
+#include "Platform/Log.h"
+
+#include <glib.h>
+
+namespace tapdeck::platform {
+
+void logError(const char* subsystem, const char* category, const std::string& message) {
+  // GLib hands it to the journal where standard error leads there, and else writes a line to it
+  const GLogField fields[] = {
+      {"MESSAGE", message.c_str(), -1},
+      {"PRIORITY", "3", -1},  // syslog's LOG_ERR
+      {"GLIB_DOMAIN", subsystem, -1},
+      {"TAPDECK_CATEGORY", category, -1},
+  };
+  g_log_structured_array(G_LOG_LEVEL_WARNING, fields, G_N_ELEMENTS(fields));
+}
+
+}  // namespace tapdeck::platform

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace tapdeck::platform {
+
+/// Unified logging: hands the system's log one message at error level, readable by whoever reads
+/// the log. Any thread.
+void logError(const char* subsystem, const char* category, const std::string& message);
+
+}  // namespace tapdeck::platform

@@ -1,0 +1,12 @@
+#include "Platform/Log.h"
+
+#include <os/log.h>
+
+namespace tapdeck::platform {
+
+void logError(const char* subsystem, const char* category, const std::string& message) {
+  // the same pair gives the same log each time; a string is private unless it is said to be public
+  os_log_error(os_log_create(subsystem, category), "%{public}s", message.c_str());
+}
+
+}  // namespace tapdeck::platform
