@@ -3,6 +3,9 @@
 #include <utility>
 
 #include "Platform/Queues.h"
+#include "Runner/Apps/Catalogue.h"
+#include "Runner/Apps/Icon.h"
+#include "Runner/Apps/Launching.h"
 #include "Runner/Clipboard.h"
 #include "Runner/Display/DisplayGeometry.h"
 #include "Runner/Input/Keyboard.h"
@@ -31,17 +34,20 @@ void notBuiltYet(const ControlCall&, Reply reply) {
 
 // ---- applications
 
+void getRunningApps(const ControlCall&, Reply reply) {
+  reply.success(Value(applicationCatalogue()));
+}
+
 void getAppIcon(const ControlCall& call, Reply reply) {
-  if (call.arguments.string("bundleId")) {
-    reply.notImplemented();
-  } else {
-    reply.success(Value(""));
-  }
+  const auto bundleId = call.arguments.string("bundleId");
+  reply.success(Value(bundleId ? applicationIcon(*bundleId) : ""));
 }
 
 void launchApp(const ControlCall& call, Reply reply) {
-  if (!call.arguments.string("bundleId")) return invalidArguments(reply, "bundleId required");
-  reply.notImplemented();
+  const auto bundleId = call.arguments.string("bundleId");
+  if (!bundleId) return invalidArguments(reply, "bundleId required");
+  launchApplication(*bundleId);
+  reply.success();
 }
 
 // ---- pointer
@@ -224,7 +230,7 @@ void setClipboard(const ControlCall& call, Reply reply) {
 }
 
 constexpr ControlMethod kControlMethods[] = {
-    {"getRunningApps", WindowGone::replyNull, notBuiltYet},
+    {"getRunningApps", WindowGone::replyNull, getRunningApps},
     {"getAppIcon", WindowGone::replyEmptyString, getAppIcon},
     {"launchApp", WindowGone::replyNull, launchApp},
     {"moveMouse", WindowGone::replyNull, moveMouseRow},

@@ -4,11 +4,14 @@ pkg_check_modules(FRONT_XCB REQUIRED IMPORTED_TARGET xcb)
 
 # The user's settings; apart because Quartz asks them too.
 tapdeck_library(tapdeck_usersettings
-  SOURCES Permissions.cpp
+  SOURCES KeyFile.cpp Permissions.cpp
   LINKS PkgConfig::FRONT_GLIB)
 
 # The fronts of the Objective-C frameworks.
 tapdeck_library(tapdeck_platform
-  SOURCES Clock.cpp Pasteboard.cpp ProcessInfo.cpp Queues.cpp SelectionReader.cpp Workspace.cpp
-  LINKS tapdeck_front tapdeck_quartz tapdeck_usersettings PkgConfig::GTKMM PkgConfig::FRONT_GLIB
-        PkgConfig::FRONT_XCB)
+  SOURCES Applications.cpp Applications/BundleFolders.cpp Applications/DesktopEntries.cpp
+          Applications/DesktopFiles.cpp Applications/Launch.cpp Applications/ManagedWindows.cpp
+          Clock.cpp Files.cpp Images.cpp Log.cpp LoginItems.cpp MainBundle.cpp Pasteboard.cpp
+          ProcessInfo.cpp PropertyLists.cpp Queues.cpp SelectionReader.cpp UserDefaults.cpp Workspace.cpp
+  LINKS tapdeck_front tapdeck_engine tapdeck_quartz tapdeck_usersettings PkgConfig::GTKMM
+        PkgConfig::FRONT_GLIB PkgConfig::FRONT_XCB)

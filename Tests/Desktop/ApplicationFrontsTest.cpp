@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/time.h>
 
@@ -16,7 +16,7 @@
 #include "Platform/Linux/Queues.h"
 #include "Platform/ProcessInfo.h"
 #include "Platform/Workspace.h"
-#include "Tests/Desktop/ApplicationProcess.h"
+#include "Tests/Support/MainLoop.h"
 
 namespace tapdeck::testing {
 namespace {
@@ -30,40 +30,36 @@ class UserSettingsTest : public ::testing::Test {
   void TearDown() override { std::filesystem::remove(path); }
 
   void write(const std::string& text) { std::ofstream(path) << text; }
-  std::string written() const {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
 
   const std::filesystem::path path = permissions::settingsPath();
 };
 
 TEST_F(UserSettingsTest, FollowTheFileAtOnce) {
-  const auto expectGranted = [](bool control, bool screen) {
-    EXPECT_EQ(isGranted(Permission::control), control);
-    EXPECT_EQ(isGranted(Permission::screenCapture), screen);
+  const std::tuple<const char*, bool, bool> cases[] = {
+      {"[Permissions]\ncontrol=false\n", false, true},
+      {"[Permissions]\ncontrol=true\nscreenCapture=false\n", true, false},
+      {"what is this?", false, false},
+      {"[Permissions]\ncontrol=perhaps\n", false, true},
   };
-  expectGranted(true, true);
-  write("[Permissions]\ncontrol=false\n");
-  expectGranted(false, true);
-  write("[Permissions]\ncontrol=true\nscreenCapture=false\n");
-  expectGranted(true, false);
-  write("what is this?");
-  expectGranted(false, false);
-  write("[Permissions]\ncontrol=perhaps\n");
-  expectGranted(false, true);
+  for (const auto& [text, control, screen] : cases) {
+    write(text);
+    EXPECT_EQ(isGranted(Permission::control), control) << text;
+    EXPECT_EQ(isGranted(Permission::screenCapture), screen) << text;
+  }
   std::filesystem::remove(path);
-  expectGranted(true, true);
+  EXPECT_TRUE(isGranted(Permission::control));
+  EXPECT_TRUE(isGranted(Permission::screenCapture));
 }
 
 TEST_F(UserSettingsTest, KeepsTheDecisionAndWhatElseIsWritten) {
   write("# mine\n[Permissions]\nscreenCapture=false\n[Other]\nkey=value\n");
   permissions::setGranted(Permission::control, false);
-  EXPECT_FALSE(isGranted(Permission::control));
-  EXPECT_FALSE(isGranted(Permission::screenCapture));
+  std::ifstream file(path);
+  const std::string written(std::istreambuf_iterator<char>(file), {});
   for (const char* part : {"# mine", "control=false", "screenCapture=false", "key=value"}) {
-    EXPECT_NE(written().find(part), std::string::npos) << written();
+    EXPECT_THAT(written, ::testing::HasSubstr(part));
   }
+  EXPECT_FALSE(isGranted(Permission::control));
   permissions::setGranted(Permission::control, true);
   EXPECT_TRUE(isGranted(Permission::control));
 }
@@ -106,15 +102,14 @@ TEST(QueuesTest, RunsMainWorkInOrderAndGlobalWorkElsewhere) {
   std::vector<int> order;
   std::atomic<bool> elsewhere = false;
   const auto main = std::this_thread::get_id();
-  for (int i = 0; i < 3; ++i) {
-    platform::asyncOnMain([&order, i] { order.push_back(i); });
-  }
+  for (const int i : {0, 1, 2}) platform::asyncOnMain([&order, i] { order.push_back(i); });
   platform::asyncOnGlobal(platform::QualityOfService::utility, [&] {
     elsewhere = std::this_thread::get_id() != main;
     platform::asyncOnMain([&order] { order.push_back(3); });
   });
   EXPECT_TRUE(order.empty());
-  EXPECT_TRUE(loopUntil([&order] { return order.size() == 4; }));
+  EXPECT_TRUE(eventually([&order] { return order.size() == 4; }));
+  EXPECT_EQ(order, (std::vector{0, 1, 2, 3}));
   EXPECT_TRUE(elsewhere);
 
   std::atomic<bool> release = false;
@@ -127,20 +122,15 @@ TEST(QueuesTest, RunsMainWorkInOrderAndGlobalWorkElsewhere) {
 }
 
 TEST(BrowserNameTest, SaysWhatPeopleSay) {
-  const std::string webKit = "AppleWebKit/537.36 (KHTML, like Gecko) ";
-  EXPECT_EQ(browserName("Mozilla/5.0 (iPhone; CPU iPhone OS 17_0 like Mac OS X) " + webKit +
-                        "Version/17.0 Mobile/15E148 Safari/604.1"),
-            "Safari on iPhone");
-  EXPECT_EQ(browserName("Mozilla/5.0 (Linux; Android 10; K) " + webKit +
-                        "Chrome/120.0.0.0 Mobile Safari/537.36"),
-            "Chrome on Android");
-  EXPECT_EQ(browserName("Mozilla/5.0 (Windows NT 10.0; Win64) " + webKit +
-                        "Chrome/120.0.0.0 Safari/537.36 Edg/120.0"),
-            "Edge on Windows");
-  EXPECT_EQ(browserName("Mozilla/5.0 (X11; Linux x86_64; rv:120.0) Gecko/20100101 Firefox/120.0"),
-            "Firefox on Linux");
-  EXPECT_EQ(browserName("tapdeck-call/1"), "tapdeck-call");
-  EXPECT_EQ(browserName(""), "Unknown program");
+  const std::pair<const char*, const char*> cases[] = {
+      {"Mozilla/5.0 (iPhone; iPhone OS 17_0 like Mac OS X) Safari/604.1", "Safari on iPhone"},
+      {"Mozilla/5.0 (Linux; Android 10) Chrome/120.0 Mobile Safari/537.36", "Chrome on Android"},
+      {"Mozilla/5.0 (Windows NT 10.0) Chrome/120.0 Safari/537.36 Edg/120.0", "Edge on Windows"},
+      {"Mozilla/5.0 (X11; Linux x86_64) Gecko/20100101 Firefox/120.0", "Firefox on Linux"},
+      {"tapdeck-call/1", "tapdeck-call"},
+      {"", "Unknown program"},
+  };
+  for (const auto& [userAgent, name] : cases) EXPECT_EQ(browserName(userAgent), name);
 }
 
 }  // namespace

@@ -29,11 +29,12 @@ void putThereByXclip(const std::string& text) {
   const TemporaryFolder folder;
   const auto file = folder.path / "text";
   std::ofstream(file, std::ios::binary) << text;
-  const auto ownerBefore = selectionOwner("CLIPBOARD");
+  const Observer observer;
+  const auto ownerBefore = observer.selectionOwner("CLIPBOARD");
   outputOf({"xclip", "-selection", "clipboard", file.string()});
   // It goes to the background before the X server has its request to own the selection.
-  ASSERT_TRUE(loopUntil([&] {
-    const auto owner = selectionOwner("CLIPBOARD");
+  ASSERT_TRUE(eventually([&] {
+    const auto owner = observer.selectionOwner("CLIPBOARD");
     return owner != XCB_WINDOW_NONE && owner != ownerBefore;
   }));
 }
@@ -51,17 +52,16 @@ TEST(PasteboardTest, TakesTheTextOfOtherClients) {
 }
 
 TEST(PasteboardTest, GivesItsTextToItselfAndToOthers) {
-  for (const std::string& text :
-       {std::string("wörld 🎉"), longText(2'000'000), longText(10'000'000)}) {
+  for (const std::string& text : {std::string("wörld 🎉"), longText(10'000'000)}) {
     setPasteboardString(text);
     EXPECT_TRUE(pasteboardString() == text) << text.size() << " bytes";
     EXPECT_TRUE(seenByXclip() == text) << text.size() << " bytes";
   }
-  EXPECT_EQ(outputOf({"xsel", "-b", "-o"}), longText(10'000'000));
-  setPasteboardString("");
-  EXPECT_EQ(pasteboardString(), "");
-  setPasteboardString(std::string("nul\0inside", 10));
-  EXPECT_EQ(pasteboardString(), std::string("nul\0inside", 10));
+  EXPECT_TRUE(outputOf({"xsel", "-b", "-o"}) == longText(10'000'000));
+  for (const std::string& text : {std::string(), std::string("nul\0inside", 10)}) {
+    setPasteboardString(text);
+    EXPECT_EQ(pasteboardString(), text);
+  }
   putThereByXclip("theirs");
   EXPECT_EQ(pasteboardString(), "theirs");
 }
@@ -77,19 +77,25 @@ TEST(PasteboardTest, ClearingTakesAwayWhoeversTextItIs) {
 }
 
 TEST(PasteboardTest, UnderstandsTheFormsThatOwnersOffer) {
-  const auto read = [](const std::string& onlyTarget, const Form& form) {
-    const SelectionOwner owner("CLIPBOARD", [&](const std::string& target) -> std::optional<Form> {
-      if (target != onlyTarget) return std::nullopt;
-      return form;
-    });
-    return pasteboardString();
+  struct Case {
+    std::string target;
+    Form form;
+    std::optional<std::string> text;
   };
-  EXPECT_EQ(read("STRING", {"STRING", "caf\xE9"}), "café");
-  EXPECT_EQ(read("TEXT", {"UTF8_STRING", "café"}), "café");
-  EXPECT_EQ(read("UTF8_STRING", {"UTF8_STRING", "a\xFFz"}), "a\xEF\xBF\xBDz");
-  EXPECT_EQ(read("UTF8_STRING", {"UTF8_STRING", std::string("a\0b\0", 4)}), std::string("a\0b", 3));
-  EXPECT_EQ(read("UTF8_STRING", {"UTF8_STRING", ""}), "");
-  EXPECT_EQ(read("image/png", {"image/png", "\x89PNG"}), std::nullopt);
+  const Case cases[] = {
+      {"STRING", {"STRING", "caf\xE9"}, "café"},
+      {"TEXT", {"UTF8_STRING", "café"}, "café"},
+      {"UTF8_STRING", {"UTF8_STRING", "a\xFFz"}, "a\xEF\xBF\xBDz"},
+      {"UTF8_STRING", {"UTF8_STRING", std::string("a\0b\0", 4)}, std::string("a\0b", 3)},
+      {"UTF8_STRING", {"UTF8_STRING", ""}, ""},
+      {"image/png", {"image/png", "\x89PNG"}, std::nullopt},
+  };
+  for (const auto& [target, form, text] : cases) {
+    const SelectionOwner owner("CLIPBOARD", [&](const std::string& asked) {
+      return asked == target ? std::optional(form) : std::nullopt;
+    });
+    EXPECT_EQ(pasteboardString(), text) << target;
+  }
 }
 
 TEST(PasteboardTest, WaitsForNoOwnerForEver) {
@@ -107,18 +113,16 @@ TEST(PasteboardTest, WaitsForNoOwnerForEver) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, limit) << fate;
   }
   EXPECT_FALSE(otherWorkRan) << "other calls were answered while this one waited";
-  EXPECT_TRUE(loopUntil([&otherWorkRan] { return otherWorkRan; }));
+  EXPECT_TRUE(eventually([&otherWorkRan] { return otherWorkRan; }));
 }
 
 TEST(PasteboardTest, AsksTheClipboardManagerToKeepTheText) {
   std::string kept;
   const std::string display = gdk_display_get_name(gdk_display_get_default());
-  const SelectionOwner manager("CLIPBOARD_MANAGER",
-                               [&](const std::string& target) -> std::optional<Form> {
-                                 if (target != "SAVE_TARGETS") return std::nullopt;
-                                 kept = platform::readSelection(display, "CLIPBOARD").value_or("");
-                                 return Form{"NULL", ""};
-                               });
+  const SelectionOwner manager("CLIPBOARD_MANAGER", [&](const std::string& target) {
+    if (target == "SAVE_TARGETS") kept = platform::readSelection(display, "CLIPBOARD").value_or("");
+    return Form{"NULL", ""};
+  });
   setPasteboardString("to be kept");
   platform::storePasteboard();
   EXPECT_EQ(kept, "to be kept");

@@ -2,12 +2,11 @@
 
 #include <gio/gio.h>
 
-#include <chrono>
-#include <filesystem>
-#include <functional>
-#include <memory>
 #include <string>
 #include <vector>
+
+#include "Tests/Support/MainLoop.h"
+#include "Tests/Support/Surroundings.h"
 
 namespace tapdeck::testing {
 
@@ -15,46 +14,38 @@ namespace tapdeck::testing {
 extern std::string hostProgram;
 extern std::string callProgram;
 
-/// Runs the main loop until the condition holds; false when it does not in time.
-bool loopUntil(const std::function<bool()>& holds,
-               std::chrono::seconds atMost = std::chrono::seconds(10));
-
-/// A folder that goes with its contents.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder() { std::filesystem::remove_all(path); }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  std::filesystem::path path;
-};
-
-/// A child process; killed with this object. The main loop runs while something is waited for.
+/// A child process; killed with this object.
 class ChildProcess {
  public:
-  /// A variable of the environment with its value; a null value takes it away.
-  using Variable = std::pair<std::string, const char*>;
-  explicit ChildProcess(std::vector<std::string> arguments, std::vector<Variable> variables = {});
+  explicit ChildProcess(const std::vector<std::string>& arguments);
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  int id() const;
-  void send(int signal);
-  bool isRunning() const { return !_ended; }
-  /// Its exit status; -1 when a signal ended it or it does not end in time.
+  int id() const { return std::atoi(g_subprocess_get_identifier(_process)); }
+  void send(int signal) { g_subprocess_send_signal(_process, signal); }
+  /// At once, and waits until it is gone; the main loop does not run meanwhile.
+  void kill();
+  bool isRunning() const { return g_subprocess_get_identifier(_process) != nullptr; }
+  /// Its exit status, for which the main loop runs; -1 when a signal ended it or it does not end.
   int status();
+  /// Runs the main loop until it has written a line; false when it ends before.
+  bool awaitLine() const;
   /// What it wrote so far.
   std::string output() const;
   std::string errors() const;
 
  private:
   TemporaryFolder _folder;
-  GSubprocess* _process = nullptr;
-  bool _ended = false;
+  GSubprocess* _process;
 };
 
+/// `eventually` by its other name.
+inline bool loopUntil(const std::function<bool()>& holds) {
+  return eventually(holds);
+}
+
 /// Runs a command to its end and takes its standard output.
-std::string outputOf(std::vector<std::string> arguments);
+std::string outputOf(const std::vector<std::string>& arguments);
 
 }  // namespace tapdeck::testing

@@ -1,20 +1,17 @@
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include <atomic>
 #include <functional>
 #include <optional>
 #include <string>
 #include <thread>
 
+#include "Tests/Desktop/Observer.h"
+
 namespace tapdeck::testing {
 
-/// The window that owns a selection now, or XCB_WINDOW_NONE.
-xcb_window_t selectionOwner(const std::string& selection);
-
-/// Another client that owns a selection and answers for it as a test wants, from a thread and a
-/// connection of its own.
+/// Another client that owns a selection and answers for it as a test wants, from a thread of its
+/// own.
 class SelectionOwner {
  public:
   struct Form {
@@ -37,11 +34,10 @@ class SelectionOwner {
  private:
   void serve();
   void answer(const xcb_selection_request_event_t& request);
-  std::string nameOf(xcb_atom_t atom);
 
   Answer _answer;
-  xcb_connection_t* _connection;
-  xcb_window_t _window = 0;
+  Observer _client;
+  xcb_window_t _window;
   std::atomic<bool> _ended = false;
   std::thread _thread;
 };

@@ -1,7 +1,8 @@
 #include <ApplicationServices/ApplicationServices.h>
-#include <glib.h>
+#include <endian.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -27,16 +28,17 @@ std::string connectError(const char* display) {
 }
 
 TEST(ConnectTest, SaysWhatIsMissingAndWhatToDo) {
-  const auto expectText = [](const std::string& message, const std::string& part) {
+  const auto expectError = [](const char* display, const std::string& part) {
+    const std::string message = connectError(display);
     EXPECT_NE(message.find(part), std::string::npos) << message;
   };
-  expectText(connectError(nullptr), "set DISPLAY");
-  expectText(connectError(""), "set DISPLAY");
-  expectText(connectError("nonsense"), "not the name of an X display");
-  expectText(connectError(":6999"), "Check that its X server is running");
+  expectError(nullptr, "set DISPLAY");
+  expectError("", "set DISPLAY");
+  expectError("nonsense", "not the name of an X display");
+  expectError(":6999", "Check that its X server is running");
   for (const std::string extension : {"XTEST", "XFIXES", "RANDR"}) {
     const PrivateServer server({"-extension", extension});
-    expectText(connectError(server.display().c_str()), "has no " + extension + " extension");
+    expectError(server.display().c_str(), "has no " + extension + " extension");
   }
 }
 
@@ -46,14 +48,15 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
   {
     const DisplayVariable variable(server.display().c_str());
     quartz::connectToWindowServer();
+    platform::observeScreenParameters([&changes] { ++changes; });
   }
   ASSERT_EQ(platform::screens().size(), 1U);
-  platform::observeScreenParameters([&changes] { ++changes; });
   const CGPoint place = CGPointMake(10, 10);
-  const Owned press(
-      CGEventCreateMouseEvent(nullptr, kCGEventLeftMouseDown, place, kCGMouseButtonLeft));
-  const Owned release(
-      CGEventCreateMouseEvent(nullptr, kCGEventLeftMouseUp, place, kCGMouseButtonLeft));
+  const auto mouseEvent = [place](CGEventType type) {
+    return Owned(CGEventCreateMouseEvent(nullptr, type, place, kCGMouseButtonLeft));
+  };
+  const auto press = mouseEvent(kCGEventLeftMouseDown);
+  const auto release = mouseEvent(kCGEventLeftMouseUp);
   const Owned scroll(
       CGEventCreateScrollWheelEvent2(nullptr, kCGScrollEventUnitPixel, 1, 500, 0, 0));
   CGEventPost(kCGHIDEventTap, press.get());
@@ -78,76 +81,46 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
   EXPECT_EQ(quartz::pixelsPerPoint(), 1);
   quartz::letGo();
   // the watch on the dead connection ends too: the loop runs dry instead of turning for ever
+  runFor(std::chrono::milliseconds(100));
   EXPECT_TRUE(eventually([] { return g_main_context_pending(nullptr) == FALSE; }));
   EXPECT_EQ(changes, 0);
   quartz::connectToWindowServer();
   EXPECT_EQ(platform::screens().size(), 1U);
 }
 
-/// Reads the screen as the server shows it, cursor included, which no request of the protocol does.
-class Framebuffer {
- public:
-  Framebuffer() {
-    std::string name = (std::filesystem::temp_directory_path() / "framebuffer.XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp");
-    _folder = name;
-  }
-  ~Framebuffer() { std::filesystem::remove_all(_folder); }
-  Framebuffer(const Framebuffer&) = delete;
-  Framebuffer& operator=(const Framebuffer&) = delete;
-
-  std::string folder() const { return _folder.string(); }
-  /// Whether anything but white stands within 16 pixels of the place.
-  bool isMarked(size_t x, size_t y) const {
-    std::ifstream file(_folder / "Xvfb_screen0", std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(file), {});
-    // an image in the XWD format: 100 bytes of big-endian header words, a name, colours, rows
-    const auto word = [&bytes](size_t index) {
-      size_t value = 0;
-      for (size_t i = 0; i < 4; ++i) {
-        value = value << 8 | static_cast<uint8_t>(bytes.at(4 * index + i));
-      }
-      return value;
-    };
-    const size_t headerSize = word(0);
-    const size_t bytesPerLine = word(12);
-    const size_t colours = word(19);
-    const size_t pixels = headerSize + 12 * colours;
-    for (size_t row = y - 16; row < y + 16; ++row) {
-      for (size_t column = x - 16; column < x + 16; ++column) {
-        const size_t start = pixels + row * bytesPerLine + column * 4;
-        if (bytes.compare(start, 3, "\xff\xff\xff") != 0) return true;
-      }
+/// Whether anything but white stands within 16 pixels of the place, on the screen as the server
+/// shows it in its folder: cursor included, which no request of the protocol tells.
+bool isMarked(const std::filesystem::path& folder, size_t x, size_t y) {
+  std::ifstream file(folder / "Xvfb_screen0", std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(file), {});
+  // an image in the XWD format: big-endian header words, a name, colours of 12 bytes, rows
+  const auto word = [&bytes](size_t index) {
+    uint32_t value = 0;
+    std::memcpy(&value, &bytes.at(4 * index), sizeof value);
+    return be32toh(value);
+  };
+  const size_t pixels = word(0) + 12 * word(19);
+  const size_t bytesPerLine = word(12);
+  for (size_t row = y - 16; row < y + 16; ++row) {
+    for (size_t column = x - 16; column < x + 16; ++column) {
+      const size_t start = pixels + row * bytesPerLine + column * 4;
+      if (bytes.compare(start, 3, "\xff\xff\xff") != 0) return true;
     }
-    return false;
   }
-
- private:
-  std::filesystem::path _folder;
-};
+  return false;
+}
 
 TEST(CursorTest, ShowsAgainAfterAsManyShowsAsHides) {
-  const Framebuffer screen;
-  const PrivateServer server({"-fbdir", screen.folder()});
+  const TemporaryFolder screen;
+  // whose root window, unlike a modern one's, has a cursor
+  const PrivateServer server({"-retro", "-fbdir", screen.path});
   const DisplayVariable variable(server.display().c_str());
   quartz::connectToWindowServer();
   Observer observer;
-  const xcb_window_t window = observer.coverScreen();
-  const xcb_font_t font = xcb_generate_id(observer.get());
-  const xcb_cursor_t cross = xcb_generate_id(observer.get());
-  const std::string name = "cursor";
-  xcb_open_font(observer.get(), font, static_cast<uint16_t>(name.size()), name.data());
-  xcb_create_glyph_cursor(observer.get(), cross, font, font, 0, 1, 0, 0, 0, 0xffff, 0xffff, 0xffff);
-  xcb_change_window_attributes(observer.get(), window, XCB_CW_CURSOR, &cross);
-  observer.sync();
+  observer.coverScreen();
   CGWarpMouseCursorPosition(CGPointMake(100, 100));
-  const auto isShown = [&] { return screen.isMarked(100, 100); };
-  const auto isHidden = [&] { return !screen.isMarked(100, 100); };
-  const auto staysHidden = [&] {
-    // the server draws the cursor when it has run out of requests, so before it takes the second
-    for (int i = 0; i < 2; ++i) CGMainDisplayID();
-    return isHidden();
-  };
+  const auto isShown = [&] { return isMarked(screen.path, 100, 100); };
+  const auto isHidden = [&] { return !isShown(); };
 
   ASSERT_TRUE(eventually(isShown));
   CGDisplayShowCursor(0);
@@ -155,7 +128,9 @@ TEST(CursorTest, ShowsAgainAfterAsManyShowsAsHides) {
   EXPECT_TRUE(eventually(isHidden));
   CGDisplayHideCursor(0);
   CGDisplayShowCursor(0);
-  EXPECT_TRUE(staysHidden());
+  // the server draws the cursor when it has run out of requests, so before it takes the second
+  for (int i = 0; i < 2; ++i) CGMainDisplayID();
+  EXPECT_TRUE(isHidden());
   CGDisplayShowCursor(0);
   EXPECT_TRUE(eventually(isShown));
 

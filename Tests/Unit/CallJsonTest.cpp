@@ -11,8 +11,8 @@
 namespace tapdeck {
 namespace {
 
-std::string line(const Value& value) {
-  return lineOf(jsonFromValue(value));
+std::string line(const Outcome& outcome) {
+  return lineOf(jsonFromOutcome(outcome));
 }
 
 TEST(CallJsonTest, ReadsArguments) {
@@ -21,7 +21,6 @@ TEST(CallJsonTest, ReadsArguments) {
   EXPECT_EQ(valueFromJson("-9223372036854775808"), Value(INT64_MIN));
   EXPECT_EQ(valueFromJson("9223372036854775807"), Value(INT64_MAX));
   EXPECT_EQ(valueFromJson("9223372036854775808"), Value(9223372036854775808.0));
-  EXPECT_EQ(valueFromJson("1e2"), Value(100.0));
   EXPECT_EQ(valueFromJson("null"), Value());
   EXPECT_EQ(valueFromJson(R"({"base64": "AA=="})"), Value(ValueMap{{"base64", Value("AA==")}}));
   EXPECT_EQ(valueFromJson(R"(["é", true, {"b": 1, "a": []}])"),
@@ -30,9 +29,8 @@ TEST(CallJsonTest, ReadsArguments) {
   const int limit = codec::kDepthLimit;
   EXPECT_TRUE(codec::decodeMessage(
       codec::encodeMessage(valueFromJson(std::string(limit, '[') + std::string(limit, ']')))));
-  EXPECT_THROW(valueFromJson(std::string(limit + 1, '[') + std::string(limit + 1, ']')),
-               std::invalid_argument);
-  for (const char* bad : {"", "{", "nul", "1 2", "\"\xFF\""}) {
+  const std::string tooDeep = std::string(limit + 1, '[') + std::string(limit + 1, ']');
+  for (const char* bad : {"", "{", "nul", "1 2", "\"\xFF\"", tooDeep.c_str()}) {
     EXPECT_THROW(valueFromJson(bad), std::invalid_argument) << bad;
   }
 }
@@ -52,10 +50,9 @@ TEST(CallJsonTest, PrintsReplies) {
   map.set(Value(), Value(Value::List{}));
   EXPECT_EQ(line(Value(map)), R"({"z":1,"a":2,"7":null,"null":[]})");
 
-  EXPECT_EQ(lineOf(jsonFromOutcome(Value(1))), "1");
-  EXPECT_EQ(lineOf(jsonFromOutcome(MethodError{"C", "m", Value(Value::Bytes{0})})),
+  EXPECT_EQ(line(MethodError{"C", "m", Value(Value::Bytes{0})}),
             R"({"error":{"code":"C","message":"m","details":{"base64":"AA=="}}})");
-  EXPECT_EQ(lineOf(jsonFromOutcome(NotImplemented{})), R"({"notImplemented":true})");
+  EXPECT_EQ(line(NotImplemented{}), R"({"notImplemented":true})");
 }
 
 TEST(CallJsonTest, ReadsCommandLine) {

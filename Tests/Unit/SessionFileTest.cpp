@@ -2,49 +2,30 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
 #include <string>
 
 #include "Platform/Linux/SessionFile.h"
+#include "Tests/Support/Surroundings.h"
 
 namespace tapdeck {
 namespace {
 
 namespace fs = std::filesystem;
 
-/// A runtime directory of its own; the variables come back afterwards.
+mode_t modeOf(const fs::path& path) {
+  struct stat status = {};
+  EXPECT_EQ(::lstat(path.c_str(), &status), 0);
+  return status.st_mode & 07777;
+}
+
 class SessionFileTest : public testing::Test {
  protected:
-  SessionFileTest() {
-    std::string pattern = (fs::temp_directory_path() / "session-test-XXXXXX").string();
-    _directory = ::mkdtemp(pattern.data());
-    ::setenv("XDG_RUNTIME_DIR", _directory.c_str(), 1);
-  }
-  ~SessionFileTest() override {
-    fs::remove_all(_directory);
-    restore("XDG_RUNTIME_DIR", _runtime);
-    restore("TMPDIR", _temporary);
-  }
-
-  static std::optional<std::string> variable(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
-  }
-  static void restore(const char* name, const std::optional<std::string>& value) {
-    value ? ::setenv(name, value->c_str(), 1) : ::unsetenv(name);
-  }
-  static mode_t modeOf(const fs::path& path) {
-    struct stat status = {};
-    EXPECT_EQ(::lstat(path.c_str(), &status), 0);
-    return status.st_mode & 07777;
-  }
-
-  const std::optional<std::string> _runtime = variable("XDG_RUNTIME_DIR");
-  const std::optional<std::string> _temporary = variable("TMPDIR");
-  fs::path _directory;
+  const TemporaryFolder _runtime;
+  const EnvironmentVariable _variable{"XDG_RUNTIME_DIR", _runtime.path.c_str()};
+  const fs::path _folder = _runtime.path / "tapdeck";
   const Session _session{"http://127.0.0.1:8420/#00ff", 8420, "00ff", 4711};
 };
 
@@ -58,10 +39,10 @@ TEST_F(SessionFileTest, RoundTripsPrivately) {
   EXPECT_EQ(back->port, _session.port);
   EXPECT_EQ(back->token, _session.token);
   EXPECT_EQ(back->pid, _session.pid);
-  EXPECT_EQ(sessionFilePath(), _directory / "tapdeck" / "session.json");
+  EXPECT_EQ(sessionFilePath(), _folder / "session.json");
   EXPECT_EQ(modeOf(sessionFilePath()), 0600u);
-  EXPECT_EQ(modeOf(_directory / "tapdeck"), 0700u);
-  EXPECT_EQ(std::distance(fs::directory_iterator(_directory / "tapdeck"), {}), 1)
+  EXPECT_EQ(modeOf(_folder), 0700u);
+  EXPECT_EQ(std::distance(fs::directory_iterator(_folder), {}), 1)
       << "no temporary file stays behind";
 
   removeSession(_session.pid + 1);
@@ -71,20 +52,20 @@ TEST_F(SessionFileTest, RoundTripsPrivately) {
 }
 
 TEST_F(SessionFileTest, RefusesFolderThatIsNotItsOwn) {
-  fs::create_directory(_directory / "elsewhere");
-  fs::create_directory_symlink(_directory / "elsewhere", _directory / "tapdeck");
+  const TemporaryFolder elsewhere;
+  fs::create_directory_symlink(elsewhere.path, _folder);
   EXPECT_THROW(writeSession(_session), std::runtime_error);
-  EXPECT_TRUE(fs::is_empty(_directory / "elsewhere"));
+  EXPECT_TRUE(fs::is_empty(elsewhere.path));
 
-  fs::remove(_directory / "tapdeck");
-  std::ofstream(_directory / "tapdeck") << "a file";
+  fs::remove(_folder);
+  std::ofstream(_folder) << "a file";
   EXPECT_THROW(writeSession(_session), std::runtime_error);
 
-  fs::remove(_directory / "tapdeck");
-  fs::create_directory(_directory / "tapdeck");
-  fs::permissions(_directory / "tapdeck", fs::perms::all);
+  fs::remove(_folder);
+  fs::create_directory(_folder);
+  fs::permissions(_folder, fs::perms::all);
   writeSession(_session);
-  EXPECT_EQ(modeOf(_directory / "tapdeck"), 0700u);
+  EXPECT_EQ(modeOf(_folder), 0700u);
 }
 
 TEST_F(SessionFileTest, ReadsNothingFromWhatIsNoSession) {
@@ -99,12 +80,12 @@ TEST_F(SessionFileTest, ReadsNothingFromWhatIsNoSession) {
 }
 
 TEST_F(SessionFileTest, FallsBackToTemporaryDirectory) {
-  ::unsetenv("XDG_RUNTIME_DIR");
-  ::setenv("TMPDIR", _directory.c_str(), 1);
-  const auto folder = "tapdeck-" + std::to_string(::geteuid());
-  EXPECT_EQ(sessionFilePath(), _directory / folder / "session.json");
-  ::unsetenv("TMPDIR");
-  EXPECT_EQ(sessionFilePath(), fs::path("/tmp") / folder / "session.json");
+  const EnvironmentVariable none("XDG_RUNTIME_DIR", nullptr);
+  const auto file = fs::path("tapdeck-" + std::to_string(::geteuid())) / "session.json";
+  for (const char* folder : {_runtime.path.c_str(), static_cast<const char*>(nullptr)}) {
+    const EnvironmentVariable temporary("TMPDIR", folder);
+    EXPECT_EQ(sessionFilePath(), (folder == nullptr ? "/tmp" : folder) / file);
+  }
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ Value replyMessage(int64_t id, const std::string& channel, const Outcome& outcom
   return Value(Value::List{Value(id), Value(channel), envelope ? Value(*envelope) : Value()});
 }
 
-class StandInChannel : public StandInTest {};
+using StandInChannel = StandInTest;
 
 TEST_F(StandInChannel, CallsAndReplies) {
   std::vector<MethodCall> received;
@@ -26,7 +26,7 @@ TEST_F(StandInChannel, CallsAndReplies) {
     if (call.method == "later") {
       kept.push_back(std::move(reply));
     } else if (call.method == "fail") {
-      reply.error("CODE", "text");
+      reply.error("CODE", "text", Value("details"));
     } else {
       reply.success(call.arguments);
     }
@@ -42,7 +42,7 @@ TEST_F(StandInChannel, CallsAndReplies) {
   ASSERT_TRUE(page->waitForMessages(4));
   EXPECT_THAT(page->messages(),
               ElementsAre(replyMessage(int64_t{1} << 40, "c", arguments),
-                          replyMessage(9, "c", MethodError{"CODE", "text", Value()}),
+                          replyMessage(9, "c", MethodError{"CODE", "text", Value("details")}),
                           replyMessage(10, "nobody", NotImplemented{}),
                           replyMessage(7, "c", NotImplemented{})));
   EXPECT_EQ(received.at(1).arguments, arguments);
@@ -56,11 +56,11 @@ TEST_F(StandInChannel, CallsAndReplies) {
 TEST_F(StandInChannel, HostCallsReachEveryPage) {
   const auto first = openPage(), second = openPage();
   engine->invokeMethod(kControl, "displaysChanged", Value("now"));
-  ASSERT_TRUE(first->waitForMessages(1));
-  ASSERT_TRUE(second->waitForMessages(1));
-  const Value expected = requestMessage(0, kControl, {"displaysChanged", Value("now")});
-  EXPECT_THAT(first->messages(), ElementsAre(expected));
-  EXPECT_THAT(second->messages(), ElementsAre(expected));
+  for (const auto* page : {first.get(), second.get()}) {
+    ASSERT_TRUE(page->waitForMessages(1));
+    EXPECT_THAT(page->messages(),
+                ElementsAre(requestMessage(0, kControl, {"displaysChanged", Value("now")})));
+  }
 }
 
 TEST_F(StandInChannel, PeersAreSeenToComeAndGo) {
@@ -70,9 +70,9 @@ TEST_F(StandInChannel, PeersAreSeenToComeAndGo) {
   EXPECT_EQ(engine->peers().front().address, "127.0.0.1");
   auto other = openPage();
   page->close();
-  ASSERT_TRUE(waitUntil([&] { return counts.size() == 3; }));
+  ASSERT_TRUE(waitForPeers(1));
   other->vanish();
-  ASSERT_TRUE(waitUntil([&] { return counts.size() == 4; }));
+  ASSERT_TRUE(waitForPeers(0));
   EXPECT_THAT(counts, ElementsAre(1, 2, 1, 0));
 }
 
@@ -88,11 +88,8 @@ TEST_F(StandInChannel, BrokenProtocolEndsOnlyThatConnection) {
   };
   codec::Bytes cut = codec::encodeMessage(good);
   cut.pop_back();
-  struct Case {
-    codec::Bytes message;
-    int code;
-  };
-  const Case cases[] = {
+  const MethodCall oddKey{"keyDown", Value(ValueMap{{"key", Value(std::string(1000, 'k'))}})};
+  const std::pair<codec::Bytes, int> cases[] = {
       {cut, 1007},
       {{}, 1007},
       {codec::encodeMessage(Value("text")), 1002},
@@ -104,13 +101,14 @@ TEST_F(StandInChannel, BrokenProtocolEndsOnlyThatConnection) {
       {altered(2, Value()), 1002},
       {altered(2, Value(Value::Bytes{0xff})), 1007},
       {altered(2, Value(codec::encodeMessage(Value(3)))), 1007},
+      {codec::encodeMessage(requestMessage(1, kControl, oddKey)), 1008},
   };
-  for (const Case& each : cases) {
+  for (const auto& [message, code] : cases) {
     const auto page = openPage();
-    page->send(each.message);
+    page->send(message);
     // What comes after it is not looked at any more.
     page->call(2, kControl, {"click", Value()});
-    EXPECT_EQ(page->waitForClose(), each.code) << &each - cases;
+    EXPECT_EQ(page->waitForClose(), code) << testing::PrintToString(message);
   }
   const auto page = openPage();
   page->sendText("hello");
@@ -128,9 +126,9 @@ TEST_F(StandInChannel, LateRepliesAreHarmless) {
   auto page = openPage();
   page->call(1, "c", {"a", Value()});
   page->call(2, "c", {"b", Value()});
-  ASSERT_TRUE(waitUntil([&] { return kept.size() == 2; }));
+  ASSERT_TRUE(eventually([&] { return kept.size() == 2; }));
   page->vanish();
-  ASSERT_TRUE(waitUntil([&] { return engine->peers().empty(); }));
+  ASSERT_TRUE(waitForPeers(0));
   kept[0].success(Value("late"));
   engine.reset();
   kept[1].success(Value("later"));
@@ -150,11 +148,11 @@ TEST_F(StandInChannel, LetsGoOfWhatAPageHolds) {
   ASSERT_TRUE(second->waitForMessages(1));
   calls.clear();
   first->vanish();
-  ASSERT_TRUE(waitUntil([&] { return engine->peers().size() == 1; }));
-  EXPECT_THAT(calls, ElementsAre("mouseUp left"));
+  ASSERT_TRUE(waitForPeers(1));
+  EXPECT_THAT(calls, ElementsAre("mouseUp button=left"));
   second->close();
-  ASSERT_TRUE(waitUntil([&] { return engine->peers().empty(); }));
-  EXPECT_THAT(calls, ElementsAre("mouseUp left", "keyUp shift"));
+  ASSERT_TRUE(waitForPeers(0));
+  EXPECT_THAT(calls, ElementsAre("mouseUp button=left", "keyUp key=shift"));
 }
 
 TEST_F(StandInChannel, StopLetsGoAndSaysGoodbye) {

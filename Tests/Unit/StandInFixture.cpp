@@ -6,31 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
-#include <cstdlib>
 #include <utility>
 
-#include "Platform/Linux/SessionFile.h"
-
 namespace tapdeck {
-
-bool waitUntil(const std::function<bool()>& done) {
-  bool late = false;
-  standin::Source deadline(g_timeout_source_new_seconds(10));
-  const GSourceFunc expire = [](gpointer flag) -> gboolean {
-    *static_cast<bool*>(flag) = true;
-    return G_SOURCE_CONTINUE;
-  };
-  g_source_set_callback(deadline.get(), expire, &late, nullptr);
-  g_source_attach(deadline.get(), nullptr);
-  // The clients of the test that are no part of the main context need a turn as well.
-  standin::Source turn(g_timeout_source_new(1));
-  g_source_set_callback(
-      turn.get(), [](gpointer) -> gboolean { return G_SOURCE_CONTINUE; }, nullptr, nullptr);
-  g_source_attach(turn.get(), nullptr);
-  while (!done() && !late) g_main_context_iteration(nullptr, TRUE);
-  return !late;
-}
 
 RawClient::RawClient(uint16_t port) : _socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
   sockaddr_in address = {};
@@ -48,7 +26,7 @@ RawClient::~RawClient() {
 bool RawClient::write(const std::string& bytes) {
   size_t sent = 0;
   bool gone = false;
-  const bool inTime = waitUntil([&] {
+  const bool inTime = eventually([&] {
     const auto count = ::send(_socket, bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
     if (count >= 0) sent += static_cast<size_t>(count);
     gone = count < 0 && errno != EAGAIN;
@@ -67,17 +45,12 @@ bool RawClient::read() {
   }
 }
 
-void RawClient::readAll() {
-  EXPECT_TRUE(waitUntil([&] { return !read(); }));
-}
-
 Value requestMessage(int64_t id, const std::string& channel, const MethodCall& call) {
   return Value(Value::List{Value(id), Value(channel), Value(codec::encodeMethodCall(call))});
 }
 
-Page::Page(uint16_t port, const std::string& token)
+Page::Page(const std::string& url)
     : _session(SOUP_SESSION(g_object_new(SOUP_TYPE_SESSION, "proxy-resolver", nullptr, nullptr))) {
-  const std::string url = "ws://127.0.0.1:" + std::to_string(port) + "/engine?token=" + token;
   const standin::Object<SoupMessage> message(soup_message_new("GET", url.c_str()));
   char subprotocol[] = "tapdeck.engine.v1";
   char* subprotocols[] = {subprotocol, nullptr};
@@ -94,7 +67,7 @@ Page::Page(uint16_t port, const std::string& token)
         self->done = true;
       },
       &attempt);
-  EXPECT_TRUE(waitUntil([&] { return attempt.done; }));
+  EXPECT_TRUE(eventually([&] { return attempt.done; }));
   _socket.reset(attempt.socket);
   if (!_socket) return;
   soup_websocket_connection_set_max_incoming_payload_size(_socket.get(), 0);
@@ -132,12 +105,12 @@ void Page::call(int64_t id, const std::string& channel, const MethodCall& call) 
   send(codec::encodeMessage(requestMessage(id, channel, call)));
 }
 
-bool Page::waitForMessages(size_t count) {
-  return waitUntil([&] { return _messages.size() >= count; });
+bool Page::waitForMessages(size_t count) const {
+  return eventually([&] { return _messages.size() >= count; });
 }
 
 int Page::waitForClose() {
-  return waitUntil([&] { return _closed; })
+  return eventually([&] { return _closed; })
              ? soup_websocket_connection_get_close_code(_socket.get())
              : 0;
 }
@@ -150,67 +123,47 @@ void Page::vanish() {
   g_io_stream_close(soup_websocket_connection_get_io_stream(_socket.get()), nullptr, nullptr);
 }
 
-void StandInTest::SetUp() {
-  runtimeDirectory =
-      std::filesystem::path(testing::TempDir()) / ("standin-" + std::to_string(::getpid()));
-  std::filesystem::create_directories(runtimeDirectory);
-  ::setenv("XDG_RUNTIME_DIR", runtimeDirectory.c_str(), 1);
-  startEngine();
-}
-
-void StandInTest::TearDown() {
-  engine.reset();
-  std::filesystem::remove_all(runtimeDirectory);
-}
-
 void StandInTest::startEngine(std::chrono::milliseconds silenceLimit) {
   engine.reset();
   engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit});
-  calls.clear();
-}
-
-uint16_t StandInTest::port() const {
-  return readSession().value().port;
-}
-
-std::string StandInTest::token() const {
-  return readSession().value().token;
 }
 
 std::unique_ptr<Page> StandInTest::openPage() {
   const size_t before = engine->peers().size();
-  auto page = std::make_unique<Page>(port(), token());
+  auto page = std::make_unique<Page>("ws://" + host() + enginePath());
   EXPECT_TRUE(page->isOpen());
-  EXPECT_TRUE(waitUntil([&] { return engine->peers().size() == before + 1; }));
+  EXPECT_TRUE(waitForPeers(before + 1));
   return page;
 }
 
-std::string StandInTest::exchange(const std::string& requestLine, const std::string& headers) {
+std::string StandInTest::exchange(const std::string& requestLine,
+                                  const std::string& headers) const {
   RawClient client(port());
   EXPECT_TRUE(client.write(requestLine + " HTTP/1.1\r\n" + headers + "\r\n"));
-  const auto ended = [&] {
-    return !client.read() || client.received().starts_with("HTTP/1.1 101");
-  };
-  EXPECT_TRUE(waitUntil(ended));
+  EXPECT_TRUE(
+      eventually([&] { return !client.read() || client.received().starts_with("HTTP/1.1 101"); }));
   return client.received();
 }
 
-std::string StandInTest::upgradeHeaders() const {
-  return "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
-         "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
+bool StandInTest::waitForPeers(size_t count) const {
+  return eventually([&] { return engine->peers().size() == count; });
 }
 
 void StandInTest::recordCalls() {
   engine->setMethodCallHandler(kControl, [this](const MethodCall& call, Reply reply) {
-    std::string line = call.method;
-    if (const auto* map = call.arguments.getIf<Value::Map>()) {
-      for (const auto& entry : *map) {
-        if (const auto* text = entry.second.getIf<std::string>()) line += " " + *text;
-      }
-    }
-    calls.push_back(line);
+    calls.push_back(lineOf(call));
     reply.success();
   });
+}
+
+std::string lineOf(const MethodCall& call) {
+  std::string line = call.method;
+  if (const auto* map = call.arguments.getIf<Value::Map>()) {
+    for (const auto& [key, value] : *map) {
+      line += " " + *key.getIf<std::string>() + "=" + *value.getIf<std::string>();
+    }
+  }
+  return line;
 }
 
 }  // namespace tapdeck

@@ -3,21 +3,20 @@
 #include <gtest/gtest.h>
 #include <libsoup/soup.h>
 
+#include <chrono>
 #include <cstdint>
-#include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "Engine/StandardCodec.h"
+#include "Platform/Linux/SessionFile.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
+#include "Tests/Support/MainLoop.h"
+#include "Tests/Support/Surroundings.h"
 
 namespace tapdeck {
-
-/// Runs the default main context until `done`; false after 10 seconds.
-bool waitUntil(const std::function<bool()>& done);
 
 /// A TCP connection that says exactly what the test says.
 class RawClient {
@@ -31,8 +30,6 @@ class RawClient {
   bool write(const std::string& bytes);
   /// Reads what is there; false at the end.
   bool read();
-  /// Reads until the end.
-  void readAll();
   const std::string& received() const { return _received; }
 
  private:
@@ -43,7 +40,7 @@ class RawClient {
 /// A page's connection, by libsoup's own client.
 class Page {
  public:
-  Page(uint16_t port, const std::string& token);
+  explicit Page(const std::string& url);
   ~Page();
 
   bool isOpen() const;
@@ -51,7 +48,7 @@ class Page {
   void sendText(const char* text);
   void call(int64_t id, const std::string& channel, const MethodCall& call);
   /// Runs the main context until that many messages have come.
-  bool waitForMessages(size_t count);
+  bool waitForMessages(size_t count) const;
   /// The close code, 0 when it does not come.
   int waitForClose();
   void close();
@@ -71,26 +68,36 @@ class Page {
 class StandInTest : public testing::Test {
  protected:
   static constexpr const char* kControl = "com.tapdeck/control";
+  static constexpr const char* kProtocol = "Sec-WebSocket-Protocol: tapdeck.engine.v1\r\n";
+  /// The headers of a proper upgrade, but for Host and the subprotocol.
+  static constexpr const char* kUpgrade =
+      "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"
+      "Sec-WebSocket-Key: dGhlIHNhbXBsZSBub25jZQ==\r\n";
 
-  void SetUp() override;
-  void TearDown() override;
+  StandInTest() { startEngine(); }
 
   void startEngine(std::chrono::milliseconds silenceLimit = std::chrono::seconds(25));
-  uint16_t port() const;
-  std::string token() const;
+  uint16_t port() const { return readSession().value().port; }
   std::string host() const { return "127.0.0.1:" + std::to_string(port()); }
+  /// Where a page connects to, with the token.
+  std::string enginePath() const { return "/engine?token=" + readSession().value().token; }
   std::unique_ptr<Page> openPage();
-  /// One request whose headers are given as lines; the whole response.
-  std::string exchange(const std::string& requestLine, const std::string& headers);
-  /// The headers of a proper upgrade.
-  std::string upgradeHeaders() const;
-  /// Makes the control channel write down its calls ("mouseUp left") and answer null.
+  /// One request whose headers are given as lines, with the main context running; the whole
+  /// response, or its head when the connection is upgraded.
+  std::string exchange(const std::string& requestLine, const std::string& headers) const;
+  bool waitForPeers(size_t count) const;
+  /// Makes the control channel write down its calls ("mouseUp button=left") and answer null.
   void recordCalls();
 
-  std::filesystem::path runtimeDirectory;
-  std::shared_ptr<StandInEngine> engine;
+  const TemporaryFolder runtimeDirectory;
+  const EnvironmentVariable variable{"XDG_RUNTIME_DIR", runtimeDirectory.path.c_str()};
+  // before the engine, whose end makes calls
   std::vector<std::string> calls;
+  std::shared_ptr<StandInEngine> engine;
 };
+
+/// "mouseUp button=left", for a call whose arguments are strings.
+std::string lineOf(const MethodCall& call);
 
 Value requestMessage(int64_t id, const std::string& channel, const MethodCall& call);
 

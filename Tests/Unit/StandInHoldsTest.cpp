@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "Platform/Linux/StandInEngine/Holds.h"
+#include "Tests/Unit/StandInFixture.h"
 
 namespace tapdeck::standin {
 namespace {
@@ -8,78 +9,71 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-MethodCall call(const std::string& method, const std::string& key = "",
-                const std::string& value = "") {
-  return {method, key.empty() ? Value() : Value(ValueMap{{key, Value(value)}})};
+MethodCall call(const std::string& method) {
+  return {method, Value()};
+}
+
+MethodCall key(const std::string& method, const std::string& name) {
+  return {method, Value(ValueMap{{"key", Value(name)}})};
+}
+
+MethodCall button(const std::string& method, Value name) {
+  return {method, Value(ValueMap{{"button", std::move(name)}})};
+}
+
+void note(Holds& holds, Holds::Connection connection, const std::vector<MethodCall>& calls) {
+  for (const auto& each : calls) EXPECT_TRUE(holds.note(connection, each)) << each.method;
 }
 
 std::vector<std::string> endOf(Holds& holds, Holds::Connection connection) {
   std::vector<std::string> lines;
-  for (const MethodCall& each : holds.end(connection)) {
-    std::string line = each.method;
-    if (const auto* map = each.arguments.getIf<Value::Map>()) {
-      for (const auto& entry : *map) {
-        line += " " + *entry.first.getIf<std::string>() + "=" + *entry.second.getIf<std::string>();
-      }
-    }
-    lines.push_back(line);
-  }
+  for (const MethodCall& each : holds.end(connection)) lines.push_back(lineOf(each));
   return lines;
 }
 
 TEST(StandInHolds, LetsGoOfWhatIsLeftInOrder) {
   Holds holds;
-  for (const auto& each :
-       {call("showLaser"), call("keyDown", "key", "Shift"), call("keyDown", "key", "a"),
-        call("mouseDown"), call("hideCursor"), call("keyDown", "key", "command"),
-        call("keyUp", "key", "A"), call("mouseDown", "button", "Left"), call("keyDown")}) {
-    ASSERT_TRUE(holds.note(1, each));
-  }
+  note(holds, 1,
+       {call("showLaser"), key("keyDown", "Shift"), key("keyDown", "a"), call("mouseDown"),
+        call("hideCursor"), key("keyDown", "command"), key("keyUp", "A"),
+        button("mouseDown", Value("Left")), call("keyDown")});
   EXPECT_THAT(endOf(holds, 1),
               ElementsAre("mouseUp button=Left", "mouseUp button=left", "keyUp key=command",
                           "keyUp key=shift", "showCursor", "hideLaser"));
   EXPECT_THAT(endOf(holds, 1), IsEmpty());
-}
 
-TEST(StandInHolds, BalancedCallsLeaveNothing) {
-  Holds holds;
   // Repeated presses are one; a button that is no string is the left one, as on the host.
-  for (const auto& each :
-       {call("mouseDown"), MethodCall{"mouseDown", Value(ValueMap{{"button", Value(2)}})},
-        call("mouseUp", "button", "left"), call("keyDown", "key", "x"), call("keyDown", "key", "x"),
-        call("keyUp", "key", "x"), call("showLaser"), call("hideLaser"), call("hideCursor"),
-        call("showCursor"), call("click", "button", "left"), call("keyPress", "key", "y")}) {
-    ASSERT_TRUE(holds.note(1, each));
-  }
+  note(holds, 1,
+       {call("mouseDown"), button("mouseDown", Value(2)), button("mouseUp", Value("left")),
+        key("keyDown", "x"), key("keyDown", "x"), key("keyUp", "x"), call("showLaser"),
+        call("hideLaser"), call("hideCursor"), call("showCursor"), button("click", Value("left")),
+        key("keyPress", "y")});
   EXPECT_THAT(endOf(holds, 1), IsEmpty());
 }
 
 TEST(StandInHolds, OtherConnections) {
   Holds holds;
-  for (Holds::Connection connection : {1, 2}) {
-    holds.note(connection, call("keyDown", "key", "shift"));
-    holds.note(connection, call("mouseDown"));
-  }
-  holds.note(1, call("keyDown", "key", "a"));
+  note(holds, 1, {key("keyDown", "shift"), call("mouseDown"), key("keyDown", "a")});
+  note(holds, 2, {key("keyDown", "shift"), call("mouseDown")});
   // 2 goes on holding both, and lets go itself.
   EXPECT_THAT(endOf(holds, 1), ElementsAre("keyUp key=a"));
   EXPECT_THAT(endOf(holds, 2), ElementsAre("mouseUp button=left", "keyUp key=shift"));
 
   // What another connection let go of is not let go of again.
-  holds.note(1, call("mouseDown"));
-  holds.note(2, call("mouseUp"));
+  note(holds, 1, {call("mouseDown")});
+  note(holds, 2, {call("mouseUp")});
   EXPECT_THAT(endOf(holds, 1), IsEmpty());
 }
 
 TEST(StandInHolds, IsBounded) {
   Holds holds;
-  EXPECT_FALSE(holds.note(1, call("keyDown", "key", std::string(Holds::kLongestName + 1, 'k'))));
+  EXPECT_FALSE(holds.note(1, key("keyDown", std::string(Holds::kLongestName + 1, 'k'))));
   for (size_t i = 0; i < Holds::kMostPerConnection; ++i) {
-    ASSERT_TRUE(holds.note(1, call("keyDown", "key", std::to_string(i))));
+    ASSERT_TRUE(holds.note(1, key("keyDown", std::to_string(i))));
   }
-  EXPECT_FALSE(holds.note(1, call("keyDown", "key", "more")));
-  EXPECT_TRUE(holds.note(1, call("keyDown", "key", "7")));
-  EXPECT_TRUE(holds.note(2, call("keyDown", "key", "more")));
+  EXPECT_FALSE(holds.note(1, key("keyDown", "more")));
+  EXPECT_TRUE(holds.note(1, key("keyDown", "7")));
+  EXPECT_TRUE(holds.note(2, key("keyDown", "more")));
   EXPECT_EQ(holds.end(1).size(), Holds::kMostPerConnection);
 }
 

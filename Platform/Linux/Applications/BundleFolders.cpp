@@ -1,0 +1,66 @@
+#include "Platform/Linux/Applications/BundleFolders.h"
+
+#include <map>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "Platform/Files.h"
+#include "Platform/Linux/Applications/DesktopEntries.h"
+
+namespace tapdeck::applications {
+namespace {
+
+constexpr const char* kSystemFolder = "/Applications";
+
+std::string userFolder() {
+  return platform::homeDirectory() + "/Applications";
+}
+
+/// Desktop file ids by path.
+using Bundles = std::map<std::string, std::string>;
+
+Bundles& known() {
+  static Bundles bundles;
+  return bundles;
+}
+
+/// Applications of the same name are told apart by their ids.
+void update() {
+  constexpr std::string_view suffix = ".desktop";
+  Bundles bundles;
+  std::set<std::string> names;
+  for (const auto& entry : DesktopEntries::current().all()) {
+    if (!entry->isShown) continue;
+    std::string name = entry->name;
+    if (!names.insert(name).second) {
+      name += " (" + entry->id.substr(0, entry->id.size() - suffix.size()) + ")";
+    }
+    bundles[(entry->isUsers ? userFolder() : kSystemFolder) + "/" + name + ".app"] = entry->id;
+  }
+  known() = std::move(bundles);
+}
+
+}  // namespace
+
+std::optional<std::vector<std::string>> bundlesIn(const std::string& folder) {
+  if (folder != kSystemFolder && folder != userFolder()) return std::nullopt;
+  update();
+  std::vector<std::string> names;
+  const std::string start = folder + "/";
+  for (const auto& [path, id] : known()) {
+    if (path.starts_with(start)) names.push_back(path.substr(start.size()));
+  }
+  return names;
+}
+
+std::optional<std::string> bundleIdentifier(const std::string& path) {
+  auto found = known().find(path);
+  if (found == known().end()) {
+    update();
+    found = known().find(path);
+  }
+  return found != known().end() ? std::optional(found->second) : std::nullopt;
+}
+
+}  // namespace tapdeck::applications

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <memory>
+
+#include "Platform/Images.h"
+#include "Platform/Linux/Applications/DesktopEntries.h"
+
+namespace tapdeck::platform {
+
+/// The icon that the desktop entry names; at least the one that stands for any program.
+std::shared_ptr<const Image> iconOf(const applications::DesktopEntry& entry);
+
+}  // namespace tapdeck::platform

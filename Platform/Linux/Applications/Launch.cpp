@@ -1,0 +1,43 @@
+#include "Platform/Linux/Applications/Launch.h"
+
+#include <gdk/gdkx.h>
+
+#include <cstdio>
+
+namespace tapdeck::applications {
+namespace {
+
+/// The X server's present time. GDK itself knows only when the user last touched a window of this
+/// process, which window managers take for a reason to keep what it starts in the background.
+guint32 serverTime(GdkDisplay* display) {
+  GdkWindowAttr attributes{};
+  attributes.window_type = GDK_WINDOW_TOPLEVEL;
+  attributes.wclass = GDK_INPUT_ONLY;
+  attributes.event_mask = GDK_PROPERTY_CHANGE_MASK;
+  attributes.width = attributes.height = 1;
+  GdkScreen* screen = gdk_display_get_default_screen(display);
+  GdkWindow* asker = gdk_window_new(gdk_screen_get_root_window(screen), &attributes, 0);
+  const guint32 time = gdk_x11_get_server_time(asker);
+  gdk_window_destroy(asker);
+  return time;
+}
+
+Object<GAppLaunchContext> launchContext() {
+  GdkDisplay* display = gdk_display_get_default();
+  if (display == nullptr) return Object<GAppLaunchContext>(g_app_launch_context_new());
+  GdkAppLaunchContext* context = gdk_display_get_app_launch_context(display);
+  gdk_app_launch_context_set_timestamp(context, serverTime(display));
+  return Object<GAppLaunchContext>(G_APP_LAUNCH_CONTEXT(context));
+}
+
+}  // namespace
+
+void launch(const DesktopEntry& entry) {
+  GError* error = nullptr;
+  g_app_info_launch(G_APP_INFO(entry.info.get()), nullptr, launchContext().get(), &error);
+  if (const Error failure{error}) {
+    std::fprintf(stderr, "tapdeck: %s cannot be started: %s\n", entry.id.c_str(), failure->message);
+  }
+}
+
+}  // namespace tapdeck::applications

@@ -1,0 +1,93 @@
+#include <gdkmm/pixbufloader.h>
+#include <glibmm/base64.h>
+#include <sys/stat.h>
+
+#include <array>
+
+#include "Runner/Apps/Icon.h"
+#include "Tests/Desktop/AppsFixture.h"
+
+namespace tapdeck::testing {
+namespace {
+
+using Pixel = std::array<int, 4>;
+constexpr Pixel kRed = {255, 0, 0, 255};
+constexpr Pixel kBlue = {0, 0, 255, 255};
+constexpr Pixel kClear = {0, 0, 0, 0};
+
+constexpr const char* kTwoHalves =
+    R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16"><rect width="8" height="16" )"
+    R"(fill="#f00"/><rect x="8" width="8" height="16" fill="#00f"/></svg>)";
+
+/// The image that the host answers for the application.
+struct Icon {
+  explicit Icon(const std::string& id) : text(applicationIcon(id)) {
+    const std::string png = Glib::Base64::decode(text);
+    const auto loader = Gdk::PixbufLoader::create("png");
+    loader->write(reinterpret_cast<const guint8*>(png.data()), png.size());
+    loader->close();
+    pixels = loader->get_pixbuf();
+  }
+  bool isRightSize() const {
+    return pixels->get_width() == 64 && pixels->get_height() == 64 && pixels->get_n_channels() == 4;
+  }
+  Pixel at(int x, int y) const {
+    const guint8* pixel = pixels->get_pixels() + y * pixels->get_rowstride() + 4 * x;
+    return {pixel[0], pixel[1], pixel[2], pixel[3]};
+  }
+  std::string text;
+  Glib::RefPtr<Gdk::Pixbuf> pixels;
+};
+
+class AppsIconTest : public AppsTest {
+ protected:
+  Icon iconOf(const std::string& icon) {
+    write(users / "app.desktop", entry("App", "Icon=" + icon));
+    return Icon("app.desktop");
+  }
+  const std::filesystem::path folder = userData() / "pictures";
+};
+
+TEST_F(AppsIconTest, DrawsVectorsAtTheirFullSizeAndPicturesWhole) {
+  write(userData() / "icons/hicolor/scalable/apps/two-halves.svg", kTwoHalves);
+  write(folder / "halves.svg", kTwoHalves);
+  for (const auto& name : {std::string("two-halves"), (folder / "halves.svg").string()}) {
+    const Icon icon = iconOf(name);
+    ASSERT_TRUE(icon.isRightSize()) << name;
+    EXPECT_EQ(icon.text.find('\n'), std::string::npos);
+    EXPECT_EQ(icon.at(0, 0), kRed);
+    EXPECT_EQ(icon.at(31, 63), kRed);
+    EXPECT_EQ(icon.at(32, 63), kBlue);
+    EXPECT_EQ(icon.at(63, 0), kBlue);
+  }
+
+  const auto wide = Gdk::Pixbuf::create(Gdk::COLORSPACE_RGB, false, 8, 200, 100);
+  wide->fill(0x0000FFFF);
+  wide->save(folder / "wide.png", "png");
+  const Icon icon = iconOf(folder / "wide.png");
+  ASSERT_TRUE(icon.isRightSize());
+  EXPECT_EQ(icon.at(32, 14), kClear);
+  EXPECT_EQ(icon.at(1, 17), kBlue);
+  EXPECT_EQ(icon.at(62, 46), kBlue);
+  EXPECT_EQ(icon.at(32, 49), kClear);
+}
+
+TEST_F(AppsIconTest, StandsInForWhatIsNoImage) {
+  write(folder / "text.png", "no image");
+  write(folder / "empty.svg", "");
+  write(folder / "half.svg", "<svg><rect");
+  mkfifo((folder / "pipe.png").c_str(), 0600);
+  write(users / "plain.desktop", entry("Plain"));
+  const Icon generic("plain.desktop");
+  ASSERT_TRUE(generic.isRightSize());
+  for (const auto& icon : {(folder / "text.png").string(), (folder / "empty.svg").string(),
+                           (folder / "half.svg").string(), (folder / "pipe.png").string(),
+                           folder.string(), std::string("/nowhere.png"), std::string("no such")}) {
+    EXPECT_EQ(iconOf(icon).text, generic.text) << icon;
+  }
+  EXPECT_EQ(applicationIcon("unknown.desktop"), "");
+  EXPECT_EQ(applicationIcon(""), "");
+}
+
+}  // namespace
+}  // namespace tapdeck::testing

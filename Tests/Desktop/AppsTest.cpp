@@ -1,0 +1,173 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "Platform/Linux/Applications/ManagedWindows.h"
+#include "Runner/Apps/Launching.h"
+#include "Tests/Desktop/AppsFixture.h"
+#include "Tests/Desktop/Observer.h"
+
+namespace tapdeck::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+TEST_F(AppsTest, ListsWhatMenusShowAndTheFavourites) {
+  EXPECT_THAT(catalogue(), IsEmpty());
+  write(systems / "zebra.desktop", entry("Zebra"));
+  write(systems / "favourite.desktop", entry("Favourite", "NoDisplay=true"));
+  write(systems / "sub/folder/deep.desktop", entry("Deep"));
+  write(users / "odd name.desktop", entry("A/B – 🎵 \"odd\".app"));
+  write(users / "same.desktop", entry("Same"));
+  write(systems / "same2.desktop", entry("Same"));
+  write(systems / "here.desktop", entry("Here", "OnlyShowIn=KDE;GNOME;"));
+  write(systems / "try.desktop", entry("Try", "TryExec=true"));
+
+  write(systems / "nodisplay.desktop", entry("x", "NoDisplay=true"));
+  write(systems / "hidden.desktop", entry("x"));
+  write(users / "hidden.desktop", entry("x", "Hidden=true"));
+  write(systems / "masked.desktop", entry("x"));
+  write(users / "masked.desktop", "[Desktop Ent");
+  write(systems / "elsewhere.desktop", entry("x", "OnlyShowIn=KDE;"));
+  write(systems / "nothere.desktop", entry("x", "NotShowIn=GNOME;"));
+  write(systems / "notry.desktop", entry("x", "TryExec=/nowhere/program"));
+  write(systems / "noexec.desktop", "[Desktop Entry]\nType=Application\nName=x\nExec=/no/where\n");
+  write(systems / "link.desktop", "[Desktop Entry]\nType=Link\nName=x\nURL=http://localhost/\n");
+  write(systems / "bytes.desktop", std::string("\0\xFF\xFE[", 4));
+  write(systems / "text.txt", entry("x"));
+  std::filesystem::create_symlink("/nowhere", systems / "dangling.desktop");
+  std::filesystem::create_directory(systems / "folder.desktop");
+  std::filesystem::create_directory_symlink(systems, systems / "circle");
+  EXPECT_THAT(
+      catalogue(),
+      ElementsAre("A/B – 🎵 \"odd\".app = odd name.desktop", "Deep = sub-folder-deep.desktop",
+                  "Favourite = favourite.desktop", "Here = here.desktop", "Same = same.desktop",
+                  "Same (same2) = same2.desktop", "Try = try.desktop", "Zebra = zebra.desktop"));
+}
+
+TEST_F(AppsTest, SeesEveryChangeAtOnce) {
+  write(users / "app.desktop", entry("One"));
+  write(users / "program.desktop", entry("Two", "TryExec=" + (users / "program").string()));
+  EXPECT_THAT(catalogue(), ElementsAre("One = app.desktop"));
+  write(users / "app.desktop", entry("Uno"));
+  EXPECT_THAT(catalogue(), ElementsAre("Uno = app.desktop"));
+  setenv("PATH", (users.string() + ":" + getenv("PATH")).c_str(), 1);
+  write(users / "program", "#!/bin/sh\n");
+  std::filesystem::permissions(users / "program", std::filesystem::perms::owner_all);
+  EXPECT_THAT(catalogue(), ElementsAre("Two = program.desktop", "Uno = app.desktop"));
+  std::filesystem::remove(users / "app.desktop");
+  EXPECT_THAT(catalogue(), ElementsAre("Two = program.desktop"));
+}
+
+class AppsWindowsTest : public AppsTest {
+ protected:
+  xcb_window_t openWindow(const std::string& property, const std::string& text) {
+    const xcb_window_t window = observer.openManagedWindow(300, 300);
+    set(window, property, "STRING", 8, text.data(), text.size());
+    return window;
+  }
+  void set(xcb_window_t window, const std::string& property, const std::string& type,
+           uint8_t format, const void* data, size_t count) {
+    xcb_change_property(observer.get(), XCB_PROP_MODE_REPLACE, window, observer.atom(property),
+                        observer.atom(type), format, static_cast<uint32_t>(count), data);
+    observer.sync();
+  }
+  static std::vector<xcb_window_t> windowsOfClass(const std::string& name) {
+    std::vector<xcb_window_t> found;
+    for (const auto& window : applications::managedWindows()) {
+      if (window.className == name) found.push_back(window.window);
+    }
+    return found;
+  }
+  Observer observer;
+};
+
+TEST_F(AppsWindowsTest, KnowsRunningApplicationsByTheirWindows) {
+  write(systems / "browser.desktop", entry("Browser", "StartupWMClass=Browser"));
+  write(systems / "page.desktop", entry("Page", "StartupWMClass=crx_page"));
+  write(systems / "other.desktop", entry("Not shown", "NoDisplay=true\nStartupWMClass=crx_page"));
+  write(systems / "org.Reader.desktop", entry("Reader"));
+  write(systems / "Editor.desktop", entry("Editor"));
+  write(systems / "hinted.desktop", entry("Hinted"));
+  write(systems / "panel.desktop", entry("Panel"));
+  openWindow("WM_CLASS", std::string("crx_page\0Browser\0", 17));
+  openWindow("WM_CLASS", std::string("x\0EDITOR\0", 9));
+  openWindow("WM_CLASS", std::string("y\0Editor\0", 9));
+  openWindow("WM_CLASS", "unended");
+  openWindow("_GTK_APPLICATION_ID", "org.Reader");
+  openWindow("_BAMF_DESKTOP_FILE", systems / "hinted.desktop");
+  const auto panel = openWindow("WM_CLASS", std::string("panel\0Panel\0", 12));
+  const xcb_atom_t dock = observer.atom("_NET_WM_WINDOW_TYPE_DOCK");
+  set(panel, "_NET_WM_WINDOW_TYPE", "ATOM", 32, &dock, 1);
+  EXPECT_TRUE(eventually([&] { return windowsOfClass("Panel").size() == 1; }));
+  EXPECT_THAT(catalogue(), ElementsAre("Browser = browser.desktop", "*Editor = Editor.desktop",
+                                       "*Hinted = hinted.desktop", "*Page = page.desktop",
+                                       "Panel = panel.desktop", "*Reader = org.Reader.desktop"));
+}
+
+TEST_F(AppsWindowsTest, StartsAProgramThenBringsItForward) {
+  const std::string program = systems / "program";
+  write(program,
+        "#!/bin/sh\nprintenv DESKTOP_STARTUP_ID > \"$0.id\"\n"
+        "exec xterm -class OddTerm -geometry 20x5+350+350 -e cat\n");
+  std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+  write(systems / "term.desktop",
+        "[Desktop Entry]\nType=Application\nName=Term\nStartupWMClass=OddTerm\n"
+        "StartupNotify=true\nExec=" +
+            program + "\n");
+  EXPECT_THAT(catalogue(), ElementsAre("Term = term.desktop"));
+  const xcb_window_t before = observer.openManagedWindow(350, 350);
+  launchApplication("unknown.desktop");
+  launchApplication("term.desktop");
+  ASSERT_TRUE(eventually([] { return windowsOfClass("OddTerm").size() == 1; }));
+  const xcb_window_t term = windowsOfClass("OddTerm").front();
+  EXPECT_TRUE(eventually([&] { return observer.activeWindow() == term; })) << before;
+  EXPECT_THAT(catalogue(), ElementsAre("*Term = term.desktop"));
+  std::string startupId;
+  std::ifstream(program + ".id") >> startupId;
+  EXPECT_THAT(startupId, ::testing::ContainsRegex("_TIME[1-9][0-9]*$"));
+
+  const xcb_window_t cover = observer.openManagedWindow(350, 350);
+  EXPECT_TRUE(eventually([&] { return observer.activeWindow() == cover; }));
+  launchApplication("term.desktop");
+  EXPECT_TRUE(eventually([&] { return observer.activeWindow() == term; }));
+  EXPECT_EQ(applications::managedWindows().back().window, term);
+  EXPECT_THAT(windowsOfClass("OddTerm"), SizeIs(1));
+
+  xcb_kill_client(observer.get(), term);
+  observer.sync();
+  EXPECT_TRUE(eventually([] { return windowsOfClass("OddTerm").empty(); }));
+  EXPECT_THAT(catalogue(), ElementsAre("Term = term.desktop"));
+}
+
+TEST_F(AppsWindowsTest, AnswersAtOnceWithFiveHundredApplications) {
+  for (int i = 0; i < 500; ++i) {
+    const std::string number = std::to_string(i);
+    write((i % 5 == 0 ? users : systems) / ("app" + number + ".desktop"),
+          entry("Application " + number, "Icon=app" + number + "\nStartupWMClass=App" + number));
+  }
+  for (int i = 0; i < 10; ++i) {
+    openWindow("WM_CLASS", "app\0App" + std::to_string(i) + '\0');
+  }
+  const auto measure = [] {
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(catalogue(), SizeIs(500));
+    const std::chrono::duration<double, std::milli> taken =
+        std::chrono::steady_clock::now() - start;
+    return taken.count();
+  };
+  const double cold = measure();
+  double warm = measure();
+  for (int i = 0; i < 9; ++i) warm = std::min(warm, measure());
+  std::printf("500 applications, 10 windows: %.1f ms cold, %.1f ms warm\n", cold, warm);
+  EXPECT_LT(warm, 50 * SLOWNESS);
+}
+
+}  // namespace
+}  // namespace tapdeck::testing
