@@ -20,12 +20,11 @@ const char* const kPassages[] = {
     "いろはにほへと ちりぬるを わかよたれそ つねならむ。カタカナ\n",
     "天地玄黄宇宙洪荒日月盈昃辰宿列张寒来暑往秋收冬藏闰余成岁律吕调阳。\n",
     "다람쥐 헌 쳇바퀴에 타고파. e\u0301 a\u0308 (combining)\n",
-    "👍🏽👩🏿‍🚀👨‍👩‍👧‍👦🏳️‍🌈🇩🇪🇫🇷❤️1️⃣🤷🏻‍♀️😀\t🧑🏾‍"
-    "🤝"
-    "‍"
-    "🧑"
-    "🏻"
-    "\n",
+    // emoji with skin tones and joiners, flags, a keycap
+    "\U0001F44D\U0001F3FD\U0001F469\U0001F3FF\u200D\U0001F680\U0001F468\u200D\U0001F469"
+    "\u200D\U0001F467\u200D\U0001F466\U0001F3F3\uFE0F\u200D\U0001F308\U0001F1E9\U0001F1EA"
+    "\U0001F1EB\U0001F1F7❤\uFE0F1\uFE0F⃣\U0001F937\U0001F3FB\u200D♀\uFE0F\U0001F600\t"
+    "\U0001F9D1\U0001F3FE\u200D\U0001F91D\u200D\U0001F9D1\U0001F3FB\n",
 };
 
 void append(std::string& text, char32_t character) {

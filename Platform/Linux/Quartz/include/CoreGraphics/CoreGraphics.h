@@ -27,7 +27,9 @@ struct CGRect {
   CGSize size;
 };
 
-inline CGPoint CGPointMake(CGFloat x, CGFloat y) { return {x, y}; }
+inline CGPoint CGPointMake(CGFloat x, CGFloat y) {
+  return {x, y};
+}
 inline CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height) {
   return {{x, y}, {width, height}};
 }
