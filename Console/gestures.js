@@ -17,8 +17,8 @@ export function pointerGain(speed) {
 
 /**
  * Turns pointers that come down, move and go up into gestures. Positions are in pixels, times in
- * milliseconds. `actions` gets move(dx, dy), scroll(x, y), tap(button), hold() and letGo(); what is
- * held is always let go of, by `up` or by `cancel`.
+ * milliseconds. `actions` gets move(dx, dy), scroll(x, y, time), scrolled(time) when a scrolling finger
+ * goes up, tap(button), hold() and letGo(); what is held is always let go of, by `up` or by `cancel`.
  *
  * Phases: "idle"; "still" (one finger that has not moved yet); "moving"; "holding"; "pair" (two
  * fingers that have not moved yet); "scrolling"; "over" (nothing more until all fingers are up).
@@ -69,7 +69,7 @@ export class Gestures {
       const gain = pointerGain(Math.hypot(dx, dy) / elapsed);
       this.#actions.move(dx * gain, dy * gain);
     } else if (this.phase === "scrolling") {
-      this.#scroll(dx, dy);
+      this.#scroll(dx, dy, time);
     }
     Object.assign(finger, { x, y, time });
   }
@@ -84,6 +84,7 @@ export class Gestures {
     if (this.phase === "pair" && last && time - this.#pairedAt < TWO_FINGER_TAP) {
       this.#actions.tap("right");
     }
+    if (this.phase === "scrolling") this.#actions.scrolled(time);
     if (last) this.phase = "idle";
     else if (this.phase === "scrolling") this.phase = "over";
   }
@@ -110,9 +111,10 @@ export class Gestures {
   }
 
   // Two fingers that move together move the content once, not twice.
-  #scroll(dx, dy) {
+  #scroll(dx, dy, time) {
     const factor = SCROLL_GAIN / Math.max(1, this.#fingers.size);
-    this.#actions.scroll(this.#axis === "y" ? 0 : dx * factor, this.#axis === "x" ? 0 : dy * factor);
+    const [x, y] = [this.#axis === "y" ? 0 : dx, this.#axis === "x" ? 0 : dy];
+    this.#actions.scroll(x * factor, y * factor, time);
   }
 }
 

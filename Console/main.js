@@ -1,13 +1,21 @@
 // Puts the page together.
 
+import { AppList } from "./apps.js";
+import { AppView } from "./appview.js";
 import { bindMouseButton } from "./buttons.js";
 import { bindClipboard } from "./clipboard.js";
 import { Connection } from "./connection.js";
 import { DisplayList, DisplayView } from "./displays.js";
+import { Keyboard } from "./keyboard.js";
+import { System } from "./keys.js";
+import { bindLoginItem } from "./loginitem.js";
+import { bindModifier, Modifiers } from "./modifiers.js";
 import { bindPermissionCard, Permissions } from "./permissions.js";
 import { RemotePointer } from "./pointer.js";
+import { bindScrollStrip, Momentum } from "./scrolling.js";
 import { bindTabs } from "./tabs.js";
 import { Touchpad } from "./touchpad.js";
+import { TypingQueue } from "./typing.js";
 
 const STATES = {
   "connecting": ["Connecting…", ""],
@@ -27,11 +35,23 @@ const connection = new Connection(token());
 const displays = new DisplayList(connection);
 const pointer = new RemotePointer(connection, () => displays.records);
 const permissions = new Permissions(connection);
-const touchpad = new Touchpad(byId("pad"), pointer);
+const momentum = new Momentum((x, y) => pointer.scroll(x, y));
+const touchpad = new Touchpad(byId("pad"), pointer, momentum);
+const system = new System(document.body.dataset.system);
+const queue = new TypingQueue(connection);
+const modifiers = new Modifiers(connection, queue);
+const keyboard = new Keyboard(byId("panel-keyboard"), connection, queue, modifiers, system);
 
-function letGo() {
+// Modifiers are held from one section to the next, for a click with Shift, say.
+function changeSection() {
   touchpad.cancel();
   pointer.releaseAll();
+  keyboard.rest();
+}
+
+function letGo() {
+  changeSection();
+  modifiers.releaseAll();
 }
 
 function showState() {
@@ -50,14 +70,20 @@ function showPermissions() {
 }
 
 for (const button of document.querySelectorAll("[data-button]")) bindMouseButton(button, pointer);
+for (const button of document.querySelectorAll("[data-modifier]")) {
+  bindModifier(button, modifiers, system);
+}
+bindScrollStrip(byId("scroll-strip"), momentum);
 for (const card of document.querySelectorAll("[data-permission]")) {
   bindPermissionCard(card, permissions);
 }
 bindClipboard(byId("panel-clipboard"), connection);
+bindLoginItem(byId("panel-settings"), connection);
+new AppView(byId("panel-apps"), new AppList(connection), connection);
 new DisplayView(byId("panel-displays"), displays, pointer, connection);
-const showTab = bindTabs(byId("tabs"), letGo);
+const showTab = bindTabs(byId("tabs"), changeSection);
 byId("control-banner").querySelector("button")
-  .addEventListener("click", () => showTab("tab-permissions"));
+  .addEventListener("click", () => showTab("tab-settings"));
 
 permissions.addEventListener("change", showPermissions);
 connection.addEventListener("state", showState);

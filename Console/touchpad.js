@@ -19,15 +19,19 @@ export class Touchpad {
   #noteTimer = 0;
   #self = Promise.resolve(false);
   #lastWheel = -Infinity;
+  #momentum;
+  #halting = false;
 
-  constructor(pad, pointer) {
+  constructor(pad, pointer, momentum) {
     this.#pad = pad;
     this.#mark = pad.querySelector(".pad-mark");
     this.#note = pad.querySelector(".pad-note");
     this.#pointer = pointer;
+    this.#momentum = momentum;
     this.#gestures = new Gestures({
       move: (dx, dy) => pointer.move(dx, dy),
-      scroll: (x, y) => pointer.scroll(x, y),
+      scroll: (x, y, time) => momentum.move(x, y, time),
+      scrolled: (time) => momentum.release(time),
       tap: (button) => this.#tap(button),
       hold: () => this.#hold(),
       letGo: () => pointer.release(this),
@@ -37,6 +41,7 @@ export class Touchpad {
 
   /** Ends every gesture that is under way and lets go of what it holds. */
   cancel() {
+    this.#momentum.stop();
     this.#gestures.cancelAll();
     this.#showMark(null);
   }
@@ -61,6 +66,9 @@ export class Touchpad {
     this.#pad.setPointerCapture(event.pointerId);
     if (event.pointerType === "mouse") this.#self = this.#pointer.isSelf(event);
     this.#pad.classList.add("used");
+    // A touch that stops what is still scrolling does nothing else.
+    const halted = this.#momentum.stop();
+    if (this.#gestures.phase === "idle") this.#halting = halted;
     this.#unlessSelf(event, () => {
       const button = MOUSE_CLICKS[event.button];
       if (button) {
@@ -139,7 +147,7 @@ export class Touchpad {
   }
 
   #tap(button) {
-    if (this.#pointer.held !== null) return;
+    if (this.#pointer.held !== null || this.#halting) return;
     this.#pointer.click(button);
     this.#pulse();
   }

@@ -1,52 +1,12 @@
 import assert from "node:assert/strict";
-import { after, afterEach, before, beforeEach, describe, test } from "node:test";
+import { describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { allow, copyOnComputer, eventually, exec, Fingers, Host, launchBrowser, openPhone,
-  pasteOnComputer, pointerPlace, putPointer, useMouseAt, Witness } from "./desktop.js";
+import { allow, copyOnComputer, eventually, exec, launchBrowser, pasteOnComputer, pointerPlace,
+  useMouseAt } from "./desktop.js";
+import { center, CONNECTED, fingers, host, pad, page, replaceHost, witness } from "./setup.js";
 
 const HOLD = 700;
-const CONNECTED = "body[data-state=connected]";
-
-let host;
-let browser;
-let witness;
-let page;
-let fingers;
-/** The middle of the touchpad. */
-let pad;
-
-before(async () => {
-  host = await Host.start();
-  browser = await launchBrowser();
-  witness = await Witness.open(1200, 100, 1000, 900);
-});
-
-after(async () => {
-  witness?.close();
-  await browser?.close();
-  await host?.stop();
-});
-
-beforeEach(async () => {
-  page = await openPhone(browser, host.url);
-  await page.waitForSelector(CONNECTED);
-  fingers = await Fingers.on(page);
-  const box = await page.locator("#pad").boundingBox();
-  pad = [Math.round(box.x + box.width / 2), Math.round(box.y + box.height / 2)];
-  await putPointer(1700, 500);
-  witness.lines.length = 0;
-});
-
-afterEach(async () => {
-  assert.deepEqual(page.problems, []);
-  await page.context().close();
-});
-
-async function center(selector) {
-  const box = await page.locator(selector).boundingBox();
-  return [box.x + box.width / 2, box.y + box.height / 2];
-}
 
 const pointerSettled = async () => {
   let last = await pointerPlace();
@@ -168,6 +128,46 @@ describe("touchpad", () => {
   });
 });
 
+describe("scrolling", () => {
+  const fling = async (...ids) => {
+    await fingers.drag(ids, 0, 200, 8);
+    for (const id of ids) await fingers.lift(id);
+  };
+  const pulls = () => witness.count("press 4 held 0x0");
+
+  test("runs out after a throw, until a touch stops it", async () => {
+    const throwWithTwo = async () => {
+      await fingers.put(1, pad[0], pad[1] - 100);
+      await fingers.put(2, pad[0] + 60, pad[1] - 100);
+      await fling(1, 2);
+      const thrown = pulls();
+      await sleep(120);
+      return thrown;
+    };
+    const thrown = await throwWithTwo();
+    await fingers.tap(pad);
+    const stopped = pulls();
+    assert.ok(stopped > thrown, `${thrown} steps when it was thrown, ${stopped} when it was stopped`);
+    await sleep(300);
+    assert.ok(pulls() - stopped <= 1, `${pulls() - stopped} steps after it was stopped`);
+    assert.equal(witness.count("press 1 held 0x0"), 0);
+
+    await page.emulateMedia({ reducedMotion: "reduce" });
+    await throwWithTwo();
+    await sleep(300);
+    const calm = pulls();
+    await sleep(300);
+    assert.equal(pulls(), calm);
+  });
+
+  test("takes one finger at the pad's edge", async () => {
+    await fingers.put(1, ...await center("#scroll-strip"));
+    await fling(1);
+    await witness.sees("press 4 held 0x0");
+    assert.ok((await pointerPlace()).x === 1700);
+  });
+});
+
 describe("sections", () => {
   test("displays are drawn to scale, redrawn at a change, and take the pointer", async () => {
     await page.click("#tab-displays");
@@ -199,15 +199,15 @@ describe("sections", () => {
     await page.click("#tab-clipboard");
     await copyOnComputer("ä → 😀\nsecond line");
     await page.click("text=Read clipboard");
-    await page.waitForFunction((text) => document.querySelector("textarea").value === text,
+    await page.waitForFunction((text) => document.querySelector("#clipboard-text").value === text,
       "ä → 😀\nsecond line");
 
-    await page.fill("textarea", "back again: ß");
+    await page.fill("#clipboard-text", "back again: ß");
     await page.click("text=Write clipboard");
     await eventually("the text is on the computer's clipboard",
       async () => await pasteOnComputer() === "back again: ß");
 
-    await page.fill("textarea", "x".repeat(1100 * 1024));
+    await page.fill("#clipboard-text", "x".repeat(1100 * 1024));
     await page.click("text=Write clipboard");
     await page.waitForSelector("#panel-clipboard .outcome.failed >> text=more than the host takes");
     assert.ok(await page.isVisible(CONNECTED));
@@ -231,21 +231,18 @@ describe("sections", () => {
 });
 
 test("the page says what is wrong with its address and comes back by itself", async () => {
-  const address = new URL(host.url);
-  const token = address.hash;
   const showsState = (state) => page.waitForSelector(`body[data-state=${state}] #advice:not([hidden])`);
-  await page.evaluate(() => { location.hash = "0123456789abcdef0123456789abcdef"; });
+  const useToken = (hash) => page.evaluate((hash) => { location.hash = hash; }, hash);
+  await useToken("0123456789abcdef0123456789abcdef");
   await showsState("refused");
-  await page.evaluate(() => { location.hash = ""; });
+  await useToken("");
   await showsState("no-token");
-  await page.evaluate((hash) => { location.hash = hash; }, token);
+  await useToken(new URL(host.url).hash);
   await page.waitForSelector(CONNECTED);
 
-  await host.stop();
-  await showsState("unreachable");
-  host = await Host.start(address.port);
+  await replaceHost(() => showsState("unreachable"));
   await showsState("refused");
-  await page.evaluate((hash) => { location.hash = hash; }, new URL(host.url).hash);
+  await useToken(new URL(host.url).hash);
   await page.waitForSelector(CONNECTED);
   assert.equal(await page.isVisible("#advice"), false);
 });

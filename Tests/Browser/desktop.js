@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
-import { mkdir, writeFile } from "node:fs/promises";
+import { mkdir, readFile, rm, writeFile } from "node:fs/promises";
 import { dirname, join } from "node:path";
 import { createInterface } from "node:readline";
 import { setTimeout as sleep } from "node:timers/promises";
@@ -10,7 +10,10 @@ import { promisify } from "node:util";
 
 import { chromium } from "playwright-core";
 
-const PATIENCE = 15_000;
+import { decodeMessage, decodeMethodCall } from "../../Console/codec.js";
+
+const PATIENCE = 20_000;
+const graphemes = new Intl.Segmenter();
 
 export const exec = promisify(execFile);
 
@@ -22,7 +25,7 @@ export async function eventually(what, condition) {
     if (outcome) return outcome;
     await sleep(30);
   }
-  assert.fail(`Waited in vain: ${what}`);
+  assert.fail(`Waited in vain: ${what instanceof Function ? what() : what}`);
 }
 
 export class Host {
@@ -78,6 +81,60 @@ export async function openPhone(browser, url) {
   });
   await page.goto(url);
   return page;
+}
+
+/** The line between a page and the host: notes the calls in question, and can hold them up. */
+export class Line {
+  /** Such as "typeText Hello" and "keyPress return". */
+  calls = [];
+  #noted;
+  #held = null;
+  #sockets = [];
+
+  /** Taps the line of a page for calls of these methods; the page is loaded anew. */
+  static async of(page, noted) {
+    const line = new Line();
+    line.#noted = noted;
+    await page.routeWebSocket(/engine/, (socket) => {
+      const host = socket.connectToServer();
+      line.#sockets.push(socket);
+      socket.onMessage((message) => line.#pass(message, host));
+    });
+    await page.reload();
+    return line;
+  }
+
+  hold() {
+    this.#held ??= [];
+  }
+
+  /** Lets what was held up go on. */
+  release() {
+    const held = this.#held;
+    this.#held = null;
+    for (const pass of held) pass();
+  }
+
+  cut() {
+    return this.#sockets.pop().close();
+  }
+
+  /** What an application makes of the calls so far. */
+  get text() {
+    return this.calls.reduce((text, call) => {
+      if (call === "keyPress backspace") return Array.from(graphemes.segment(text),
+        ({ segment }) => segment).slice(0, -1).join("");
+      return text + (call === "keyPress return" ? "\n" : /^typeText (.*)/s.exec(call)?.[1] ?? "");
+    }, "");
+  }
+
+  #pass(message, host) {
+    const { method, args } = decodeMethodCall(decodeMessage(new Uint8Array(message))[2]);
+    if (!this.#noted.test(method)) return host.send(message);
+    this.calls.push(`${method} ${args.key ?? args.text ?? args.bundleId}`);
+    if (this.#held) this.#held.push(() => host.send(message));
+    else host.send(message);
+  }
 }
 
 /** Fingers on the page, each with a number of its own; all of them stay down until lifted. */
@@ -149,13 +206,10 @@ export class Witness {
 
   /** Waits until all of these lines have come, in this order, with others between them or not. */
   async sees(...expected) {
-    await eventually(`${expected.join(", ")} in: ${this.lines}`, () => {
+    await eventually(() => `${expected.join(", ")} in: ${this.lines.join(", ")}`, () => {
       let next = 0;
       for (const line of this.lines) if (line === expected[next]) next++;
       return next === expected.length;
-    }).catch((error) => {
-      error.message += `; the witness saw: ${this.lines.join(", ")}`;
-      throw error;
     });
   }
 
@@ -175,6 +229,54 @@ export class Witness {
     const verb = { ButtonPress: "press", ButtonRelease: "release", MotionNotify: "move" }[this.#kind];
     this.lines.push([verb, detail[2], "held", detail[1]].filter(Boolean).join(" "));
     this.#kind = "";
+  }
+}
+
+/** A terminal in which a program notes what it gets from the keyboard, byte for byte. */
+export class Terminal {
+  #process;
+  #file = join(process.env.XDG_RUNTIME_DIR, "typed");
+
+  static async open() {
+    const terminal = new Terminal();
+    terminal.#process = spawn("xterm", ["-u8", "-e", "sh", "-c",
+      `stty raw -echo; printf '\\033]0;ready\\007'; exec cat >'${terminal.#file}'`]);
+    await eventually("the terminal has the keyboard", async () => {
+      const { stdout } = await exec("xdotool", ["getactivewindow", "getwindowname"]).catch(() => ({}));
+      return stdout === "ready\n";
+    });
+    return terminal;
+  }
+
+  async gets(text) {
+    let typed;
+    await eventually(() => `${JSON.stringify(text)} typed, not ${JSON.stringify(typed)}`, async () => {
+      typed = await readFile(this.#file, "utf8");
+      return typed === text;
+    });
+  }
+
+  close() {
+    this.#process.kill();
+  }
+}
+
+/** Applications of the user's, by the names of their desktop files; each starts a command. */
+export class Applications {
+  #folder = join(process.env.XDG_DATA_HOME, "applications");
+
+  async add(id, name, command, more = "") {
+    await mkdir(this.#folder, { recursive: true });
+    await writeFile(join(this.#folder, `${id}.desktop`),
+      `[Desktop Entry]\nType=Application\nName=${name}\nExec=${command}\n${more}\n`);
+  }
+
+  remove(id) {
+    return rm(join(this.#folder, `${id}.desktop`));
+  }
+
+  removeAll() {
+    return rm(this.#folder, { recursive: true, force: true });
   }
 }
 

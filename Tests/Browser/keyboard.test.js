@@ -1,0 +1,159 @@
+import assert from "node:assert/strict";
+import { beforeEach, test } from "node:test";
+import { setTimeout as sleep } from "node:timers/promises";
+
+import { eventually, Line, Terminal } from "./desktop.js";
+import { center, CONNECTED, fingers, page } from "./setup.js";
+
+let line;
+let field;
+
+beforeEach(async () => {
+  line = await Line.of(page, /^key|^typeText/);
+  await page.waitForSelector(CONNECTED);
+  await page.click("#tab-keyboard");
+  field = page.locator("#typing-text");
+  await field.focus();
+});
+
+const insert = (text) => page.keyboard.insertText(text);
+const paste = async (text) => {
+  await page.context().grantPermissions(["clipboard-read", "clipboard-write"]);
+  await page.evaluate((text) => navigator.clipboard.writeText(text), text);
+  await page.keyboard.press("Control+V");
+};
+const sees = (text) => eventually(() => `"${text}" from ${line.calls}`, () => line.text === text);
+/** Waits for exactly these calls, and forgets them. */
+const sends = async (...calls) => {
+  await eventually(() => `${calls} sent, not ${line.calls}`, () => line.calls.length >= calls.length);
+  await sleep(60);
+  assert.deepEqual(line.calls.splice(0), calls);
+};
+
+test("what is typed, composed, corrected and erased arrives once and in order", async () => {
+  const input = await page.context().newCDPSession(page);
+  await page.keyboard.type("Teh ");
+  for (const text of ["n", "ni"]) {
+    await input.send("Input.imeSetComposition", { text, selectionStart: 0, selectionEnd: 0 });
+  }
+  await sleep(100);
+  await sees("Teh ");
+  await insert("你");
+  await sees("Teh 你");
+  await field.evaluate((area) => area.setSelectionRange(2, 4));
+  await insert("he");
+  await sees("The 你");
+  await field.evaluate((area) => area.setSelectionRange(9, 9));
+  await insert("👨‍👩‍👧ß");
+  await page.keyboard.press("Backspace");
+  await page.keyboard.press("Backspace");
+  await page.keyboard.type("\nx");
+  await page.keyboard.press("Backspace");
+  await page.keyboard.press("Backspace");
+  await page.keyboard.type("y");
+  await sees("The 你y");
+
+  // A key takes along what is still being composed.
+  await input.send("Input.imeSetComposition", { text: "ls", selectionStart: 2, selectionEnd: 2 });
+  line.calls.length = 0;
+  await page.click("[data-key=tab]");
+  await sends("typeText ls", "keyPress tab");
+
+  const userAgent = "Mozilla/5.0 (Linux; Android 14)";
+  await input.send("Emulation.setUserAgentOverride", { userAgent, acceptLanguage: "de" });
+  await input.send("Input.imeSetComposition", { text: "ls", selectionStart: 2, selectionEnd: 2 });
+  await sends("typeText ls");
+  await insert("la");
+  await sends("keyPress backspace", "typeText a");
+});
+
+test("an application gets the text and the keys", async () => {
+  const terminal = await Terminal.open();
+  try {
+    await page.keyboard.type("Grüße, ");
+    await insert("Ελλάδα 你好 👍🏽\n" + "äöü ЖЩЫ ".repeat(20));
+    await page.click("[data-key=escape]");
+    await page.keyboard.press("Enter");
+    await page.click("#panel-keyboard [data-modifier=control]");
+    await page.keyboard.type("d");
+    await page.click("#panel-keyboard [data-modifier=control]");
+    await page.keyboard.type("Z");
+    await terminal.gets(`Grüße, Ελλάδα 你好 👍🏽\r${"äöü ЖЩЫ ".repeat(20)}\x1b\r\x04Z`);
+  } finally {
+    terminal.close();
+  }
+});
+
+test("a long text goes in pieces, one at a time, and can be stopped", async () => {
+  line.hold();
+  await paste("é".repeat(99) + "🇩🇪".repeat(101));
+  await page.click("[data-key=return]");
+  await page.waitForSelector(".work >> visible=true");
+  await sends(`typeText ${"é".repeat(50)}`);
+  line.release();
+  await sends(`typeText ${"é".repeat(49)}🇩🇪`, `typeText ${"🇩🇪".repeat(50)}`,
+    `typeText ${"🇩🇪".repeat(50)}`, "keyPress return");
+  await page.waitForSelector(".work", { state: "hidden" });
+
+  line.hold();
+  await paste("a".repeat(1000));
+  await page.click("text=Stop");
+  line.release();
+  await sends(`typeText ${"a".repeat(50)}`);
+  await page.keyboard.press("Backspace");
+  await sends("keyPress backspace");
+});
+
+test("modifiers hold until they are tapped again, or the page is left", async () => {
+  const control = page.locator("#panel-keyboard [data-modifier=control]");
+  const held = () => control.getAttribute("aria-pressed");
+  await control.click();
+  assert.equal(await held(), "true");
+  await page.keyboard.type("wé");
+  await page.click("[data-shortcut=redo]");
+  await page.click("#tab-touchpad");
+  await page.click("#held >> text=Ctrl");
+  assert.equal(await held(), "false");
+  await sends("keyDown control", "keyPress w", "typeText é", "keyDown shift", "keyPress z",
+    "keyUp shift", "keyUp control");
+
+  await page.click("#tab-keyboard");
+  await page.click("[data-shortcut=copy]");
+  await page.click("[data-shortcut=switch]");
+  await control.click();
+  await sends("keyDown control", "keyPress c", "keyUp control", "keyDown option", "keyPress tab",
+    "keyUp option", "keyDown control");
+  await page.evaluate(() => window.dispatchEvent(new Event("blur")));
+  await sends("keyUp control");
+  await control.click();
+  await line.cut();
+  await eventually("the line's end lets go", async () => await held() === "false");
+});
+
+test("a key repeats for as long as a finger is on it", async () => {
+  await fingers.put(1, ...await center("[data-key=up]"));
+  await eventually("the key repeats", () => line.calls.length > 4);
+  await fingers.lift(1);
+  await sleep(100);
+  const { length } = line.calls;
+  await sleep(200);
+  assert.equal(line.calls.length, length);
+  assert.ok(line.calls.every((call) => call === "keyPress up"));
+  assert.ok(await field.evaluate((area) => area === document.activeElement));
+});
+
+test("a desktop's keys go to the computer, and those of the browser when asked to", async () => {
+  await page.keyboard.press("ArrowLeft");
+  await page.keyboard.press("Shift+End");
+  await sends("keyPress left", "keyDown shift", "keyPress end", "keyUp shift");
+  await page.keyboard.press("Tab");
+  const capture = page.locator(".capture");
+  await capture.evaluate((button) => button.click());
+  await page.keyboard.press("Tab");
+  await page.keyboard.press("Control+a");
+  await page.keyboard.press("F5");
+  await page.keyboard.press("Control+Alt");
+  await page.keyboard.press("Tab");
+  await sends("keyPress tab", "keyDown control", "keyPress a", "keyUp control", "keyPress f5");
+  assert.equal(await capture.getAttribute("aria-checked"), "false");
+});
