@@ -14,7 +14,7 @@ std::optional<std::string> takeMessage(GError* error) {
 
 }  // namespace
 
-std::optional<std::string> KeyFile::load(const std::string& path) {
+std::optional<std::string> KeyFile::load(const std::string& path) const {
   GError* error = nullptr;
   g_key_file_load_from_file(get(), path.c_str(), G_KEY_FILE_KEEP_COMMENTS, &error);
   return takeMessage(error);

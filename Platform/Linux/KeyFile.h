@@ -15,7 +15,7 @@ class KeyFile {
   KeyFile() : _file(g_key_file_new()) {}
 
   /// What the file holds takes the place of what was here; on failure the reason, for people.
-  std::optional<std::string> load(const std::string& path);
+  std::optional<std::string> load(const std::string& path) const;
 
   /// Writes beside the file and renames, so that a reader meets the old state or the new one whole,
   /// readable by its owner only; creates missing folders. On failure the reason, for people, and

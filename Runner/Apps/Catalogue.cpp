@@ -80,9 +80,10 @@ void addKeptInDock(Collection& collection) {
 }
 
 void addInstalled(Collection& collection, const std::string& folder) {
+  const std::string prefix = folder + "/";
   for (const std::string& entry : platform::contentsOfDirectory(folder)) {
     if (!entry.ends_with(kBundleSuffix)) continue;
-    const auto identifier = platform::bundleIdentifierAt(folder + "/" + entry);
+    const auto identifier = platform::bundleIdentifierAt(prefix + entry);
     if (!identifier) continue;
     collection.add({*identifier, entry.substr(0, entry.size() - kBundleSuffix.size()), false});
   }

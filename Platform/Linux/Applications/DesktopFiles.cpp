@@ -35,8 +35,7 @@ void addFolder(Files& files, Visited& visited, const fs::path& folder, const std
     const std::string& path = entry->path().native();
     std::error_code unreadable;
     if (name.ends_with(kSuffix)) {
-      if (files.count(idPrefix + name) == 0)
-        files[idPrefix + name] = {path, stampOf(path), isUsers};
+      if (!files.contains(idPrefix + name)) files[idPrefix + name] = {path, stampOf(path), isUsers};
     } else if (entry->is_directory(unreadable)) {
       addFolder(files, visited, entry->path(), idPrefix + name + "-", isUsers);
     }

@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr uint8_t kFormat = 1;
-constexpr size_t kLongestFile = 256 * 1024;
+constexpr size_t kLongestFile = size_t{256} << 10;
 
 /// Numbers, the most significant byte first.
 class Writer {
@@ -155,7 +155,7 @@ Journal::~Journal() {
   ::close(_file);
 }
 
-std::optional<Held> Journal::takeLeftOver() {
+std::optional<Held> Journal::takeLeftOver() const {
   if (_file < 0) return std::nullopt;
   std::vector<uint8_t> bytes(kLongestFile);
   const ssize_t count = ::pread(_file, bytes.data(), bytes.size(), 0);
@@ -164,7 +164,7 @@ std::optional<Held> Journal::takeLeftOver() {
   return readHeld(bytes);
 }
 
-void Journal::write(const Held& held) {
+void Journal::write(const Held& held) const {
   if (_file < 0) return;
   const auto bytes = held.isNothing() ? std::vector<uint8_t>() : writeHeld(held);
   // one write: a kill leaves the old state or the new

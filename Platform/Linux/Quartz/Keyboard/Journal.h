@@ -37,8 +37,8 @@ class Journal {
   Journal& operator=(const Journal&) = delete;
 
   /// What a process left that is no longer; once.
-  std::optional<Held> takeLeftOver();
-  void write(const Held& held);
+  std::optional<Held> takeLeftOver() const;
+  void write(const Held& held) const;
 
  private:
   std::filesystem::path _path;

@@ -14,6 +14,8 @@ template <typename... Functions>
 struct Match : Functions... {
   using Functions::operator()...;
 };
+template <typename... Functions>
+Match(Functions...) -> Match<Functions...>;
 
 // so many characters of a text are looked at for one change; more have no places anyway
 constexpr size_t kFarthest = 4096;

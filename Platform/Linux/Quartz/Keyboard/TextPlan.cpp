@@ -1,5 +1,6 @@
 #include "Platform/Linux/Quartz/Keyboard/TextPlan.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "Platform/Linux/Quartz/Keyboard/Keysyms.h"
@@ -65,12 +66,9 @@ const std::vector<Alphabet>& alphabets() {
 }
 
 bool contains(const Alphabet& alphabet, Keysym keysym) {
-  for (const Range& range : alphabet) {
-    if (keysym >= keysymForCharacter(range.first) && keysym <= keysymForCharacter(range.last)) {
-      return true;
-    }
-  }
-  return false;
+  return std::any_of(alphabet.begin(), alphabet.end(), [keysym](const Range& range) {
+    return keysym >= keysymForCharacter(range.first) && keysym <= keysymForCharacter(range.last);
+  });
 }
 
 }  // namespace
