@@ -81,6 +81,8 @@ void serve(const Options& options) {
   std::fflush(stdout);
   loop->run();
   engine->stop();
+  // while the signals are still heard: a second one must not end the process before this is done
+  quartz::letGo();
 }
 
 int run(const Options& options) {
@@ -89,7 +91,6 @@ int run(const Options& options) {
   Gtk::Main::init_gtkmm_internals();
   serve(options);
 
-  quartz::letGo();
   platform::storePasteboard();
   if (!platform::finishGlobalQueues(kLastWork)) _exit(EXIT_SUCCESS);
   return EXIT_SUCCESS;

@@ -1,6 +1,7 @@
 #include "Platform/Linux/Quartz/Keyboard/ClientAnswer.h"
 
 #include <poll.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -39,7 +40,8 @@ xcb_window_t ClientAnswer::noteFocus() {
 
 void ClientAnswer::settle() {
   const xcb_window_t window = applicationWindow(noteFocus());
-  if (window == XCB_WINDOW_NONE || !takesPing(window) || _silent.contains(window)) return;
+  if (window == XCB_WINDOW_NONE || isOwn(window) || !takesPing(window)) return;
+  if (_silent.contains(window)) return;
   // two answers: one whole turn of its main loop in between
   const Deadline deadline = Clock::now() + kSettleTime;
   for (int round = 0; round < 2 && ping(window, deadline); ++round) {
@@ -54,9 +56,8 @@ void ClientAnswer::await() {
   std::set<xcb_window_t> asked;
   for (const xcb_window_t window : windows) {
     const xcb_window_t application = applicationWindow(window);
-    if (application != XCB_WINDOW_NONE && asked.insert(application).second) {
-      awaitApplicationOf(application);
-    }
+    if (application == XCB_WINDOW_NONE || isOwn(application)) continue;
+    if (asked.insert(application).second) awaitApplicationOf(application);
   }
 }
 
@@ -93,6 +94,15 @@ xcb_window_t ClientAnswer::applicationWindow(xcb_window_t focused) {
     window = tree->parent;
   }
   return XCB_WINDOW_NONE;
+}
+
+// This process's own windows answer from the thread that may be waiting here.
+bool ClientAnswer::isOwn(xcb_window_t window) {
+  const auto bytes =
+      _connection.property(window, _connection.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
+  uint32_t process = 0;
+  if (bytes.size() >= sizeof process) std::memcpy(&process, bytes.data(), sizeof process);
+  return process == static_cast<uint32_t>(::getpid());
 }
 
 bool ClientAnswer::takesPing(xcb_window_t window) {

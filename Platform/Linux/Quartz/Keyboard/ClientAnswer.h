@@ -31,6 +31,7 @@ class ClientAnswer {
   void awaitApplicationOf(xcb_window_t window);
   xcb_window_t noteFocus();
   xcb_window_t applicationWindow(xcb_window_t focused);
+  bool isOwn(xcb_window_t window);
   bool takesPing(xcb_window_t window);
   bool ping(xcb_window_t window, Deadline deadline);
   bool askToolkit(xcb_window_t window, Deadline deadline);
