@@ -4,7 +4,7 @@ pkg_check_modules(FRONT_XCB REQUIRED IMPORTED_TARGET xcb)
 
 # The user's settings; apart because Quartz asks them too.
 tapdeck_library(tapdeck_usersettings
-  SOURCES KeyFile.cpp Permissions.cpp
+  SOURCES KeyFile.cpp FileStamp.cpp Permissions.cpp
   LINKS PkgConfig::FRONT_GLIB)
 
 # The fronts of the Objective-C frameworks.

@@ -1,13 +1,12 @@
 #include "Platform/Linux/Permissions.h"
 
-#include <sys/stat.h>
-
 #include <array>
 #include <cstdio>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "Platform/Linux/FileStamp.h"
 #include "Platform/Linux/KeyFile.h"
 
 namespace tapdeck::permissions {
@@ -17,16 +16,6 @@ namespace {
 constexpr const char* kGroup = "Permissions";
 constexpr std::array<const char*, 2> keys = {"control", "screenCapture"};
 
-/// What tells one state of the file from the next without reading it.
-struct Stamp {
-  dev_t device = 0;
-  ino_t inode = 0;
-  off_t size = 0;
-  time_t seconds = 0;
-  long nanoseconds = 0;
-  friend bool operator==(const Stamp&, const Stamp&) = default;
-};
-
 struct Settings {
   std::array<bool, 2> granted = {true, true};
 };
@@ -34,7 +23,7 @@ struct Settings {
 /// The settings as last read, and of which state of the file; no stamp when there was no file.
 struct Cache {
   Settings settings;
-  std::optional<Stamp> stamp;
+  std::optional<FileStamp> stamp;
 };
 
 Cache& cache() {
@@ -45,13 +34,6 @@ Cache& cache() {
 std::function<void(Permission)>& askHandler() {
   static std::function<void(Permission)> handler;
   return handler;
-}
-
-std::optional<Stamp> stampOf(const std::string& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) return std::nullopt;
-  return Stamp{status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec,
-               status.st_mtim.tv_nsec};
 }
 
 /// A file that says something unreadable grants nothing: nobody can tell what the user withdrew.

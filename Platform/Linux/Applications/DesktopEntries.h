@@ -54,7 +54,7 @@ class DesktopEntries {
   void update();
 
   std::map<std::string, Known> _known;
-  std::vector<std::optional<Stamp>> _programFolders;
+  std::vector<std::optional<FileStamp>> _programFolders;
   Entries _all;
 };
 

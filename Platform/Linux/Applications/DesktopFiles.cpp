@@ -1,7 +1,6 @@
 #include "Platform/Linux/Applications/DesktopFiles.h"
 
 #include <glib.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <memory>
@@ -49,13 +48,6 @@ void addDataFolder(Files& files, const char* folder, bool isUsers) {
 
 }  // namespace
 
-std::optional<Stamp> stampOf(const std::string& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) return std::nullopt;
-  return Stamp{status.st_dev, status.st_ino, status.st_size, status.st_mtim.tv_sec,
-               status.st_mtim.tv_nsec};
-}
-
 std::map<std::string, DesktopFile> findDesktopFiles() {
   Files files;
   addDataFolder(files, g_get_user_data_dir(), true);
@@ -65,8 +57,8 @@ std::map<std::string, DesktopFile> findDesktopFiles() {
   return files;
 }
 
-std::vector<std::optional<Stamp>> programFolderStamps() {
-  std::vector<std::optional<Stamp>> stamps;
+std::vector<std::optional<FileStamp>> programFolderStamps() {
+  std::vector<std::optional<FileStamp>> stamps;
   const char* path = g_getenv("PATH");
   const std::unique_ptr<char*, decltype(&g_strfreev)> folders(
       g_strsplit(path != nullptr ? path : "", ":", -1), g_strfreev);

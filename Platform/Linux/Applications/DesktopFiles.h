@@ -1,31 +1,18 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "Platform/Linux/FileStamp.h"
+
 namespace tapdeck::applications {
-
-/// What tells one state of a file or folder from the next without reading it.
-struct Stamp {
-  dev_t device = 0;
-  ino_t inode = 0;
-  off_t size = 0;
-  time_t seconds = 0;
-  long nanoseconds = 0;
-  friend bool operator==(const Stamp&, const Stamp&) = default;
-};
-
-/// Absent when nothing is there, or only a link that leads nowhere.
-std::optional<Stamp> stampOf(const std::string& path);
 
 /// One file of the applications folders.
 struct DesktopFile {
   std::string path;
-  std::optional<Stamp> stamp;
+  std::optional<FileStamp> stamp;
   /// Whether it lies in the user's own folder.
   bool isUsers = false;
 };
@@ -36,6 +23,6 @@ struct DesktopFile {
 std::map<std::string, DesktopFile> findDesktopFiles();
 
 /// The states of the folders of $PATH.
-std::vector<std::optional<Stamp>> programFolderStamps();
+std::vector<std::optional<FileStamp>> programFolderStamps();
 
 }  // namespace tapdeck::applications
