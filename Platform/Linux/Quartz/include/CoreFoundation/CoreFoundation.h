@@ -23,6 +23,7 @@ using CFDataRef = const struct __CFData*;
 using CFMutableDataRef = struct __CFData*;
 using CFDictionaryRef = const struct __CFDictionary*;
 using CFBooleanRef = const struct __CFBoolean*;
+using CFNumberRef = const struct __CFNumber*;
 
 /// Which of the two built-in ways of keeping keys or values a dictionary uses. Here every
 /// dictionary retains and compares Core Foundation objects; the call-back records only mark that.
@@ -55,6 +56,11 @@ CFMutableDataRef CFDataCreateMutable(CFAllocatorRef allocator, CFIndex capacity)
 void CFDataAppendBytes(CFMutableDataRef data, const UInt8* bytes, CFIndex length);
 CFIndex CFDataGetLength(CFDataRef data);
 const UInt8* CFDataGetBytePtr(CFDataRef data);
+
+enum CFNumberType : CFIndex { kCFNumberDoubleType = 13 };
+/// `type` must be kCFNumberDoubleType, and `value` points to a double.
+CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
                                    CFIndex count, const CFDictionaryKeyCallBacks* keyCallBacks,

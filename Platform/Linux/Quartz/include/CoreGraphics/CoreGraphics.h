@@ -6,6 +6,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <cstddef>
 #include <cstdint>
 
 extern "C" {
@@ -68,6 +69,45 @@ CGRect CGDisplayBounds(CGDirectDisplayID display);
 CGError CGDisplayHideCursor(CGDirectDisplayID display);
 CGError CGDisplayShowCursor(CGDirectDisplayID display);
 CGError CGWarpMouseCursorPosition(CGPoint position);
+
+// ---- images
+
+using CGColorSpaceRef = struct CGColorSpace*;
+using CGImageRef = struct CGImage*;
+using CGContextRef = struct CGContext*;
+using CGBitmapInfo = uint32_t;
+
+enum CGImageAlphaInfo : uint32_t { kCGImageAlphaNoneSkipFirst = 6 };
+enum : CGBitmapInfo { kCGBitmapByteOrder32Little = 2 << 12 };
+enum CGInterpolationQuality : int32_t {
+  kCGInterpolationDefault = 0,
+  kCGInterpolationNone = 1,
+  kCGInterpolationLow = 2,
+};
+
+/// What the display shows now, the cursor left out, in the display's own pixels. Null when the
+/// display is not attached, the user does not let the host capture the screen, or there is no
+/// memory for it.
+CGImageRef CGDisplayCreateImage(CGDirectDisplayID display);
+/// 0 for null, as the next one.
+size_t CGImageGetWidth(CGImageRef image);
+size_t CGImageGetHeight(CGImageRef image);
+
+CGColorSpaceRef CGColorSpaceCreateDeviceRGB();
+
+/// Pixels to draw on, all zero. Here `data` must be null (the context owns its memory) and the
+/// format 8 bits per component, kCGBitmapByteOrder32Little | kCGImageAlphaNoneSkipFirst; a
+/// `bytesPerRow` of 0 lets the context choose. Null for any other format, no size, or no memory.
+CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
+                                   size_t bytesPerRow, CGColorSpaceRef space, uint32_t bitmapInfo);
+/// The context's memory, valid as long as the context; null for a null context.
+void* CGBitmapContextGetData(CGContextRef context);
+size_t CGBitmapContextGetBytesPerRow(CGContextRef context);
+/// A snapshot of the context's pixels.
+CGImageRef CGBitmapContextCreateImage(CGContextRef context);
+void CGContextSetInterpolationQuality(CGContextRef context, CGInterpolationQuality quality);
+/// Draws the whole image into `rect` of the context; here the rectangle is the whole context.
+void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image);
 
 // ---- permissions
 
