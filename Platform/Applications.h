@@ -30,6 +30,9 @@ struct RunningApplication {
 /// NSWorkspace runningApplications, read afresh.
 std::vector<RunningApplication> runningApplications();
 
+/// NSWorkspace frontmostApplication: the one that has the keyboard; absent when none has it.
+std::optional<RunningApplication> frontmostApplication();
+
 /// NSRunningApplication icon; null when the application has none or has ended.
 std::shared_ptr<const Image> iconOf(const RunningApplication& application);
 

@@ -29,6 +29,11 @@ std::vector<Screen> screens();
 /// NSScreen.mainScreen: the screen with the window that has the keyboard focus. Main thread only.
 std::optional<Screen> mainScreen();
 
+/// NSScreen.visibleFrame: the part of the screen's frame that menu bar, Dock and panels leave free,
+/// in the frame's coordinates; the whole frame when the screen is no longer attached. Main thread
+/// only.
+CGRect visibleFrame(const Screen& screen);
+
 /// Calls `changed` on the main thread at each NSApplicationDidChangeScreenParametersNotification
 /// (a screen attached, removed, rearranged or its resolution changed) until the process ends.
 void observeScreenParameters(std::function<void()> changed);

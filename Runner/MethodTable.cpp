@@ -8,6 +8,8 @@
 #include "Runner/Apps/Launching.h"
 #include "Runner/Clipboard.h"
 #include "Runner/Display/DisplayGeometry.h"
+#include "Runner/Display/LaserPointer.h"
+#include "Runner/Display/WindowPlacement.h"
 #include "Runner/Input/Keyboard.h"
 #include "Runner/Input/Pointer.h"
 #include "Runner/Input/Scrolling.h"
@@ -145,9 +147,21 @@ void getDisplays(const ControlCall&, Reply reply) {
   reply.success(Value(allDisplays()));
 }
 
-void moveWindowToDisplay(const ControlCall& call, Reply reply) {
-  if (!call.arguments.string("display")) return invalidArguments(reply, "display required");
-  reply.notImplemented();
+void moveWindowToDisplayRow(const ControlCall& call, Reply reply) {
+  const auto display = call.arguments.string("display");
+  if (!display) return invalidArguments(reply, "display required");
+  moveWindowToDisplay(*call.window, *display);
+  reply.success();
+}
+
+void showLaserRow(const ControlCall& call, Reply reply) {
+  showLaser(call.window);
+  reply.success();
+}
+
+void hideLaserRow(const ControlCall& call, Reply reply) {
+  hideLaser(call.window);
+  reply.success();
 }
 
 void screenCaptureSupported(const ControlCall&, Reply reply) {
@@ -237,7 +251,7 @@ constexpr ControlMethod kControlMethods[] = {
     {"getDisplays", WindowGone::replyEmptyList, getDisplays},
     {"supportsWindowMove", WindowGone::runAnyway, outsideSandbox},
     {"moveMouseAbs", WindowGone::replyNull, moveMouseAbsRow},
-    {"moveWindowToDisplay", WindowGone::replyNull, moveWindowToDisplay},
+    {"moveWindowToDisplay", WindowGone::replyNull, moveWindowToDisplayRow},
     {"screenCaptureSupported", WindowGone::runAnyway, screenCaptureSupported},
     {"screenPermissionGranted", WindowGone::runAnyway, screenPermissionGranted},
     {"requestScreenPermission", WindowGone::runAnyway, requestScreenPermission},
@@ -261,8 +275,8 @@ constexpr ControlMethod kControlMethods[] = {
     {"keyDown", WindowGone::replyNull, keyDownRow},
     {"keyUp", WindowGone::replyNull, keyUpRow},
     {"typeText", WindowGone::replyNull, typeTextRow},
-    {"showLaser", WindowGone::replyNull, notBuiltYet},
-    {"hideLaser", WindowGone::replyNull, notBuiltYet},
+    {"showLaser", WindowGone::replyNull, showLaserRow},
+    {"hideLaser", WindowGone::replyNull, hideLaserRow},
     {"getVolumeLevel", WindowGone::replyVolume50, notBuiltYet},
     {"supportsNowPlaying", WindowGone::runAnyway, outsideSandbox},
     {"getNowPlaying", WindowGone::runAnyway, getNowPlaying},

@@ -47,6 +47,18 @@ std::vector<RunningApplication> runningApplications() {
   return all;
 }
 
+std::optional<RunningApplication> frontmostApplication() {
+  const auto window = activeManagedWindow();
+  if (!window) return std::nullopt;
+  const auto* entry = entryOf(*window, DesktopEntries::current());
+  RunningApplication application;
+  // a window without a desktop entry is in front all the same
+  if (entry != nullptr) application = describe(*entry, window->processId);
+  application.activationPolicy = ActivationPolicy::regular;
+  application.processIdentifier = window->processId;
+  return application;
+}
+
 std::shared_ptr<const Image> iconOf(const RunningApplication& application) {
   const auto* entry = DesktopEntries::current().withId(application.bundleIdentifier.value_or(""));
   return entry != nullptr ? iconOf(*entry) : nullptr;

@@ -1,10 +1,11 @@
 #include "Platform/Screens.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "Platform/Linux/Quartz/PointSpace.h"
 #include "Platform/Linux/Quartz/Session.h"
+#include "Platform/Linux/Quartz/WindowManager.h"
+#include "Platform/Linux/Quartz/WorkArea.h"
 
 namespace tapdeck::platform {
 namespace {
@@ -16,18 +17,9 @@ struct Place {
   int x, y;
 };
 
-/// The window that the window manager says has the focus.
-xcb_window_t activeWindow(Connection& connection) {
-  const auto bytes = connection.property(connection.root(), connection.atom("_NET_ACTIVE_WINDOW"),
-                                         XCB_ATOM_WINDOW);
-  xcb_window_t window = XCB_WINDOW_NONE;
-  if (bytes.size() >= sizeof window) std::memcpy(&window, bytes.data(), sizeof window);
-  return window;
-}
-
 /// In pixels of the root window.
 std::optional<Place> centreOfActiveWindow(Connection& connection) {
-  const xcb_window_t window = activeWindow(connection);
+  const xcb_window_t window = quartz::activeWindow(connection);
   if (window == XCB_WINDOW_NONE) return std::nullopt;
   const auto geometry =
       connection.wait(xcb_get_geometry(connection.get(), window), xcb_get_geometry_reply);
@@ -76,6 +68,18 @@ std::optional<Screen> mainScreen() {
   }
   const auto index = place == monitors.end() ? 0 : place - monitors.begin();
   return screensOf(monitors)[static_cast<size_t>(index)];
+}
+
+CGRect visibleFrame(const Screen& screen) {
+  const auto monitors = quartz::monitors();
+  const auto monitor = std::ranges::find(monitors, screen.number, &Monitor::number);
+  if (monitor == monitors.end()) return screen.frame;
+  const auto area = quartz::workArea(quartz::session()->connection, *monitor, monitors.size() == 1);
+  const double scale = quartz::pixelsPerPoint();
+  const double fromLeft = (area.left - monitor->x) / scale;
+  const double fromBottom = (monitor->y + monitor->height - area.bottom) / scale;
+  return CGRectMake(screen.frame.origin.x + fromLeft, screen.frame.origin.y + fromBottom,
+                    (area.right - area.left) / scale, (area.bottom - area.top) / scale);
 }
 
 void observeScreenParameters(std::function<void()> changed) {

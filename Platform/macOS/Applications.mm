@@ -41,6 +41,12 @@ std::vector<RunningApplication> runningApplications() {
   return all;
 }
 
+std::optional<RunningApplication> frontmostApplication() {
+  NSRunningApplication* application = NSWorkspace.sharedWorkspace.frontmostApplication;
+  if (application == nil) return std::nullopt;
+  return describe(application);
+}
+
 std::shared_ptr<const Image> iconOf(const RunningApplication& application) {
   return imageOf(
       [NSRunningApplication runningApplicationWithProcessIdentifier:application.processIdentifier]

@@ -7,9 +7,13 @@
 namespace tapdeck::platform {
 namespace {
 
-Screen describe(NSScreen* screen) {
+std::optional<uint32_t> numberOf(NSScreen* screen) {
   NSNumber* number = screen.deviceDescription[@"NSScreenNumber"];
-  return {.number = number == nil ? std::nullopt : std::optional<uint32_t>(number.unsignedIntValue),
+  return number == nil ? std::nullopt : std::optional<uint32_t>(number.unsignedIntValue);
+}
+
+Screen describe(NSScreen* screen) {
+  return {.number = numberOf(screen),
           .localizedName = utf8FromString(screen.localizedName),
           .frame = screen.frame,
           .backingScaleFactor = screen.backingScaleFactor};
@@ -27,6 +31,13 @@ std::optional<Screen> mainScreen() {
   NSScreen* screen = NSScreen.mainScreen;
   if (screen == nil) return std::nullopt;
   return describe(screen);
+}
+
+CGRect visibleFrame(const Screen& screen) {
+  for (NSScreen* attached in NSScreen.screens) {
+    if (numberOf(attached) == screen.number) return attached.visibleFrame;
+  }
+  return screen.frame;
 }
 
 void observeScreenParameters(std::function<void()> changed) {

@@ -1,25 +1,16 @@
 #include "Platform/Linux/Applications/ManagedWindows.h"
 
-#include <glib.h>
-
 #include <algorithm>
-#include <cstring>
 #include <initializer_list>
 
 #include "Platform/Linux/Quartz/Session.h"
+#include "Platform/Linux/Quartz/WindowManager.h"
 
 namespace tapdeck::applications {
 namespace {
 
 using quartz::Connection;
-
-std::vector<uint32_t> numbers(Connection& connection, xcb_window_t window, const char* name,
-                              xcb_atom_t type) {
-  const auto bytes = connection.property(window, connection.atom(name), type);
-  std::vector<uint32_t> values(bytes.size() / sizeof(uint32_t));
-  if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(uint32_t));
-  return values;
-}
+using quartz::holdsAny;
 
 /// A property of text up to its first NUL, of either type that applications give it.
 std::string text(Connection& connection, xcb_window_t window, const char* name) {
@@ -39,14 +30,6 @@ void readClassHint(Connection& connection, ManagedWindow& window) {
   }
 }
 
-bool holdsAny(Connection& connection, xcb_window_t window, const char* property,
-              std::initializer_list<const char*> names) {
-  const auto atoms = numbers(connection, window, property, XCB_ATOM_ATOM);
-  return std::any_of(names.begin(), names.end(), [&](const char* name) {
-    return std::find(atoms.begin(), atoms.end(), connection.atom(name)) != atoms.end();
-  });
-}
-
 bool isOrdinary(Connection& connection, xcb_window_t window) {
   return !holdsAny(connection, window, "_NET_WM_STATE", {"_NET_WM_STATE_SKIP_TASKBAR"}) &&
          !holdsAny(connection, window, "_NET_WM_WINDOW_TYPE",
@@ -59,8 +42,7 @@ ManagedWindow describe(Connection& connection, xcb_window_t window) {
   readClassHint(connection, described);
   described.gtkApplicationId = text(connection, window, "_GTK_APPLICATION_ID");
   described.desktopFileHint = text(connection, window, "_BAMF_DESKTOP_FILE");
-  const auto process = numbers(connection, window, "_NET_WM_PID", XCB_ATOM_CARDINAL);
-  if (!process.empty()) described.processId = static_cast<int32_t>(process.front());
+  described.processId = quartz::processOf(connection, window);
   described.isOrdinary = isOrdinary(connection, window);
   return described;
 }
@@ -71,11 +53,9 @@ std::vector<ManagedWindow> managedWindows() {
   std::vector<ManagedWindow> windows;
   if (quartz::session() == nullptr) return windows;
   Connection& connection = quartz::session()->connection;
-  auto list = numbers(connection, connection.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW);
-  if (list.empty()) {
-    list = numbers(connection, connection.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW);
+  for (const xcb_window_t window : quartz::managedClients(connection)) {
+    windows.push_back(describe(connection, window));
   }
-  for (const xcb_window_t window : list) windows.push_back(describe(connection, window));
   return windows;
 }
 
@@ -85,21 +65,17 @@ const DesktopEntry* entryOf(const ManagedWindow& window, const DesktopEntries& e
   return entries.ofWindowClass(window.instance, window.className);
 }
 
-void activate(const ManagedWindow& window) {
-  // as a pager asks, whose wish window managers take for the user's own
-  constexpr uint32_t kFromPager = 2;
+std::optional<ManagedWindow> activeManagedWindow() {
+  if (quartz::session() == nullptr) return std::nullopt;
   Connection& connection = quartz::session()->connection;
-  xcb_client_message_event_t message{};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
-  message.window = window.window;
-  message.type = connection.atom("_NET_ACTIVE_WINDOW");
-  message.data.data32[0] = kFromPager;
-  message.data.data32[1] = XCB_CURRENT_TIME;
-  xcb_send_event(connection.get(), 0, connection.root(),
-                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
-  connection.flush();
+  const xcb_window_t window = quartz::activeWindow(connection);
+  return window != XCB_WINDOW_NONE ? std::optional(describe(connection, window)) : std::nullopt;
+}
+
+void activate(const ManagedWindow& window) {
+  // window managers take a pager's wish for the user's own
+  quartz::ask(quartz::session()->connection, window.window, "_NET_ACTIVE_WINDOW",
+              {quartz::kFromPager, XCB_CURRENT_TIME, 0, 0, 0});
 }
 
 }  // namespace tapdeck::applications

@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,9 @@ struct ManagedWindow {
 
 /// The lowest first (EWMH); empty when there is no window manager. Main thread only, as all here.
 std::vector<ManagedWindow> managedWindows();
+
+/// The one that has the keyboard; absent when none has it.
+std::optional<ManagedWindow> activeManagedWindow();
 
 /// The application that the window belongs to; null when no desktop entry describes it.
 const DesktopEntry* entryOf(const ManagedWindow& window, const DesktopEntries& entries);

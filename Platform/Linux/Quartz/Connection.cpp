@@ -56,7 +56,7 @@ Connection::Connection() {
   }
   auto screens = xcb_setup_roots_iterator(xcb_get_setup(get()));
   for (int i = 0; i < _screenNumber; ++i) xcb_screen_next(&screens);
-  _root = screens.data->root;
+  _screen = screens.data;
   requireExtensions();
 }
 

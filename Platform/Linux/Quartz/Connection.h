@@ -28,7 +28,9 @@ class Connection {
   Connection& operator=(const Connection&) = delete;
 
   xcb_connection_t* get() const { return _connection.get(); }
-  xcb_window_t root() const { return _root; }
+  /// The X screen of $DISPLAY; lives as long as this.
+  const xcb_screen_t& screen() const { return *_screen; }
+  xcb_window_t root() const { return _screen->root; }
   /// The number of the X screen: the Y of DISPLAY=:X.Y.
   int screenNumber() const { return _screenNumber; }
   bool isAlive() const { return xcb_connection_has_error(get()) == 0; }
@@ -65,7 +67,7 @@ class Connection {
 
   int _screenNumber = 0;
   std::unique_ptr<xcb_connection_t, Disconnect> _connection;
-  xcb_window_t _root = XCB_WINDOW_NONE;
+  const xcb_screen_t* _screen = nullptr;
   // neither changes while the server runs
   std::unordered_map<std::string, xcb_atom_t> _atoms;
   std::unordered_map<xcb_atom_t, std::string> _atomNames;

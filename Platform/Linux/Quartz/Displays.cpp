@@ -42,3 +42,7 @@ CGError CGWarpMouseCursorPosition(CGPoint position) {
   connection.flush();
   return connection.isAlive() ? kCGErrorSuccess : kCGErrorFailure;
 }
+
+int32_t CGShieldingWindowLevel() {
+  return 1;
+}

@@ -27,6 +27,12 @@ std::optional<Screen> mainScreen() {
   return script().mainScreen;
 }
 
+CGRect visibleFrame(const Screen& screen) {
+  const auto& frames = script().windows.visibleFrames;
+  const auto found = frames.find(screen.number.value_or(0));
+  return found != frames.end() ? found->second : screen.frame;
+}
+
 void observeScreenParameters(std::function<void()> changed) {
   record("observe screen parameters");
   queued().screenObservers.push_back(std::move(changed));

@@ -150,6 +150,10 @@ CGError CGWarpMouseCursorPosition(CGPoint position) {
   return kCGErrorSuccess;
 }
 
+int32_t CGShieldingWindowLevel() {
+  return 2147483628;
+}
+
 bool CGPreflightScreenCaptureAccess() {
   record("preflight screen capture");
   return script().captureGranted;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <vector>
 
 namespace tapdeck::recording {
@@ -10,6 +11,8 @@ struct Queued {
   std::vector<std::function<void()>> global;
   std::vector<std::function<void()>> main;
   std::vector<std::function<void()>> screenObservers;
+  /// By their numbers, from 1.
+  std::map<int, std::function<void()>> timers;
 };
 
 Queued& queued();

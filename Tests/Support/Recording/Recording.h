@@ -11,6 +11,7 @@
 
 #include "Platform/Screens.h"
 #include "Tests/Support/Recording/LoginItems.h"
+#include "Tests/Support/Recording/Windows.h"
 
 namespace tapdeck::recording {
 
@@ -45,6 +46,7 @@ struct Script {
   bool urlsParse = true;
 
   LoginItems loginItems;
+  OtherWindows windows;
 };
 
 /// The script in force. Main thread only, as everything here.
@@ -66,6 +68,9 @@ void runMainQueue();
 
 /// Delivers one notification of changed screen parameters.
 void notifyScreenParameters();
+
+/// Lets every timer that still runs fire once.
+void fireTimers();
 
 /// Makes an event that is posted as `description`; owned by the caller.
 CGEventRef makeDescribedEvent(const std::string& description);

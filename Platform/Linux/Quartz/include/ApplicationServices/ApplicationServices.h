@@ -4,6 +4,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreGraphics/CoreGraphics.h>
+#include <sys/types.h>
 
 extern "C" {
 
@@ -14,5 +15,40 @@ extern const CFStringRef kAXTrustedCheckOptionPrompt;
 Boolean AXIsProcessTrusted();
 /// The same; asks the user when trust is missing and `options` say so. Does not wait for an answer.
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options);
+
+// ---- windows of other applications
+
+using AXUIElementRef = const struct __AXUIElement*;
+using AXValueRef = const struct __AXValue*;
+
+enum AXError : int32_t {
+  kAXErrorSuccess = 0,
+  kAXErrorFailure = -25200,
+  kAXErrorIllegalArgument = -25201,
+  kAXErrorInvalidUIElement = -25202,
+  kAXErrorCannotComplete = -25204,
+  kAXErrorAttributeUnsupported = -25205,
+  kAXErrorAPIDisabled = -25211,
+  kAXErrorNoValue = -25212,
+};
+
+enum AXValueType : uint32_t { kAXValueTypeCGPoint = 1 };
+inline constexpr uint32_t kAXValueCGPointType = kAXValueTypeCGPoint;
+
+/// The application of this process, which need not exist.
+AXUIElementRef AXUIElementCreateApplication(pid_t process);
+/// An application has "AXFocusedWindow", absent (kAXErrorNoValue) unless it is the front one; a
+/// window has "AXFullScreen", a boolean, and "AXPosition", the point of its frame's top-left corner
+/// in global display coordinates. `value` is the caller's own, and untouched when there is an
+/// error.
+AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                      CFTypeRef* value);
+/// For a window's attributes. Returns when the window manager has been told: what it makes of the
+/// wish is its own affair.
+AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                     CFTypeRef value);
+/// Copies the structure; null for another type than a point.
+AXValueRef AXValueCreate(AXValueType type, const void* structure);
+Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* structure);
 
 }  // extern "C"

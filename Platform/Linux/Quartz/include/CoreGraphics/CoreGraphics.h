@@ -69,6 +69,9 @@ CGRect CGDisplayBounds(CGDirectDisplayID display);
 CGError CGDisplayHideCursor(CGDirectDisplayID display);
 CGError CGDisplayShowCursor(CGDirectDisplayID display);
 CGError CGWarpMouseCursorPosition(CGPoint position);
+/// The level above every other window's, a full-screen one's included. Windows here have two
+/// levels: this, and the window manager's own.
+int32_t CGShieldingWindowLevel();
 
 // ---- images
 

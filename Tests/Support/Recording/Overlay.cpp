@@ -1,0 +1,98 @@
+// Overlay windows and timers, recorded.
+
+#include <cstdio>
+#include <string>
+#include <utility>
+
+#include "Platform/OverlayWindow.h"
+#include "Platform/RepeatingTimer.h"
+#include "Tests/Support/Recording/Queued.h"
+#include "Tests/Support/Recording/Recording.h"
+
+namespace tapdeck::platform {
+namespace {
+
+using recording::queued;
+using recording::record;
+
+std::string describe(const Colour& colour) {
+  char text[64];
+  std::snprintf(text, sizeof text, "(%g %g %g %g)", colour.red, colour.green, colour.blue,
+                colour.alpha);
+  return text;
+}
+
+std::string describe(const OverlayStyle& style) {
+  char text[512];
+  const CGRect& rect = style.contentRect;
+  std::snprintf(text, sizeof text,
+                "(%g,%g,%g,%g) mask %llu %s %s%s%s alpha %g level %d behaviour 0x%llx layer %s "
+                "radius %g glow %s opacity %g radius %g offset (%g,%g)",
+                rect.origin.x, rect.origin.y, rect.size.width, rect.size.height,
+                static_cast<unsigned long long>(style.styleMask),
+                style.isOpaque ? "opaque" : "see-through", describe(style.background).c_str(),
+                style.hasShadow ? " with shadow" : "",
+                style.ignoresMouseEvents ? " click-through" : "", style.alpha, style.level,
+                static_cast<unsigned long long>(style.collectionBehaviour),
+                describe(style.layerBackground).c_str(), style.cornerRadius,
+                describe(style.layerShadow).c_str(), static_cast<double>(style.shadowOpacity),
+                style.shadowRadius, style.shadowOffset.width, style.shadowOffset.height);
+  return text;
+}
+
+}  // namespace
+
+struct OverlayWindow::Window {
+  CGRect frame;
+};
+
+OverlayWindow::OverlayWindow(const OverlayStyle& style)
+    : _window(std::make_unique<Window>(Window{style.contentRect})) {
+  record("overlay " + describe(style));
+}
+
+OverlayWindow::~OverlayWindow() = default;
+
+CGRect OverlayWindow::frame() const {
+  return _window->frame;
+}
+
+void OverlayWindow::setFrameOrigin(CGPoint origin) {
+  _window->frame.origin = origin;
+  record("overlay to " + recording::describe(origin));
+}
+
+void OverlayWindow::orderFrontRegardless() {
+  record("overlay to the front");
+}
+
+void OverlayWindow::orderOut() {
+  record("overlay out");
+}
+
+struct RepeatingTimer::Timer {
+  int number;
+};
+
+RepeatingTimer::RepeatingTimer(double interval, std::function<void()> fired)
+    : _timer(std::make_unique<Timer>(Timer{static_cast<int>(queued().timers.size()) + 1})) {
+  char text[64];
+  std::snprintf(text, sizeof text, "timer every %.6g s", interval);
+  record(text);
+  queued().timers[_timer->number] = std::move(fired);
+}
+
+RepeatingTimer::~RepeatingTimer() {
+  queued().timers.erase(_timer->number);
+}
+
+void RepeatingTimer::invalidate() {
+  if (queued().timers.erase(_timer->number) > 0) record("timer ended");
+}
+
+}  // namespace tapdeck::platform
+
+void tapdeck::recording::fireTimers() {
+  const auto timers = queued().timers;
+  for (const auto& [number, fired] : timers) fired();
+}

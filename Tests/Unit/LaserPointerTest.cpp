@@ -1,0 +1,52 @@
+#include "Tests/Unit/HostTest.h"
+
+namespace tapdeck {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class LaserPointerTest : public HostTest {
+ protected:
+  LaserPointerTest() { script().mouseLocation = {500, 300}; }
+  Trace workOf(const std::string& method) {
+    EXPECT_EQ(reply(method), Value());
+    EXPECT_THAT(trace(), ElementsAre("async on main"));
+    recording::runMainQueue();
+    return trace();
+  }
+};
+
+TEST_F(LaserPointerTest, IsOneDotThatFollowsThePointer) {
+  EXPECT_THAT(
+      workOf("showLaser"),
+      ElementsAre("overlay (0,0,26,26) mask 0 see-through (0 0 0 0) click-through alpha 0.85 level "
+                  "2147483628 behaviour 0x151 layer (0.78 0 0 1) radius 13 glow (1 0 0 1) opacity "
+                  "0.9 radius 5 offset (0,0)",
+                  "overlay to (487,287)", "overlay to the front", "timer every 0.0166667 s"));
+  EXPECT_THAT(workOf("showLaser"), IsEmpty());
+  script().mouseLocation = {20.5, -3};
+  recording::fireTimers();
+  EXPECT_THAT(trace(), ElementsAre("overlay to (7.5,-16)"));
+
+  EXPECT_THAT(workOf("hideLaser"), ElementsAre("timer ended", "overlay out"));
+  EXPECT_EQ(window->_laserWindow, nullptr);
+  EXPECT_EQ(window->_laserTimer, nullptr);
+  recording::fireTimers();
+  EXPECT_THAT(workOf("hideLaser"), IsEmpty());
+  EXPECT_EQ(workOf("showLaser").size(), 4U);
+}
+
+TEST_F(LaserPointerTest, ComesToNothingWithoutTheWindow) {
+  EXPECT_EQ(workOf("showLaser").size(), 4U);
+  reply("hideLaser");
+  reply("showLaser");
+  trace();
+  window.reset();
+  recording::runMainQueue();
+  recording::fireTimers();
+  EXPECT_THAT(trace(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace tapdeck
