@@ -2,7 +2,7 @@
 pkg_check_modules(BENCH_TYPING REQUIRED IMPORTED_TARGET xcb xcb-xkb glib-2.0)
 set(desktop ${CMAKE_SOURCE_DIR}/Tests/Desktop)
 add_executable(bench_typing
-  TypingBench.cpp ${desktop}/Observer.cpp ${desktop}/TypingClient.cpp ${desktop}/TypingText.cpp)
+  TypingBench.cpp ${desktop}/ApplicationProcess.cpp ${desktop}/Observer.cpp ${desktop}/TypingClient.cpp ${desktop}/TypingText.cpp)
 target_link_libraries(bench_typing PRIVATE tapdeck_runner_input tapdeck_platform tapdeck_quartz
                                            PkgConfig::BENCH_TYPING)
 # the application that is typed into

@@ -1,19 +1,8 @@
 #include "Tests/Desktop/ApplicationProcess.h"
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace tapdeck::testing {
-
-namespace {
-
-std::string contentsOf(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
-}  // namespace
 
 std::string hostProgram;
 std::string callProgram;

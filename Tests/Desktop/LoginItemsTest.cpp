@@ -18,11 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using platform::LoginItemStatus;
 
-std::string contentsOf(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::string commandLineOf(int pid) {
   return contentsOf("/proc/" + std::to_string(pid) + "/cmdline");
 }

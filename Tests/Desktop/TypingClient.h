@@ -1,12 +1,11 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <chrono>
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <string>
 
+#include "Tests/Desktop/ApplicationProcess.h"
 #include "Tests/Desktop/Observer.h"
 
 namespace tapdeck::testing {
@@ -18,9 +17,6 @@ class TypingClient {
 
   /// Starts it and waits until it has the focus.
   TypingClient(Kind kind, Observer& observer);
-  ~TypingClient();
-  TypingClient(const TypingClient&) = delete;
-  TypingClient& operator=(const TypingClient&) = delete;
 
   Kind kind() const { return _kind; }
   /// What came since the last call: waits until it is `expected`, or until nothing more has come
@@ -29,16 +25,15 @@ class TypingClient {
   /// When the last of that came.
   std::chrono::steady_clock::time_point lastChange() const { return _changed; }
   /// To stop its reading, and to let it read on.
-  void signal(int number) const;
+  void signal(int number) { _process->send(number); }
 
  private:
-  std::string content() const;
-
   Kind _kind;
+  TemporaryFolder _folder;
   std::filesystem::path _file;
   size_t _seen = 0;
   std::chrono::steady_clock::time_point _changed;
-  pid_t _process = -1;
+  std::optional<ChildProcess> _process;
 };
 
 }  // namespace tapdeck::testing

@@ -1,11 +1,11 @@
 # Keys and text on the live keyboard, read back from real applications.
-pkg_check_modules(TYPING_TESTS REQUIRED IMPORTED_TARGET gtkmm-3.0 xcb xcb-xkb)
+pkg_check_modules(TYPING_TESTS REQUIRED IMPORTED_TARGET gtkmm-3.0 gio-2.0 xcb xcb-xkb)
 
 add_executable(typing_text_view TypingTextView.cpp)
 target_link_libraries(typing_text_view PRIVATE tapdeck_options PkgConfig::TYPING_TESTS)
 
 add_executable(typing_tests
-  Observer.cpp TypingClient.cpp TypingKeyboard.cpp TypingTest.cpp TypingText.cpp)
+  ApplicationProcess.cpp Observer.cpp TypingClient.cpp TypingKeyboard.cpp TypingTest.cpp TypingText.cpp)
 target_link_libraries(typing_tests PRIVATE tapdeck_runner_input tapdeck_platform tapdeck_quartz
                                            PkgConfig::TYPING_TESTS GTest::gtest)
 add_dependencies(typing_tests typing_text_view)

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -22,6 +24,11 @@ class TemporaryFolder {
 
   std::filesystem::path path;
 };
+
+inline std::string contentsOf(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 /// Sets a variable of the environment (or takes it away, for nullptr) and puts it back.
 class EnvironmentVariable {

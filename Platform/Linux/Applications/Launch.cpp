@@ -1,6 +1,8 @@
 #include "Platform/Linux/Applications/Launch.h"
 
+#include <fcntl.h>
 #include <gdk/gdkx.h>
+#include <unistd.h>
 
 #include <cstdio>
 
@@ -30,11 +32,26 @@ Object<GAppLaunchContext> launchContext() {
   return Object<GAppLaunchContext>(G_APP_LAUNCH_CONTEXT(context));
 }
 
+/// Open for as long as this lives; -1, which stands for the host's own streams, when it cannot be.
+struct NullDevice {
+  NullDevice() : descriptor(open("/dev/null", O_RDWR | O_CLOEXEC)) {}
+  NullDevice(const NullDevice&) = delete;
+  NullDevice& operator=(const NullDevice&) = delete;
+  ~NullDevice() {
+    if (descriptor >= 0) close(descriptor);
+  }
+  const int descriptor;
+};
+
 }  // namespace
 
 void launch(const DesktopEntry& entry) {
   GError* error = nullptr;
-  g_app_info_launch(G_APP_INFO(entry.info.get()), nullptr, launchContext().get(), &error);
+  // what an application says belongs neither into the host's output nor keeps it open
+  const NullDevice null;
+  g_desktop_app_info_launch_uris_as_manager_with_fds(
+      entry.info.get(), nullptr, launchContext().get(), G_SPAWN_SEARCH_PATH, nullptr, nullptr,
+      nullptr, nullptr, null.descriptor, null.descriptor, null.descriptor, &error);
   if (const Error failure{error}) {
     std::fprintf(stderr, "tapdeck: %s cannot be started: %s\n", entry.id.c_str(), failure->message);
   }
