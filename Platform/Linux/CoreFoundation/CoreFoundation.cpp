@@ -51,6 +51,15 @@ struct __CFData final : Object {
   std::vector<UInt8> bytes;
 };
 
+struct __CFNumber final : Object {
+  explicit __CFNumber(double content) : value(content) {}
+  bool equals(const Object& other) const override {
+    const auto* number = dynamic_cast<const __CFNumber*>(&other);
+    return number != nullptr && number->value == value;
+  }
+  const double value;
+};
+
 struct __CFDictionary final : Object {
   ~__CFDictionary() override {
     for (const auto& [key, value] : entries) {
@@ -110,6 +119,17 @@ CFIndex CFDataGetLength(CFDataRef data) {
 
 const UInt8* CFDataGetBytePtr(CFDataRef data) {
   return data->bytes.data();
+}
+
+CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void* value) {
+  if (type != kCFNumberDoubleType) return nullptr;
+  return new __CFNumber(*static_cast<const double*>(value));
+}
+
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value) {
+  if (type != kCFNumberDoubleType) return 0;
+  *static_cast<double*>(value) = number->value;
+  return 1;
 }
 
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values,

@@ -5,6 +5,7 @@
 #include "Platform/Linux/Quartz/Connection.h"
 #include "Platform/Linux/Quartz/Cursor.h"
 #include "Platform/Linux/Quartz/EventPoster.h"
+#include "Platform/Linux/Quartz/Images/DisplayImages.h"
 #include "Platform/Linux/Quartz/MonitorWatch.h"
 
 namespace tapdeck::quartz {
@@ -15,6 +16,7 @@ struct Session {
   Cursor cursor{connection};
   EventPoster poster{connection};
   MonitorWatch monitorWatch;
+  DisplayImages displayImages{connection};
 };
 
 /// Null until connectToWindowServer. Main thread only.

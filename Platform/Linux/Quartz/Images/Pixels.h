@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace tapdeck::quartz {
+
+/// A rectangle of pixels, origin at the top-left corner.
+struct Area {
+  int x, y, width, height;
+  friend bool operator==(const Area&, const Area&) = default;
+};
+
+/// What both have in common; no width or no height when that is nothing.
+Area intersection(const Area& a, const Area& b);
+
+/// Somebody else's pixels: four bytes each, in memory order blue, green, red, unused.
+struct PixelView {
+  const uint8_t* bytes;
+  int width, height;
+  size_t bytesPerRow;
+
+  const uint8_t* at(int x, int y) const {
+    return bytes + static_cast<size_t>(y) * bytesPerRow + static_cast<size_t>(x) * 4;
+  }
+};
+
+/// Pixels in memory that its copies share; null without memory.
+struct PixelBuffer {
+  std::shared_ptr<uint8_t> memory;
+  int width = 0, height = 0;
+  size_t bytesPerRow = 0;
+
+  explicit operator bool() const { return memory != nullptr; }
+  bool isShared() const { return memory.use_count() > 1; }
+  PixelView view() const { return {memory.get(), width, height, bytesPerRow}; }
+  uint8_t* at(int x, int y) const {
+    return memory.get() + static_cast<size_t>(y) * bytesPerRow + static_cast<size_t>(x) * 4;
+  }
+};
+
+/// The row length that the rest of the process likes best: a whole number of cache lines.
+size_t alignedBytesPerRow(int width);
+
+/// Memory at a 64-byte boundary, not initialised; null when there is none. The shape is one that
+/// `fits`.
+PixelBuffer allocatePixels(int width, int height, size_t bytesPerRow);
+
+/// Whether rows of this length hold the width, and all of them are no more than 1 GiB.
+bool fits(size_t width, size_t height, size_t bytesPerRow);
+
+/// Copies an area to the same place of pixels of the same size and fills the unused byte with 255,
+/// whatever it was.
+void copyOpaque(const PixelView& source, const PixelBuffer& target, const Area& area);
+
+}  // namespace tapdeck::quartz
