@@ -1,5 +1,6 @@
 #include "Platform/Linux/Quartz/Images/ScalerKernels.h"
 
+#include <algorithm>
 #include <cstring>
 
 // The loops are plain C++ that the compiler turns into vector code; on x86-64 a second time for
@@ -84,9 +85,11 @@ TAPDECK_INLINE Lanes sumOfTaps(const uint16_t* values, const uint16_t* weights, 
 template <int kTaps>
 TAPDECK_INLINE void join(const WeightedColumns& columns, const uint16_t* blended, uint8_t* target,
                          int targetWidth) {
-  // half a step to round to nearest, and 255 for the byte that has no weights
-  const Lanes start = {128, 128, 128, 0xff00, 128, 128, 128, 0xff00};
   const int taps = kTaps > 0 ? kTaps : columns.taps;
+  // half a step to round to nearest and half for each tap's lost fraction, as far as it fits; 255
+  // for the byte that has no weights
+  const auto half = static_cast<uint16_t>(std::min(128 + taps / 2, 255));
+  const Lanes start = {half, half, half, 0xff00, half, half, half, 0xff00};
   const auto sumAt = [&](int x) __attribute__((always_inline)) {
     return sumOfTaps<kTaps>(blended + size_t{4} * columns.first[x],
                             columns.weights + static_cast<size_t>(x) * taps * 4, taps);

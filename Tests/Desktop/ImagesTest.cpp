@@ -1,0 +1,263 @@
+#include <CoreGraphics/CoreGraphics.h>
+#include <ImageIO/ImageIO.h>
+#include <gtest/gtest.h>
+#include <turbojpeg.h>
+
+#include <chrono>
+#include <cstring>
+#include <random>
+
+#include "Platform/Linux/Permissions.h"
+#include "Platform/Linux/Quartz/Images/AreaScaler.h"
+#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Runner/Owned.h"
+#include "Tests/Desktop/Observer.h"
+#include "Tests/Desktop/PrivateServer.h"
+#include "Tests/Desktop/ScreenPainter.h"
+
+namespace tapdeck::testing {
+namespace {
+
+using permissions::Permission;
+using Pixels = std::vector<uint32_t>;
+
+Owned<CGImageRef> capture(CGDirectDisplayID display) {
+  return Owned(CGDisplayCreateImage(display));
+}
+
+Owned<CGContextRef> draw(CGImageRef image, size_t width, size_t height) {
+  const Owned space(CGColorSpaceCreateDeviceRGB());
+  Owned context(
+      CGBitmapContextCreate(nullptr, width, height, 8, 0, space.get(),
+                            uint32_t{kCGBitmapByteOrder32Little} | kCGImageAlphaNoneSkipFirst));
+  CGContextSetInterpolationQuality(context.get(), kCGInterpolationLow);
+  CGContextDrawImage(context.get(),
+                     CGRectMake(0, 0, static_cast<CGFloat>(width), static_cast<CGFloat>(height)),
+                     image);
+  return context;
+}
+
+Pixels pixelsOf(CGContextRef context, size_t width, size_t height) {
+  const auto* bytes = static_cast<const uint8_t*>(CGBitmapContextGetData(context));
+  Pixels pixels(width * height);
+  for (size_t y = 0; y < height; ++y) {
+    std::memcpy(&pixels[y * width], bytes + y * CGBitmapContextGetBytesPerRow(context), width * 4);
+  }
+  return pixels;
+}
+
+Pixels pixelsOf(CGImageRef image) {
+  const size_t width = CGImageGetWidth(image);
+  const size_t height = CGImageGetHeight(image);
+  return pixelsOf(draw(image, width, height).get(), width, height);
+}
+
+/// A new scaling of the whole.
+Pixels scaled(const Pixels& pixels, const quartz::Monitor& monitor, int width, int height) {
+  const quartz::PixelBuffer target =
+      quartz::allocatePixels(width, height, quartz::alignedBytesPerRow(width));
+  quartz::AreaScaler({monitor.width, monitor.height}, {width, height})
+      .scale({reinterpret_cast<const uint8_t*>(pixels.data()), monitor.width, monitor.height,
+              size_t{4} * monitor.width},
+             target, {0, 0, width, height});
+  Pixels result(static_cast<size_t>(width) * height);
+  for (int y = 0; y < height; ++y) {
+    std::memcpy(&result[static_cast<size_t>(y) * width], target.at(0, y), size_t{4} * width);
+  }
+  return result;
+}
+
+/// Captures and draws like the host, while `painter` changes the screen, and compares with the
+/// screen itself.
+class Comparison {
+ public:
+  explicit Comparison(unsigned seed) : _painter(seed), _random(seed) {}
+
+  void run(int changes) {
+    for (int made = 0; made < changes;) {
+      for (int batch = static_cast<int>(_random() % 4); batch >= 0; --batch, ++made) {
+        _painter.change();
+      }
+      // amid the changes, which need not have been made yet: the next one shall tell of them
+      if (_random() % 4 == 0) check(false);
+      _painter.finish();
+      check(true);
+      if (::testing::Test::HasFailure()) return;
+    }
+  }
+
+ private:
+  void check(bool isStill) {
+    const auto monitors = quartz::monitors();
+    const quartz::Monitor& monitor = monitors[_random() % monitors.size()];
+    const auto image = capture(monitor.number);
+    ASSERT_TRUE(image);
+    const int width = monitor.width * 5 / 9;
+    const int height = monitor.height * 5 / 9;
+    const Pixels small = pixelsOf(draw(image.get(), width, height).get(), width, height);
+    // one that somebody holds stays as it is
+    if (_held) {
+      ASSERT_TRUE(pixelsOf(_held.get()) == _heldPixels);
+    }
+    if (_random() % 8 == 0) _held = Owned<CGImageRef>(nullptr);
+    if (!isStill) return;
+    const Pixels shown = _painter.pixels(monitor.x, monitor.y, monitor.width, monitor.height);
+    ASSERT_TRUE(pixelsOf(image.get()) == shown);
+    ASSERT_TRUE(small == scaled(shown, monitor, width, height));
+    if (_random() % 64 != 0) return;
+    CFRetain(image.get());
+    _held = Owned(image.get());
+    _heldPixels = shown;
+  }
+
+  ScreenPainter _painter;
+  std::mt19937 _random;
+  Owned<CGImageRef> _held{nullptr};
+  Pixels _heldPixels;
+};
+
+void expectNoChangeMissed(const std::vector<std::string>& serverOptions, int changes) {
+  const unsigned seed = std::random_device()();
+  const PrivateServer server(serverOptions);
+  const DisplayVariable variable(server.display().c_str());
+  quartz::connectToWindowServer();
+  Observer observer;
+  observer.setMonitor("Left", "251/60x300/80+0+0", "screen");
+  observer.setMonitor("Right", "149/40x257/60+251+43");
+  std::cout << "seed " << seed << std::endl;
+  Comparison(seed).run(changes);
+  EXPECT_FALSE(::testing::Test::HasFailure()) << "seed " << seed;
+}
+
+TEST(ImagesTest, MissNoChange) {
+  expectNoChangeMissed({"-screen", "0", "400x300x24"}, 10000);
+}
+
+TEST(ImagesTest, WorkOnEveryServer) {
+  const std::vector<std::string> servers[] = {
+      {"-screen", "0", "400x300x30"},
+      {"-screen", "0", "400x300x24", "-extension", "DAMAGE"},
+      {"-screen", "0", "400x300x24", "-extension", "MIT-SHM"},
+      {"-screen", "0", "400x300x30", "-extension", "MIT-SHM", "-extension", "DAMAGE"},
+  };
+  for (const auto& options : servers) expectNoChangeMissed(options, 400);
+
+  const PrivateServer poor({"-screen", "0", "400x300x16"});
+  const DisplayVariable variable(poor.display().c_str());
+  quartz::connectToWindowServer();
+  EXPECT_FALSE(capture(CGMainDisplayID()));
+}
+
+/// Two monitors on the desktop's own screen, each plain but for a square.
+class TwoMonitorsTest : public ::testing::Test {
+ protected:
+  TwoMonitorsTest() {
+    quartz::connectToWindowServer();
+    observer.coverScreen();
+    observer.setMonitor("Left", "1000/250x800/200+0+400", "screen");
+    observer.setMonitor("*Right", "1400/350x800/200+1000+300");
+    left = observer.atom("Left");
+    right = observer.atom("Right");
+    painter.fill(0, 0, 2400, 1200, 0x203040);
+    painter.fill(100, 500, 200, 200, 0xe02010);
+    painter.fill(2000, 500, 200, 200, 0x10c0f0);
+  }
+  ~TwoMonitorsTest() override {
+    for (const auto* name : {"Left", "Right"}) observer.deleteMonitor(name);
+  }
+
+  Observer observer;
+  ScreenPainter painter{1};
+  CGDirectDisplayID left, right;
+};
+
+Owned<CFMutableDataRef> jpegOf(CGImageRef image, double quality) {
+  const Owned type(CFStringCreateWithCString(nullptr, "public.jpeg", kCFStringEncodingUTF8));
+  const Owned number(CFNumberCreate(nullptr, kCFNumberDoubleType, &quality));
+  const void* keys[] = {kCGImageDestinationLossyCompressionQuality};
+  const void* values[] = {number.get()};
+  const Owned properties(CFDictionaryCreate(
+      nullptr, keys, values, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+  Owned data(CFDataCreateMutable(nullptr, 0));
+  const Owned destination(CGImageDestinationCreateWithData(data.get(), type.get(), 1, nullptr));
+  EXPECT_FALSE(CGImageDestinationFinalize(destination.get()));
+  CGImageDestinationAddImage(destination.get(), image, properties.get());
+  EXPECT_TRUE(CGImageDestinationFinalize(destination.get()));
+  return data;
+}
+
+struct Decoded {
+  explicit Decoded(CFDataRef file) {
+    const auto bytes = CFDataGetBytePtr(file);
+    const auto size = static_cast<unsigned long>(CFDataGetLength(file));
+    const std::unique_ptr<void, decltype(&tjDestroy)> reader(tjInitDecompress(), &tjDestroy);
+    int colours = 0;
+    tjDecompressHeader3(reader.get(), bytes, size, &width, &height, &sampling, &colours);
+    pixels.resize(static_cast<size_t>(width) * height);
+    EXPECT_EQ(tjDecompress2(reader.get(), bytes, size, reinterpret_cast<uint8_t*>(pixels.data()),
+                            width, 0, height, TJPF_BGRX, 0),
+              0);
+  }
+  void expect(int x, int y, uint32_t colour) const {
+    const uint32_t there = pixels.at(static_cast<size_t>(y) * width + x);
+    for (const int shift : {0, 8, 16}) {
+      EXPECT_NEAR(there >> shift & 0xff, colour >> shift & 0xff, 4) << x << "," << y;
+    }
+  }
+  int width = 0, height = 0, sampling = 0;
+  Pixels pixels;
+};
+
+TEST_F(TwoMonitorsTest, ShowInJpegWhatIsOnThem) {
+  const auto shown = [](CGDirectDisplayID display, size_t width, size_t height, double quality) {
+    const auto context = draw(capture(display).get(), width, height);
+    return jpegOf(Owned(CGBitmapContextCreateImage(context.get())).get(), quality);
+  };
+  const Decoded ofLeft(shown(left, 500, 400, 0.6).get());
+  EXPECT_EQ(std::tuple(ofLeft.width, ofLeft.height, ofLeft.sampling),
+            std::tuple(500, 400, int{TJSAMP_420}));
+  ofLeft.expect(100, 100, 0xe02010);
+  ofLeft.expect(40, 40, 0x203040);
+  ofLeft.expect(160, 100, 0x203040);
+  const Decoded ofRight(shown(right, 1400, 800, 0.95).get());
+  ofRight.expect(1005, 205, 0x10c0f0);
+  ofRight.expect(1195, 395, 0x10c0f0);
+  ofRight.expect(990, 300, 0x203040);
+  EXPECT_LT(CFDataGetLength(shown(right, 1400, 800, 0.2).get()),
+            CFDataGetLength(shown(right, 1400, 800, 0.95).get()));
+}
+
+TEST_F(TwoMonitorsTest, AreNeitherGrabbedNorScaledAgainWhileStill) {
+  const auto dataOf = [](CGImageRef image) {
+    return CGBitmapContextGetData(draw(image, 500, 400).get());
+  };
+  const auto first = capture(left);
+  const auto* pixels = dataOf(first.get());
+  EXPECT_EQ(capture(left).get(), first.get());
+  EXPECT_EQ(dataOf(capture(left).get()), pixels);
+  // what happens on the other one does not matter
+  painter.fill(1000, 400, 400, 400, 0);
+  EXPECT_EQ(capture(left).get(), first.get());
+  painter.fill(999, 1199, 1, 1, 0);
+  EXPECT_NE(capture(left).get(), first.get());
+  EXPECT_EQ(pixelsOf(first.get()).back(), 0xff203040);
+  EXPECT_EQ(pixelsOf(capture(left).get()).back(), 0xff000000);
+}
+
+TEST_F(TwoMonitorsTest, GiveNothingWhenGoneOrForbidden) {
+  EXPECT_TRUE(capture(left));
+  permissions::setGranted(Permission::screenCapture, false);
+  EXPECT_FALSE(capture(left));
+  permissions::setGranted(Permission::screenCapture, true);
+  EXPECT_TRUE(capture(left));
+  observer.deleteMonitor("Left");
+  EXPECT_FALSE(capture(left));
+  EXPECT_FALSE(capture(kCGNullDirectDisplay));
+  // the server refuses what is not on the screen
+  observer.setMonitor("Left", "1000/250x800/200+0+401", "screen");
+  EXPECT_FALSE(capture(left));
+  EXPECT_TRUE(capture(right));
+}
+
+}  // namespace
+}  // namespace tapdeck::testing

@@ -1,0 +1,3 @@
+add_executable(pixels_tests AreaScalerTest.cpp)
+target_link_libraries(pixels_tests PRIVATE tapdeck_pixels GTest::gtest_main)
+gtest_discover_tests(pixels_tests)
