@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <future>
 #include <random>
 
 #include "Platform/Linux/Permissions.h"
@@ -74,15 +75,16 @@ class Comparison {
   explicit Comparison(unsigned seed) : _painter(seed), _random(seed) {}
 
   void run(int changes) {
-    for (int made = 0; made < changes;) {
-      for (int batch = static_cast<int>(_random() % 4); batch >= 0; --batch, ++made) {
-        _painter.change();
-      }
-      // amid the changes, which need not have been made yet: the next one shall tell of them
-      if (_random() % 4 == 0) check(false);
-      _painter.finish();
+    for (int made = 0; made < changes && !::testing::Test::HasFailure();) {
+      const int batch = 1 + static_cast<int>(_random() % 8);
+      const auto painting = std::async(std::launch::async, [this, batch] {
+        for (int i = 0; i < batch; ++i) _painter.change();
+        _painter.finish();
+      });
+      // amid the changes; what comes too late for one capture the next has to tell
+      while (painting.wait_for(std::chrono::seconds(0)) != std::future_status::ready) check(false);
       check(true);
-      if (::testing::Test::HasFailure()) return;
+      made += batch;
     }
   }
 
