@@ -61,6 +61,9 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
       CGEventCreateScrollWheelEvent2(nullptr, kCGScrollEventUnitPixel, 1, 500, 0, 0));
   CGEventPost(kCGHIDEventTap, press.get());
   EXPECT_TRUE(AXIsProcessTrusted());
+  const CGDirectDisplayID display = CGMainDisplayID();
+  const Owned image(CGDisplayCreateImage(display));
+  EXPECT_TRUE(image);
   server.kill();
 
   for (const auto& event : {press.get(), release.get(), scroll.get(), press.get()}) {
@@ -74,6 +77,7 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
   EXPECT_EQ(CGDisplayBounds(1).size.width, 0);
   EXPECT_FALSE(AXIsProcessTrusted());
   EXPECT_FALSE(CGPreflightScreenCaptureAccess());
+  EXPECT_EQ(CGDisplayCreateImage(display), nullptr);
   EXPECT_TRUE(platform::screens().empty());
   EXPECT_FALSE(platform::mainScreen().has_value());
   EXPECT_EQ(platform::mouseLocation().x, 0);

@@ -6,4 +6,4 @@ target_link_libraries(images_tests PRIVATE tapdeck_quartz tapdeck_usersettings
                                            PkgConfig::IMAGES_TESTS GTest::gtest_main)
 add_test(NAME images_tests
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/../Support/with-desktop $<TARGET_FILE:images_tests>)
-set_tests_properties(images_tests PROPERTIES LABELS desktop TIMEOUT 120)
+set_tests_properties(images_tests PROPERTIES LABELS desktop TIMEOUT 300)

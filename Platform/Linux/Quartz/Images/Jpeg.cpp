@@ -27,7 +27,7 @@ std::span<const uint8_t> JpegEncoder::encode(const PixelView& picture, int quali
   const int failed =
       tjCompress2(_compressor.get(), picture.bytes, picture.width,
                   static_cast<int>(picture.bytesPerRow), picture.height, TJPF_BGRX, &file, &size,
-                  TJSAMP_420, quality, TJFLAG_FASTDCT | TJFLAG_NOREALLOC);
+                  TJSAMP_420, quality, TJFLAG_ACCURATEDCT | TJFLAG_NOREALLOC);
   if (failed != 0) return {};
   return {file, size};
 }

@@ -90,7 +90,8 @@ enum CGInterpolationQuality : int32_t {
 
 /// What the display shows now, the cursor left out, in the display's own pixels. Null when the
 /// display is not attached, the user does not let the host capture the screen, or there is no
-/// memory for it.
+/// memory for it. Here it may be the very image of the last call when nothing was painted since,
+/// and the display's pixels must be those of an X screen of depth 24 or 30.
 CGImageRef CGDisplayCreateImage(CGDirectDisplayID display);
 /// 0 for null, as the next one.
 size_t CGImageGetWidth(CGImageRef image);
@@ -103,13 +104,15 @@ CGColorSpaceRef CGColorSpaceCreateDeviceRGB();
 /// `bytesPerRow` of 0 lets the context choose. Null for any other format, no size, or no memory.
 CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
                                    size_t bytesPerRow, CGColorSpaceRef space, uint32_t bitmapInfo);
-/// The context's memory, valid as long as the context; null for a null context.
+/// The context's memory, null for a null context or without memory. Here it is only to be read, for
+/// images may share it, and valid until something is drawn on the context or the context ends.
 void* CGBitmapContextGetData(CGContextRef context);
 size_t CGBitmapContextGetBytesPerRow(CGContextRef context);
-/// A snapshot of the context's pixels.
+/// A snapshot of the context's pixels; null for a null context or without memory.
 CGImageRef CGBitmapContextCreateImage(CGContextRef context);
 void CGContextSetInterpolationQuality(CGContextRef context, CGInterpolationQuality quality);
-/// Draws the whole image into `rect` of the context; here the rectangle is the whole context.
+/// Draws the whole image into `rect` of the context; here the rectangle is the whole context, each
+/// pixel the mean of what it covers at any quality, and the byte that is no colour 255.
 void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image);
 
 // ---- permissions
