@@ -34,7 +34,8 @@ AreaScaler::Axis::Axis(int source, int target, uint32_t wholeWeight, int multipl
     uint32_t given = 0;
     for (int64_t under = first.back(); under < endUnder(pixel); ++under) {
       const int64_t covered = std::min((under + 1) * target, start + source) - start;
-      const auto sum = static_cast<uint32_t>((2 * covered * wholeWeight + source) / (2 * source));
+      const auto sum =
+          static_cast<uint32_t>((2 * covered * wholeWeight + source) / (int64_t{2} * source));
       weights[static_cast<size_t>(pixel) * taps + (under - first.back())] =
           static_cast<uint16_t>(sum - given);
       given = sum;

@@ -15,6 +15,7 @@ bool hasDamage(const Connection& connection) {
 
 std::vector<Area> areasIn(const xcb_xfixes_fetch_region_reply_t& region) {
   std::vector<Area> areas;
+  areas.reserve(static_cast<size_t>(xcb_xfixes_fetch_region_rectangles_length(&region)));
   const auto* rectangles = xcb_xfixes_fetch_region_rectangles(&region);
   const int count = xcb_xfixes_fetch_region_rectangles_length(&region);
   for (int i = 0; i < count; ++i) {

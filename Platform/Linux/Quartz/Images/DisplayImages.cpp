@@ -10,8 +10,8 @@ namespace {
 // The phone asks several times a second while its user looks at the screen.
 constexpr guint kIdleSeconds = 10;
 
-// Above this share a grab of the whole, which goes straight to its place, is cheaper.
-constexpr double kMostInParts = 0.5;
+// Above this share a grab of the whole, which goes straight to its place, is measured cheaper.
+constexpr double kMostInParts = 0.75;
 
 }  // namespace
 

@@ -33,7 +33,7 @@ bool hasFourBytes(const xcb_setup_t* setup, uint8_t depth) {
 
 /// By how much a pixel is moved right to have the upper 8 bits of a colour lowest.
 int shiftFor(uint32_t mask) {
-  return std::bit_width(mask) - 8;
+  return static_cast<int>(std::bit_width(mask)) - 8;
 }
 
 }  // namespace

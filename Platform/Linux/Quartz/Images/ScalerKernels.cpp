@@ -77,7 +77,7 @@ template <int kTaps>
 TAPDECK_INLINE Lanes sumOfTaps(const uint16_t* values, const uint16_t* weights, int taps) {
   Lanes sum{};
   for (int t = 0; t < (kTaps > 0 ? kTaps : taps); t += kTapsAtOnce) {
-    sum += multiplyHigh(load(values + 4 * t), load(weights + 4 * t));
+    sum += multiplyHigh(load(values + size_t{4} * t), load(weights + size_t{4} * t));
   }
   return sum;
 }

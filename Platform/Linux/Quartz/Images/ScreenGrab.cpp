@@ -47,8 +47,7 @@ PixelBuffer ScreenGrab::grab(const Area& area) {
   if (_format->isPlain()) {
     if (const auto segment = _segments.take(bytesOf(area))) return grabInto(*segment, area);
   }
-  const PixelBuffer picture =
-      allocatePixels(area.width, area.height, alignedBytesPerRow(area.width));
+  PixelBuffer picture = allocatePixels(area.width, area.height, alignedBytesPerRow(area.width));
   const Area whole{0, 0, area.width, area.height};
   if (!picture || !refresh(picture, area, std::span(&whole, 1))) return {};
   return picture;

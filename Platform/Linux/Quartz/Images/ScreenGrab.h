@@ -23,8 +23,6 @@ class ScreenGrab {
   /// Brings parts of an earlier grab of `area` up to date; false as above, and then no telling
   /// which of them are.
   bool refresh(const PixelBuffer& picture, const Area& area, std::span<const Area> parts);
-  /// Gives back memory that no picture uses.
-  void trim() { _segments.trim(); }
 
  private:
   PixelBuffer grabInto(const Segment& segment, const Area& area);

@@ -10,6 +10,8 @@
 namespace tapdeck::quartz {
 namespace {
 
+constexpr size_t kSizeStep = size_t{1} << 20;
+
 bool isOnThisComputer(xcb_connection_t* connection) {
   sockaddr_storage address{};
   socklen_t length = sizeof address;
@@ -60,6 +62,9 @@ std::optional<Segment> SegmentPool::take(size_t size) {
 }
 
 std::optional<Segment> SegmentPool::make(size_t size) {
+  // else each a little larger than the last would be kept
+  dropUnheld();
+  size = (size + kSizeStep - 1) / kSizeStep * kSizeStep;
   const int descriptor = memfd_create("tapdeck-screen", MFD_CLOEXEC);
   if (descriptor < 0) return std::nullopt;
   Segment segment{map(descriptor, size), 0, size};
@@ -77,7 +82,7 @@ std::optional<Segment> SegmentPool::make(size_t size) {
   return segment;
 }
 
-void SegmentPool::trim() {
+void SegmentPool::dropUnheld() {
   std::erase_if(_segments, [this](const Segment& segment) {
     if (segment.memory.use_count() > 1) return false;
     xcb_shm_detach(_connection.get(), segment.number);

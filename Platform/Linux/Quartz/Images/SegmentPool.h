@@ -30,11 +30,10 @@ class SegmentPool {
   /// A segment of at least so many bytes whose memory nobody else holds. Absent when the server
   /// shares no memory (it has no MIT-SHM of version 1.2, or is on another computer).
   std::optional<Segment> take(size_t size);
-  /// Parts with the segments that nobody holds.
-  void trim();
 
  private:
   std::optional<Segment> make(size_t size);
+  void dropUnheld();
 
   Connection& _connection;
   bool _isOffered;
