@@ -12,7 +12,7 @@ constexpr size_t kStrutLength = 12;
 constexpr size_t kOldStrutLength = 4;
 constexpr int kFarthest = 0x7fff;
 
-Area areaOf(const Monitor& monitor) {
+Edges areaOf(const Monitor& monitor) {
   return {monitor.x, monitor.y, monitor.x + monitor.width, monitor.y + monitor.height};
 }
 
@@ -26,7 +26,7 @@ bool isWithin(int edge, int low, int high) {
   return edge > low && edge < high;
 }
 
-void apply(const Strut& strut, const Area& whole, int width, int height, Area& left) {
+void apply(const Strut& strut, const Edges& whole, int width, int height, Edges& left) {
   const auto horizontally = [&](int start, int end, int edge) {
     return meets(start, end, whole.top, whole.bottom) && isWithin(edge, whole.left, whole.right);
   };
@@ -68,7 +68,7 @@ std::vector<Strut> currentStruts(Connection& connection) {
 
 /// EWMH's work area is one rectangle for all monitors, so it says something only where there is
 /// one: margins, and panels that have no strut.
-void applyDesktopWorkArea(Connection& connection, Area& area) {
+void applyDesktopWorkArea(Connection& connection, Edges& area) {
   const auto numbers = numbersOf(connection, connection.root(), "_NET_WORKAREA", XCB_ATOM_CARDINAL);
   if (numbers.size() < 4) return;
   const auto at = [&](size_t index) { return static_cast<int>(numbers[index]); };
@@ -80,19 +80,19 @@ void applyDesktopWorkArea(Connection& connection, Area& area) {
 
 }  // namespace
 
-Area withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
+Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
                    int height) {
-  const Area whole = areaOf(monitor);
-  Area left = whole;
+  const Edges whole = areaOf(monitor);
+  Edges left = whole;
   for (const Strut& strut : struts) apply(strut, whole, width, height, left);
   return left;
 }
 
-Area workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor) {
+Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor) {
   const auto root = connection.wait(xcb_get_geometry(connection.get(), connection.root()),
                                     xcb_get_geometry_reply);
   if (root == nullptr) return areaOf(monitor);
-  Area area = withoutStruts(monitor, currentStruts(connection), root->width, root->height);
+  Edges area = withoutStruts(monitor, currentStruts(connection), root->width, root->height);
   if (isOnlyMonitor) applyDesktopWorkArea(connection, area);
   const bool isEmpty = area.left >= area.right || area.top >= area.bottom;
   return isEmpty ? areaOf(monitor) : area;

@@ -9,9 +9,9 @@
 namespace tapdeck::quartz {
 
 /// Pixels of the root window; right and bottom edges outside.
-struct Area {
+struct Edges {
   int left, top, right, bottom;
-  friend bool operator==(const Area&, const Area&) = default;
+  friend bool operator==(const Edges&, const Edges&) = default;
 };
 
 /// What a panel keeps for itself along the edges of the root window, in the order of EWMH's
@@ -23,9 +23,9 @@ struct Strut {
 };
 
 /// What the struts leave of the monitor's area. `width` and `height` are the root window's.
-Area withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width, int height);
+Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width, int height);
 
 /// The part of the monitor that panels and the window manager leave free now. Main thread only.
-Area workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor);
+Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor);
 
 }  // namespace tapdeck::quartz
