@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+#include <vector>
+
+#include "Runner/Display/FrameComparison.h"
+
+namespace tapdeck {
+namespace {
+
+bool differByDefinition(const uint8_t* a, const uint8_t* b, const FrameLayout& layout) {
+  for (size_t row = 0; row < layout.rows; ++row) {
+    for (size_t i = 0; i < layout.rowBytes; ++i) {
+      const size_t at = row * layout.stride + i;
+      if (std::abs(int{a[at]} - int{b[at]}) > 4) return true;
+    }
+  }
+  return false;
+}
+
+class Random {
+ public:
+  explicit Random(uint32_t seed) : _engine(seed) {}
+  size_t upTo(size_t most) { return std::uniform_int_distribution<size_t>(0, most)(_engine); }
+
+ private:
+  std::mt19937 _engine;
+};
+
+/// A copy with differences that count as none within the rows and any whatever in the padding.
+std::vector<uint8_t> likeness(const std::vector<uint8_t>& frame, const FrameLayout& layout,
+                              Random& random) {
+  std::vector<uint8_t> copy = frame;
+  const size_t noise = random.upTo(2) * 2;
+  for (size_t i = 0; i < frame.size(); ++i) {
+    const int shifted =
+        frame[i] + static_cast<int>(random.upTo(noise * 2)) - static_cast<int>(noise);
+    const bool isPadding = i % layout.stride >= layout.rowBytes;
+    if (isPadding)
+      copy[i] = static_cast<uint8_t>(random.upTo(255));
+    else if (shifted >= 0 && shifted <= 255)
+      copy[i] = static_cast<uint8_t>(shifted);
+  }
+  return copy;
+}
+
+TEST(FrameComparisonTest, SeesWhatThePlainDefinitionSees) {
+  const char* given = std::getenv("TAPDECK_SEED");
+  const uint32_t seed =
+      given != nullptr ? std::strtoul(given, nullptr, 10) : std::random_device()();
+  std::printf("TAPDECK_SEED=%u repeats this run\n", seed);
+  Random random(seed);
+  for (size_t width = 1; width <= 400; ++width) {
+    const size_t rowBytes = width * 4;
+    const FrameLayout layout{rowBytes, rowBytes + random.upTo(3) * random.upTo(40),
+                             1 + random.upTo(3)};
+    std::vector<uint8_t> frame(layout.stride * layout.rows);
+    for (auto& byte : frame) byte = static_cast<uint8_t>(random.upTo(255));
+    std::vector<uint8_t> other = likeness(frame, layout, random);
+    ASSERT_FALSE(framesDiffer(frame.data(), other.data(), layout)) << "width " << width;
+
+    const size_t at = random.upTo(layout.rows - 1) * layout.stride + random.upTo(rowBytes - 1);
+    for (const int difference : {0, 1, 4, 5, 6, 127, 128, 251, 252, 255}) {
+      for (const int changed : {frame[at] + difference, frame[at] - difference}) {
+        if (changed < 0 || changed > 255) continue;
+        other[at] = static_cast<uint8_t>(changed);
+        ASSERT_EQ(framesDiffer(frame.data(), other.data(), layout),
+                  differByDefinition(frame.data(), other.data(), layout))
+            << "width " << width << ", stride " << layout.stride << ", " << difference << " at "
+            << at;
+      }
+    }
+  }
+}
+
+TEST(FrameComparisonTest, LooksAtEveryByteOfARow) {
+  for (const size_t rowBytes : {4, 252, 256, 260, 508, 516, 1284}) {
+    const FrameLayout layout{rowBytes, rowBytes, 2};
+    const std::vector<uint8_t> frame(layout.stride * layout.rows, 100);
+    for (size_t at = 0; at < frame.size(); ++at) {
+      auto other = frame;
+      other[at] = 105;
+      ASSERT_TRUE(framesDiffer(frame.data(), other.data(), layout)) << rowBytes << " " << at;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tapdeck
