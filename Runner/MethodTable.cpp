@@ -9,6 +9,7 @@
 #include "Runner/Clipboard.h"
 #include "Runner/Display/DisplayGeometry.h"
 #include "Runner/Display/LaserPointer.h"
+#include "Runner/Display/ScreenCapture.h"
 #include "Runner/Display/WindowPlacement.h"
 #include "Runner/Input/Keyboard.h"
 #include "Runner/Input/Pointer.h"
@@ -168,6 +169,20 @@ void screenCaptureSupported(const ControlCall&, Reply reply) {
   reply.success(Value(true));
 }
 
+void captureScreenRow(const ControlCall& call, Reply reply) {
+  CaptureRequest request;
+  request.display = call.arguments.string("display");
+  request.maxWidth = call.arguments.integer("maxWidth").value_or(request.maxWidth);
+  request.quality = call.arguments.integer("quality").value_or(request.quality);
+  request.force = call.arguments.boolean("force").value_or(request.force);
+  reply.success(Value(captureScreen(*call.window, request)));
+}
+
+void resetScreenCaptureRow(const ControlCall& call, Reply reply) {
+  resetScreenCapture(*call.window);
+  reply.success();
+}
+
 // ---- permissions
 
 void outsideSandbox(const ControlCall&, Reply reply) {
@@ -256,8 +271,8 @@ constexpr ControlMethod kControlMethods[] = {
     {"screenPermissionGranted", WindowGone::runAnyway, screenPermissionGranted},
     {"requestScreenPermission", WindowGone::runAnyway, requestScreenPermission},
     {"openScreenRecordingSettings", WindowGone::runAnyway, openScreenRecordingSettingsRow},
-    {"captureScreen", WindowGone::replyNull, notBuiltYet},
-    {"resetScreenCapture", WindowGone::replyNull, notBuiltYet},
+    {"captureScreen", WindowGone::replyNull, captureScreenRow},
+    {"resetScreenCapture", WindowGone::replyNull, resetScreenCaptureRow},
     {"screenCursor", WindowGone::replyNull, screenCursorRow},
     {"hideCursor", WindowGone::runAnyway, hideCursorRow},
     {"showCursor", WindowGone::runAnyway, showCursorRow},

@@ -1,16 +1,17 @@
-// The C frameworks, recorded. Every object handed out is a Core Foundation data object that holds
-// its record's number, so that the real CFRelease ends it on every system.
+// The C frameworks, recorded. An event handed out holds its record's number.
 
 #include <ApplicationServices/ApplicationServices.h>
 
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <vector>
 
+#include "Tests/Support/Recording/Objects.h"
 #include "Tests/Support/Recording/Recording.h"
 
+using tapdeck::recording::contentOf;
 using tapdeck::recording::describe;
+using tapdeck::recording::makeObject;
 using tapdeck::recording::record;
 using tapdeck::recording::script;
 
@@ -30,23 +31,8 @@ std::vector<Record>& records() {
   return all;
 }
 
-template <typename Reference>
-Reference makeObject(int64_t content) {
-  UInt8 bytes[sizeof content];
-  std::memcpy(bytes, &content, sizeof content);
-  CFMutableDataRef data = CFDataCreateMutable(nullptr, 0);
-  CFDataAppendBytes(data, bytes, sizeof content);
-  return reinterpret_cast<Reference>(data);
-}
-
-int64_t contentOf(const void* object) {
-  int64_t content = 0;
-  std::memcpy(&content, CFDataGetBytePtr(static_cast<CFDataRef>(object)), sizeof content);
-  return content;
-}
-
 Record& recordOf(CGEventRef event) {
-  return records().at(static_cast<size_t>(contentOf(event)));
+  return records().at(static_cast<size_t>(contentOf<int64_t>(event)));
 }
 
 CGEventRef makeEvent(CGEventType type, CGPoint location, const std::string& description) {
@@ -56,7 +42,7 @@ CGEventRef makeEvent(CGEventType type, CGPoint location, const std::string& desc
 }
 
 std::string describeSource(CGEventSourceRef source) {
-  return source == nullptr ? "none" : std::to_string(contentOf(source));
+  return source == nullptr ? "none" : std::to_string(contentOf<CGEventSourceStateID>(source));
 }
 
 }  // namespace

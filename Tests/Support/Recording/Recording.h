@@ -11,6 +11,7 @@
 
 #include "Platform/Screens.h"
 #include "Tests/Support/Recording/LoginItems.h"
+#include "Tests/Support/Recording/ScreenImages.h"
 #include "Tests/Support/Recording/Windows.h"
 
 namespace tapdeck::recording {
@@ -47,6 +48,7 @@ struct Script {
 
   LoginItems loginItems;
   OtherWindows windows;
+  ScreenImages images;
 };
 
 /// The script in force. Main thread only, as everything here.
