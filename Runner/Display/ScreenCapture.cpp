@@ -105,7 +105,10 @@ bool keepAsLast(MainFlutterWindow& window, const Frame& frame) {
     window._prevFrameStride = static_cast<int64_t>(frame.stride);
     window._prevFrameHeight = static_cast<int64_t>(frame.height);
   }
-  std::memcpy(window._prevFrame, frame.pixels, frame.bytes());
+  // by rows: all in one goes past the caches, where the next comparison would find it
+  for (size_t at = 0; at < frame.bytes(); at += frame.stride) {
+    std::memcpy(window._prevFrame + at, frame.pixels + at, frame.stride);
+  }
   return true;
 }
 

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <vector>
+
+namespace tapdeck::benchmarks {
+
+/// Times of one thing done again and again, in milliseconds.
+class Samples {
+ public:
+  void add(double milliseconds) { _all.push_back(milliseconds); }
+  double least() const { return *std::min_element(_all.begin(), _all.end()); }
+  double median() const {
+    std::vector<double> sorted = _all;
+    const auto middle = sorted.begin() + static_cast<ptrdiff_t>(sorted.size() / 2);
+    std::nth_element(sorted.begin(), middle, sorted.end());
+    return *middle;
+  }
+
+ private:
+  std::vector<double> _all;
+};
+
+template <typename Work>
+double millisecondsOf(const Work& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start)
+      .count();
+}
+
+/// The processor time, in milliseconds, that a process has used up to now, its own code and the
+/// kernel's for it; 0 for the calling process. Throws where the process is not there.
+double processorMilliseconds(pid_t process);
+
+}  // namespace tapdeck::benchmarks
