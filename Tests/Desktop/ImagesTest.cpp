@@ -38,34 +38,34 @@ Owned<CGContextRef> draw(CGImageRef image, size_t width, size_t height) {
   return context;
 }
 
-Pixels pixelsOf(CGContextRef context, size_t width, size_t height) {
-  const auto* bytes = static_cast<const uint8_t*>(CGBitmapContextGetData(context));
+/// The rows without their padding.
+Pixels tight(const void* rows, size_t bytesPerRow, size_t width, size_t height) {
   Pixels pixels(width * height);
   for (size_t y = 0; y < height; ++y) {
-    std::memcpy(&pixels[y * width], bytes + y * CGBitmapContextGetBytesPerRow(context), width * 4);
+    std::memcpy(&pixels[y * width], static_cast<const uint8_t*>(rows) + y * bytesPerRow, width * 4);
   }
   return pixels;
 }
 
+/// As the host draws it.
+Pixels drawn(CGImageRef image, size_t width, size_t height) {
+  const auto context = draw(image, width, height);
+  return tight(CGBitmapContextGetData(context.get()), CGBitmapContextGetBytesPerRow(context.get()),
+               width, height);
+}
+
 Pixels pixelsOf(CGImageRef image) {
-  const size_t width = CGImageGetWidth(image);
-  const size_t height = CGImageGetHeight(image);
-  return pixelsOf(draw(image, width, height).get(), width, height);
+  return drawn(image, CGImageGetWidth(image), CGImageGetHeight(image));
 }
 
 /// A new scaling of the whole.
 Pixels scaled(const Pixels& pixels, const quartz::Monitor& monitor, int width, int height) {
-  const quartz::PixelBuffer target =
-      quartz::allocatePixels(width, height, quartz::alignedBytesPerRow(width));
+  const auto target = quartz::allocatePixels(width, height, quartz::alignedBytesPerRow(width));
+  const quartz::PixelView source{reinterpret_cast<const uint8_t*>(pixels.data()), monitor.width,
+                                 monitor.height, size_t{4} * monitor.width};
   quartz::AreaScaler({monitor.width, monitor.height}, {width, height})
-      .scale({reinterpret_cast<const uint8_t*>(pixels.data()), monitor.width, monitor.height,
-              size_t{4} * monitor.width},
-             target, {0, 0, width, height});
-  Pixels result(static_cast<size_t>(width) * height);
-  for (int y = 0; y < height; ++y) {
-    std::memcpy(&result[static_cast<size_t>(y) * width], target.at(0, y), size_t{4} * width);
-  }
-  return result;
+      .scale(source, target, {0, 0, width, height});
+  return tight(target.memory.get(), target.bytesPerRow, target.width, target.height);
 }
 
 /// Captures and draws like the host, while `painter` changes the screen, and compares with the
@@ -96,7 +96,7 @@ class Comparison {
     ASSERT_TRUE(image);
     const int width = monitor.width * 5 / 9;
     const int height = monitor.height * 5 / 9;
-    const Pixels small = pixelsOf(draw(image.get(), width, height).get(), width, height);
+    const Pixels small = drawn(image.get(), width, height);
     // one that somebody holds stays as it is
     if (_held) {
       ASSERT_TRUE(pixelsOf(_held.get()) == _heldPixels);
@@ -163,9 +163,9 @@ class TwoMonitorsTest : public ::testing::Test {
     observer.setMonitor("*Right", "1400/350x800/200+1000+300");
     left = observer.atom("Left");
     right = observer.atom("Right");
-    painter.fill(0, 0, 2400, 1200, 0x203040);
-    painter.fill(100, 500, 200, 200, 0xe02010);
-    painter.fill(2000, 500, 200, 200, 0x10c0f0);
+    painter.fill({0, 0, 2400, 1200}, 0x203040);
+    painter.fill({100, 500, 200, 200}, 0xe02010);
+    painter.fill({2000, 500, 200, 200}, 0x10c0f0);
   }
   ~TwoMonitorsTest() override {
     for (const auto* name : {"Left", "Right"}) observer.deleteMonitor(name);
@@ -241,9 +241,9 @@ TEST_F(TwoMonitorsTest, AreNeitherGrabbedNorScaledAgainWhileStill) {
   EXPECT_EQ(capture(left).get(), first.get());
   EXPECT_EQ(dataOf(capture(left).get()), pixels);
   // what happens on the other one does not matter
-  painter.fill(1000, 400, 400, 400, 0);
+  painter.fill({1000, 400, 400, 400}, 0);
   EXPECT_EQ(capture(left).get(), first.get());
-  painter.fill(999, 1199, 1, 1, 0);
+  painter.fill({999, 1199, 1, 1}, 0);
   EXPECT_NE(capture(left).get(), first.get());
   EXPECT_EQ(pixelsOf(first.get()).back(), 0xff203040);
   EXPECT_EQ(pixelsOf(capture(left).get()).back(), 0xff000000);

@@ -9,33 +9,21 @@
 namespace tapdeck::testing {
 namespace {
 
-constexpr int kWindows = 3;
-
-uint32_t formatOf(const xcb_render_query_pict_formats_reply_t& formats, xcb_visualid_t visual) {
-  for (auto screen = xcb_render_query_pict_formats_screens_iterator(&formats); screen.rem > 0;
-       xcb_render_pictscreen_next(&screen)) {
-    for (auto depth = xcb_render_pictscreen_depths_iterator(screen.data); depth.rem > 0;
-         xcb_render_pictdepth_next(&depth)) {
-      for (auto each = xcb_render_pictdepth_visuals_iterator(depth.data); each.rem > 0;
-           xcb_render_pictvisual_next(&each)) {
-        if (each.data->visual == visual) return each.data->format;
-      }
-    }
-  }
-  return 0;
-}
+constexpr uint32_t kAlsoOnWindows = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
 
 }  // namespace
 
 ScreenPainter::ScreenPainter(unsigned seed) : _random(seed) {
   _screen = xcb_setup_roots_iterator(xcb_get_setup(_server.get())).data;
   _context = xcb_generate_id(_server.get());
-  const uint32_t alsoOnWindows = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
-  xcb_create_gc(_server.get(), _context, _screen->root, XCB_GC_SUBWINDOW_MODE, &alsoOnWindows);
+  xcb_create_gc(_server.get(), _context, _screen->root, XCB_GC_SUBWINDOW_MODE, &kAlsoOnWindows);
   const auto formats = _server.wait(xcb_render_query_pict_formats(_server.get()),
                                     xcb_render_query_pict_formats_reply);
-  _renderFormat = formatOf(*formats, _screen->root_visual);
-  for (int i = 0; i < kWindows; ++i) {
+  for (auto format = xcb_render_query_pict_formats_formats_iterator(formats.get()); format.rem > 0;
+       xcb_render_pictforminfo_next(&format)) {
+    if (format.data->depth == _screen->root_depth) _renderFormat = format.data->id;
+  }
+  for (int i = 0; i < 3; ++i) {
     const xcb_window_t window = xcb_generate_id(_server.get());
     const uint32_t values[] = {static_cast<uint32_t>(_random()) & 0xffffff, 1};
     const xcb_rectangle_t place = somewhere();
@@ -53,112 +41,90 @@ int ScreenPainter::between(int least, int most) {
 
 /// Of every order of size, one pixel included; partly off the screen now and then.
 xcb_rectangle_t ScreenPainter::somewhere() {
-  const auto length = [this](int most) { return between(1, std::max(1, most >> between(0, 9))); };
-  return {static_cast<int16_t>(between(-8, width() - 1)),
-          static_cast<int16_t>(between(-8, height() - 1)), static_cast<uint16_t>(length(width())),
-          static_cast<uint16_t>(length(height()))};
+  const int width = _screen->width_in_pixels;
+  const int height = _screen->height_in_pixels;
+  const auto length = [this](int most) {
+    return static_cast<uint16_t>(between(1, std::max(1, most >> between(0, 9))));
+  };
+  return {static_cast<int16_t>(between(-8, width - 1)),
+          static_cast<int16_t>(between(-8, height - 1)), length(width), length(height)};
 }
 
 void ScreenPainter::change() {
-  const xcb_window_t window = _windows[static_cast<size_t>(between(0, kWindows - 1))];
+  const xcb_rectangle_t area = somewhere();
+  const xcb_window_t window = _windows[_random() % _windows.size()];
   const xcb_drawable_t on = between(0, 1) == 0 ? _screen->root : window;
-  switch (between(0, 3)) {
+  const auto colour = static_cast<uint32_t>(_random());
+  const xcb_point_t diagonal[] = {
+      {area.x, area.y},
+      {static_cast<int16_t>(area.x + area.width), static_cast<int16_t>(area.y + area.height)}};
+  const uint32_t geometry[] = {static_cast<uint32_t>(area.x), static_cast<uint32_t>(area.y),
+                               area.width, area.height};
+  xcb_connection_t* server = _server.get();
+  xcb_change_gc(server, _context, XCB_GC_FOREGROUND, &colour);
+  switch (between(0, 9)) {
     case 0:
-      paintCore(on);
+      xcb_poly_fill_rectangle(server, on, _context, 1, &area);
       break;
     case 1:
-      paintByRender(on);
+      xcb_poly_line(server, XCB_COORD_MODE_ORIGIN, on, _context, 2, diagonal);
       break;
     case 2:
-      putShared(on);
+      xcb_poly_point(server, XCB_COORD_MODE_ORIGIN, on, _context, 2, diagonal);
+      break;
+    case 3:
+      xcb_copy_area(server, on, on, _context, area.x, area.y, diagonal[1].x, diagonal[1].y,
+                    area.width, area.height);
+      break;
+    case 4:
+      xcb_clear_area(server, 0, on, area.x, area.y, area.width, area.height);
+      break;
+    case 5:
+      xcb_unmap_window(server, window);
+      break;
+    case 6:
+      xcb_map_window(server, window);
+      break;
+    case 7:
+      // the values' order: x, y, width, height
+      xcb_configure_window(server, window, 0xf, geometry);
+      break;
+    case 8:
+      paintByRender(on, area);
       break;
     default:
-      rearrange(window);
+      putShared(on, area);
   }
   _server.flush();
 }
 
-void ScreenPainter::fill(int x, int y, int width, int height, uint32_t colour) {
+void ScreenPainter::fill(const xcb_rectangle_t& area, uint32_t colour) {
   xcb_change_gc(_server.get(), _context, XCB_GC_FOREGROUND, &colour);
-  const xcb_rectangle_t area{static_cast<int16_t>(x), static_cast<int16_t>(y),
-                             static_cast<uint16_t>(width), static_cast<uint16_t>(height)};
   xcb_poly_fill_rectangle(_server.get(), _screen->root, _context, 1, &area);
   finish();
 }
 
-void ScreenPainter::paintCore(xcb_drawable_t on) {
-  const auto colour = static_cast<uint32_t>(_random());
-  xcb_change_gc(_server.get(), _context, XCB_GC_FOREGROUND, &colour);
-  const xcb_rectangle_t area = somewhere();
-  const auto right = static_cast<int16_t>(area.x + area.width);
-  const auto bottom = static_cast<int16_t>(area.y + area.height);
-  const xcb_point_t corners[] = {{area.x, area.y}, {right, bottom}};
-  switch (between(0, 4)) {
-    case 0:
-      xcb_poly_fill_rectangle(_server.get(), on, _context, 1, &area);
-      break;
-    case 1:
-      xcb_poly_line(_server.get(), XCB_COORD_MODE_ORIGIN, on, _context, 2, corners);
-      break;
-    case 2:
-      xcb_poly_point(_server.get(), XCB_COORD_MODE_ORIGIN, on, _context, 2, corners);
-      break;
-    case 3:
-      xcb_copy_area(_server.get(), on, on, _context, area.x, area.y,
-                    static_cast<int16_t>(area.x + between(-20, 20)),
-                    static_cast<int16_t>(area.y + between(-20, 20)), area.width, area.height);
-      break;
-    default:
-      xcb_clear_area(_server.get(), 0, on, area.x, area.y, area.width, area.height);
-  }
-}
-
-void ScreenPainter::paintByRender(xcb_drawable_t on) {
+void ScreenPainter::paintByRender(xcb_drawable_t on, const xcb_rectangle_t& area) {
   const xcb_render_picture_t picture = xcb_generate_id(_server.get());
-  const uint32_t alsoOnWindows = XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS;
   xcb_render_create_picture(_server.get(), picture, on, _renderFormat, XCB_RENDER_CP_SUBWINDOW_MODE,
-                            &alsoOnWindows);
+                            &kAlsoOnWindows);
   const auto part = [this] { return static_cast<uint16_t>(_random()); };
   const xcb_render_color_t colour{part(), part(), part(), 0xffff};
-  const xcb_rectangle_t area = somewhere();
   xcb_render_fill_rectangles(_server.get(), XCB_RENDER_PICT_OP_OVER, picture, colour, 1, &area);
   xcb_render_free_picture(_server.get(), picture);
 }
 
-void ScreenPainter::putShared(xcb_drawable_t on) {
-  const xcb_rectangle_t area = somewhere();
-  const size_t size = size_t{4} * area.width * area.height;
-  const auto segment = _segments.take(size);
-  if (!segment) return paintCore(on);
+void ScreenPainter::putShared(xcb_drawable_t on, const xcb_rectangle_t& area) {
+  const size_t count = size_t{1} * area.width * area.height;
+  const auto segment = _segments.take(count * 4);
+  if (!segment) return paintByRender(on, area);
   // the server may still read what was put before
   finish();
-  std::generate_n(reinterpret_cast<uint32_t*>(segment->memory.get()), size / 4, std::ref(_random));
+  auto* pixels = reinterpret_cast<uint32_t*>(segment->memory.get());
+  std::generate_n(pixels, count, std::ref(_random));
   xcb_shm_put_image(_server.get(), on, _context, area.width, area.height, 0, 0, area.width,
                     area.height, area.x, area.y, _screen->root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0,
                     segment->number, 0);
-}
-
-void ScreenPainter::rearrange(xcb_window_t window) {
-  const xcb_rectangle_t place = somewhere();
-  const uint32_t geometry[] = {static_cast<uint32_t>(place.x), static_cast<uint32_t>(place.y),
-                               place.width, place.height};
-  const uint32_t above = XCB_STACK_MODE_ABOVE;
-  switch (between(0, 3)) {
-    case 0:
-      xcb_unmap_window(_server.get(), window);
-      break;
-    case 1:
-      xcb_map_window(_server.get(), window);
-      break;
-    case 2:
-      xcb_configure_window(_server.get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-      break;
-    default:
-      xcb_configure_window(_server.get(), window,
-                           XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
-                               XCB_CONFIG_WINDOW_HEIGHT,
-                           geometry);
-  }
 }
 
 std::vector<uint32_t> ScreenPainter::pixels(int x, int y, int width, int height) const {
@@ -168,12 +134,10 @@ std::vector<uint32_t> ScreenPainter::pixels(int x, int y, int width, int height)
   const auto reply = _server.wait(request, xcb_get_image_reply);
   std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
   std::memcpy(pixels.data(), xcb_get_image_data(reply.get()), pixels.size() * 4);
+  const bool isDeep = _screen->root_depth == 30;
   for (uint32_t& pixel : pixels) {
-    const bool isDeep = _screen->root_depth == 30;
-    const uint32_t colours =
-        isDeep ? (pixel >> 22 & 0xff) << 16 | (pixel >> 12 & 0xff) << 8 | (pixel >> 2 & 0xff)
-               : pixel & 0xffffff;
-    pixel = 0xff000000 | colours;
+    if (isDeep) pixel = (pixel >> 6 & 0xff0000) | (pixel >> 4 & 0xff00) | (pixel >> 2 & 0xff);
+    pixel |= 0xff000000;
   }
   return pixels;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <random>
 #include <vector>
 
@@ -16,23 +15,18 @@ class ScreenPainter {
 
   /// Paints, moves or shows one thing; not waited for.
   void change();
-  /// Fills a rectangle of the screen with 0xRRGGBB (of a screen of depth 24).
-  void fill(int x, int y, int width, int height, uint32_t colour);
+  /// Fills a part of the screen with 0xRRGGBB (of a screen of depth 24) and waits.
+  void fill(const xcb_rectangle_t& area, uint32_t colour);
   /// Waits until all changes are made.
   void finish() const { _server.finish(); }
-  /// A monitor as the screen's pixels are now, by the plainest request that there is.
+  /// A part of the screen as it is now, by the plainest request that there is, as 0xffRRGGBB.
   std::vector<uint32_t> pixels(int x, int y, int width, int height) const;
 
-  int width() const { return _screen->width_in_pixels; }
-  int height() const { return _screen->height_in_pixels; }
-
  private:
-  xcb_rectangle_t somewhere();
   int between(int least, int most);
-  void paintCore(xcb_drawable_t on);
-  void paintByRender(xcb_drawable_t on);
-  void putShared(xcb_drawable_t on);
-  void rearrange(xcb_window_t window);
+  xcb_rectangle_t somewhere();
+  void paintByRender(xcb_drawable_t on, const xcb_rectangle_t& area);
+  void putShared(xcb_drawable_t on, const xcb_rectangle_t& area);
 
   quartz::Connection _server;
   quartz::SegmentPool _segments{_server};
