@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string_view>
+
+#include "Platform/Linux/AppleScript/Syntax.h"
+
+namespace tapdeck::applescript {
+
+/// Compiles the source, UTF-8. Throws ScriptError (-2741) for what is no program: also for a word
+/// that is neither a term of the application that is told nor a variable that is set somewhere.
+Block parse(std::string_view source);
+
+}  // namespace tapdeck::applescript
