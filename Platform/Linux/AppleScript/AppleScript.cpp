@@ -10,30 +10,24 @@
 namespace tapdeck::applescript {
 namespace {
 
-Error describe(ScriptError&& error, bool isSyntaxError) {
+Error describe(ScriptError&& error) {
   return {.number = error.number,
           .message = std::move(error.message),
           .application = std::move(error.application),
           .start = error.start,
           .end = error.end,
-          .isSyntaxError = isSyntaxError};
+          .isSyntaxError = error.number == kSyntax};
 }
 
 }  // namespace
 
 Result run(const std::string& source, Desktop& desktop) {
-  Block program;
   try {
-    program = parse(source);
-  } catch (ScriptError& error) {
-    return {.text = std::nullopt, .error = describe(std::move(error), true)};
-  }
-  try {
-    const Value value = Evaluator(desktop).run(program);
+    const Value value = Evaluator(desktop).run(parse(source));
     if (value.getIf<Nothing>() != nullptr) return {};
     return {.text = display(value), .error = std::nullopt};
   } catch (ScriptError& error) {
-    return {.text = std::nullopt, .error = describe(std::move(error), false)};
+    return {.text = std::nullopt, .error = describe(std::move(error))};
   }
 }
 

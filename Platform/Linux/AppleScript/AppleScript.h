@@ -8,7 +8,7 @@ namespace tapdeck::applescript {
 
 /// Why a script was not compiled or did not run to its end.
 struct Error {
-  /// As on the Mac: -2740 and -2741 for what is no program, -1728 for what is not there, ...
+  /// As on the Mac: -2741 for what is no program, -1728 for what is not there, ...
   int number = 0;
   /// In the user's words, such as "Music got an error: Can’t get current track.".
   std::string message;

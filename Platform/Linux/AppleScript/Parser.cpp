@@ -81,6 +81,7 @@ class Parser {
     const auto outer = _expressions.application;
     if (const auto* named = std::get_if<ApplicationNamed>(&target->content)) {
       _expressions.application = applicationNamed(named->name);
+      if (!_expressions.application) failToFind(*named, *target);
     }
     Block body;
     if (_tokens.accept("to")) {
@@ -91,6 +92,12 @@ class Parser {
     }
     _expressions.application = outer;
     return {Tell{std::move(target), std::move(body)}};
+  }
+
+  /// Nobody knows the terms of an application that is not there.
+  [[noreturn]] static void failToFind(const ApplicationNamed& named, const Expression& at) {
+    throw ScriptError{kNotFound, "Can’t get application \"" + named.name + "\".", "", at.start,
+                      at.end};
   }
 
   /// A block that begins on the next line.
