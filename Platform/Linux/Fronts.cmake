@@ -13,5 +13,5 @@ tapdeck_library(tapdeck_platform
           Applications/DesktopFiles.cpp Applications/Launch.cpp Applications/ManagedWindows.cpp
           Clock.cpp Files.cpp Images.cpp Log.cpp LoginItems.cpp MainBundle.cpp Pasteboard.cpp
           ProcessInfo.cpp PropertyLists.cpp Queues.cpp SelectionReader.cpp UserDefaults.cpp Workspace.cpp
-  LINKS tapdeck_front tapdeck_engine tapdeck_quartz tapdeck_usersettings PkgConfig::GTKMM
-        PkgConfig::FRONT_GLIB PkgConfig::FRONT_XCB)
+  LINKS tapdeck_front tapdeck_engine tapdeck_applescript tapdeck_quartz tapdeck_usersettings
+        PkgConfig::GTKMM PkgConfig::FRONT_GLIB PkgConfig::FRONT_XCB)
