@@ -157,6 +157,7 @@ ExpressionPtr ExpressionParser::sign() {
 // ---- what stands between operators
 
 ExpressionPtr ExpressionParser::reference() {
+  const Nesting nesting(_tokens, depth);
   const size_t start = _tokens.peek().start;
   if (_tokens.accept("exists")) return unary(start, UnaryOperator::exists, reference());
   ExpressionPtr owner = primary();
