@@ -21,7 +21,9 @@ std::shared_ptr<AppleScript> appleScriptWithSource(const std::string& source) {
 }
 
 std::optional<std::string> executeAppleScript(AppleScript& script) {
-  return applescript::run(script.source).error;
+  const auto error = applescript::run(script.source).error;
+  if (!error) return std::nullopt;
+  return error->message + " (" + std::to_string(error->number) + ")";
 }
 
 }  // namespace tapdeck::platform
