@@ -10,6 +10,8 @@ struct Queued {
   std::vector<std::function<void()>> global;
   std::vector<std::function<void()>> main;
   std::vector<std::function<void()>> screenObservers;
+  std::vector<std::function<void()>> childEnds;
+  std::vector<std::function<void()>> downloads;
 };
 
 Queued& queued();
