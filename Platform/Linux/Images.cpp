@@ -128,6 +128,7 @@ std::shared_ptr<const Image> iconOfFile(const std::string& path) {
 }
 
 std::shared_ptr<const Image> imageFromData(const std::vector<uint8_t>& bytes) {
+  if (bytes.empty()) return nullptr;
   const Object<GdkPixbufLoader> loader(gdk_pixbuf_loader_new());
   g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(refuseHugePicture), nullptr);
   const bool isTaken =
