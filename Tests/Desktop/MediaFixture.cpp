@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <gtkmm/main.h>
 
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+#include <string_view>
 
 #include "Platform/Linux/AppleScript/Players.h"
 #include "Platform/Linux/Quartz/WindowServer.h"
@@ -27,25 +27,14 @@ RealPlayer::RealPlayer()
   }
 }
 
-/// One channel of 8 bits, 8000 samples a second.
 std::filesystem::path RealPlayer::makeTone() const {
-  constexpr uint32_t kRate = 8000;
-  constexpr uint32_t kSize = 60 * kRate;
-  struct {
-    char riff[4] = {'R', 'I', 'F', 'F'};
-    uint32_t riffSize = 36 + kSize;
-    char wave[8] = {'W', 'A', 'V', 'E', 'f', 'm', 't', ' '};
-    uint32_t formatSize = 16;
-    uint16_t format = 1, channels = 1;
-    uint32_t rate = kRate, bytesPerSecond = kRate;
-    uint16_t frameSize = 1, bits = 8;
-    char data[4] = {'d', 'a', 't', 'a'};
-    uint32_t dataSize = kSize;
-  } header;
+  constexpr size_t kSize = 480000;  // one channel of 8 bits, 8000 samples a second
+  constexpr std::string_view kHeader(
+      "RIFF\x24\x53\x07\0WAVEfmt "
+      "\x10\0\0\0\1\0\1\0\x40\x1F\0\0\x40\x1F\0\0\1\0\x08\0data\0\x53\x07\0",
+      44);
   const auto path = _folder.path / "tone.wav";
-  std::ofstream file(path, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(&header), sizeof header);
-  file << std::string(kSize, '\x80');
+  std::ofstream(path, std::ios::binary) << kHeader << std::string(kSize, '\x80');
   return path;
 }
 

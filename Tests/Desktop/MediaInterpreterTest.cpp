@@ -1,6 +1,5 @@
-#include <glib/gstdio.h>
 #include <gmock/gmock.h>
-#include <libsoup/soup.h>
+#include <sys/stat.h>
 
 #include <chrono>
 #include <fstream>
@@ -11,6 +10,7 @@
 #include "Runner/Media/PlayerScripts.h"
 #include "Tests/Desktop/MediaBusPeer.h"
 #include "Tests/Desktop/MediaFixture.h"
+#include "Tests/Support/CoverServer.h"
 
 namespace tapdeck::testing {
 namespace {
@@ -19,10 +19,8 @@ using std::chrono::milliseconds;
 using ::testing::AllOf;
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::Ge;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Le;
 using ::testing::StartsWith;
 
 /// What the interpreter prints; of a failure its message.
@@ -47,24 +45,6 @@ std::vector<std::string> playersAmongTheRunning() {
     names.push_back(application.localizedName.value());
   }
   return names;
-}
-
-double positionOf(const char* application) {
-  return std::atof(run(commandScript(application, "get player position")).c_str());
-}
-
-TEST(MediaInterpreterTest, ControlsARealPlayer) {
-  RealPlayer player;
-  EXPECT_TRUE(eventually([] {
-    return run(nowPlayingScript("Music")).starts_with("tone.wav\t\t\t60.0\t");
-  })) << run(nowPlayingScript("Music"));
-  EXPECT_EQ(run(stateScript("Music")), "true\n");
-  EXPECT_EQ(run(commandScript("Music", "set player position to 42.5")), "");
-  EXPECT_TRUE(eventually([] { return positionOf("Music") >= 42; }));
-  EXPECT_THAT(positionOf("Music"), Le(50));
-  EXPECT_EQ(run(commandScript("Music", "playpause")), "");
-  EXPECT_TRUE(eventually([] { return run(stateScript("Music")) == "false\n"; }));
-  EXPECT_EQ(run(trackScript("Music")), "true\n");
 }
 
 TEST(MediaInterpreterTest, TellsPlayersApart) {
@@ -126,43 +106,9 @@ TEST(MediaInterpreterTest, WithoutABusThereAreNoPlayers) {
   }
 }
 
-/// A web server of the test's own: "/cover" is a cover, "/never" is never answered.
-class WebServer {
- public:
-  WebServer() : _server(soup_server_new(nullptr, nullptr)) {
-    soup_server_listen_local(_server, 0, SOUP_SERVER_LISTEN_IPV4_ONLY, nullptr);
-    soup_server_add_handler(_server, "/cover", serve, nullptr, nullptr);
-    soup_server_add_handler(_server, "/never", hold, nullptr, nullptr);
-  }
-  ~WebServer() {
-    soup_server_disconnect(_server);
-    g_object_unref(_server);
-  }
-  WebServer(const WebServer&) = delete;
-  WebServer& operator=(const WebServer&) = delete;
-
-  std::string address(const char* path) const {
-    GSList* all = soup_server_get_uris(_server);
-    const int port = g_uri_get_port(static_cast<GUri*>(all->data));
-    g_slist_free_full(all, reinterpret_cast<GDestroyNotify>(g_uri_unref));
-    return "http://127.0.0.1:" + std::to_string(port) + path;
-  }
-
- private:
-  static void serve(SoupServer*, SoupServerMessage* message, const char*, GHashTable*, gpointer) {
-    soup_server_message_set_status(message, SOUP_STATUS_OK, nullptr);
-    soup_server_message_set_response(message, "image/png", SOUP_MEMORY_STATIC, "picture", 7);
-  }
-  static void hold(SoupServer*, SoupServerMessage* message, const char*, GHashTable*, gpointer) {
-    soup_server_message_pause(message);
-  }
-
-  SoupServer* _server;
-};
-
 TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
   const TemporaryFolder folder;
-  const WebServer server;
+  const CoverServer server;
   const auto file = [&](const char* name, const std::string& bytes) {
     std::ofstream(folder.path / name, std::ios::binary) << bytes;
     return "file://" + (folder.path / name).string();
@@ -187,9 +133,10 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
       {"data:image/png;base64,cGljdHVyZQ==", "ok", "picture"},
       {"data:image/png;base64," + large, "none", ""},
       {"data:", "none", ""},
-      {server.address("/cover"), "ok", "picture"},
+      {server.address("/cover"), "ok", "cover"},
       {server.address("/missing"), "none", ""},
-      {server.address("/never"), "none", ""},
+      {server.address("/endless"), "none", ""},
+      {server.address("/hangs"), "none", ""},
       {"http://127.0.0.1:1/", "none", ""},
       {"gopher://a/", "none", ""},
       {"\n", "none", ""},

@@ -222,9 +222,12 @@ TEST_F(MediaNowPlayingTest, SpotifysCoversAreFetchedOverTlsOnly) {
   script().urlsParse = false;
   EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
 
+  answers[{"art", "Spotify"}] = {"https://covers/1", "", 0, 2.1};
+  nowPlaying(Value(true));
+  EXPECT_THAT(steps(), ::testing::Contains("log ⚠️ AppleScript timed out after 2.0s"));
+
   run({"VLC"});
   answers[{"info", "VLC"}] = {"Clip\t\t\t10\t5\ttrue\t/clip"};
-  trace();
   EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
   EXPECT_EQ(steps().size(), 4u);
 }

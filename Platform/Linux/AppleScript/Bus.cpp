@@ -14,8 +14,6 @@ constexpr int kNamesLimit = 500;
 constexpr int kSurveyLimit = 250;
 constexpr int kCallLimit = 1000;
 
-using Failure = std::unique_ptr<GError, decltype(&g_error_free)>;
-
 bool isAny(const GError& error, GQuark domain, std::initializer_list<int> codes) {
   return error.domain == domain && std::ranges::find(codes, error.code) != codes.end();
 }
@@ -106,7 +104,7 @@ Variant Bus::call(const std::string& name, const char* path, const char* interfa
       _connection.get(), name.c_str(), path, interface, method, arguments,
       G_VARIANT_TYPE(replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, kCallLimit, nullptr, &error));
   if (reply != nullptr) return reply;
-  const Failure failure(error, g_error_free);
+  const applications::Error failure(error);
   throw describe(*failure);
 }
 

@@ -12,13 +12,12 @@
 #include <thread>
 #include <vector>
 
+#include "Platform/Linux/Applications/Handles.h"
+
 namespace tapdeck::applescript {
 
-struct ObjectRelease {
-  void operator()(gpointer object) const { g_object_unref(object); }
-};
 template <typename T>
-using Shared = std::unique_ptr<T, ObjectRelease>;
+using Shared = applications::Object<T>;
 
 struct VariantRelease {
   void operator()(GVariant* variant) const { g_variant_unref(variant); }
