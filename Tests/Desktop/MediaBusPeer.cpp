@@ -1,5 +1,6 @@
 #include "Tests/Desktop/MediaBusPeer.h"
 
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -9,11 +10,9 @@ namespace {
 constexpr const char* kPrefix = "org.mpris.MediaPlayer2.";
 
 std::string textOf(GVariant* value) {
-  if (value == nullptr) return "()";
-  char* text = g_variant_print(value, FALSE);
-  std::string owned = text;
-  g_free(text);
-  return owned;
+  const std::unique_ptr<char, decltype(&g_free)> text(
+      value != nullptr ? g_variant_print(value, FALSE) : g_strdup("()"), g_free);
+  return text.get();
 }
 
 }  // namespace
