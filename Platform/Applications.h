@@ -11,7 +11,7 @@
 namespace tapdeck::platform {
 
 // NSWorkspace, NSRunningApplication and NSBundle. Texts are UTF-8, paths absolute. Main thread
-// only.
+// only, but where another is allowed.
 
 /// NSApplicationActivationPolicy: whether an application is an ordinary one, with a place in the
 /// Dock, one that only shows windows now and then, or one without a face.
@@ -27,7 +27,8 @@ struct RunningApplication {
   int32_t processIdentifier = -1;
 };
 
-/// NSWorkspace runningApplications, read afresh.
+/// NSWorkspace runningApplications, read afresh. Any thread; media players are in it everywhere,
+/// other applications may be missing off the main thread.
 std::vector<RunningApplication> runningApplications();
 
 /// NSWorkspace frontmostApplication: the one that has the keyboard; absent when none has it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 namespace tapdeck::platform {
 
@@ -12,5 +13,20 @@ void asyncOnMain(std::function<void()> work);
 
 /// dispatch_async to a global queue: runs `work` on some other thread, in no order. Any thread.
 void asyncOnGlobal(QualityOfService quality, std::function<void()> work);
+
+/// A dispatch semaphore, created with count 0. Any thread.
+class Semaphore {
+ public:
+  struct Count;
+
+  Semaphore();
+
+  void signal();
+  /// dispatch_semaphore_wait until now plus this many seconds; false when no signal came in time.
+  bool waitFor(double seconds);
+
+ private:
+  std::shared_ptr<Count> _count;
+};
 
 }  // namespace tapdeck::platform

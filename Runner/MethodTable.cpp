@@ -15,6 +15,9 @@
 #include "Runner/Input/Pointer.h"
 #include "Runner/Input/Scrolling.h"
 #include "Runner/Input/TextTyping.h"
+#include "Runner/Media/NowPlaying.h"
+#include "Runner/Media/PlayerCommands.h"
+#include "Runner/Media/SystemActions.h"
 #include "Runner/Permissions/Accessibility.h"
 #include "Runner/Permissions/Sandbox.h"
 #include "Runner/Permissions/ScreenRecording.h"
@@ -26,13 +29,6 @@ using platform::QualityOfService;
 
 void invalidArguments(Reply& reply, const char* message) {
   reply.error("INVALID_ARGS", message);
-}
-
-// What a method does that this build cannot carry out yet: its arguments are read and answered for
-// as always, and a call that gets past them is told that the method does not exist.
-
-void notBuiltYet(const ControlCall&, Reply reply) {
-  reply.notImplemented();
 }
 
 // ---- applications
@@ -215,35 +211,49 @@ void openAccessibilitySettingsRow(const ControlCall&, Reply reply) {
   reply.success();
 }
 
-// ---- media
+// ---- what works in the background
 
 /// Runs `work` on a background queue and replies from the main one. The window is held only while
 /// the work runs and is let go of on the main thread, where its fields live; when it is gone, the
 /// reply is null and `work` does not run.
 void replyFromBackground(QualityOfService quality, const ControlCall& call, Reply reply,
-                         std::function<Outcome()> work) {
+                         std::function<Value()> work) {
   auto pending = std::make_shared<Reply>(std::move(reply));
   platform::asyncOnGlobal(quality, [weak = std::weak_ptr(call.window), pending = std::move(pending),
                                     work = std::move(work)]() mutable {
     std::shared_ptr<MainFlutterWindow> window = weak.lock();
-    Outcome outcome = window ? work() : Outcome(Value());
+    Value result = window ? work() : Value();
     platform::asyncOnMain(
         [window = std::move(window), pending = std::move(pending),
-         outcome = std::move(outcome)]() mutable { pending->answer(std::move(outcome)); });
+         result = std::move(result)]() mutable { pending->success(std::move(result)); });
   });
 }
 
-Outcome nowPlayingNotBuiltYet() {
-  return NotImplemented{};
-}
-
 void getNowPlaying(const ControlCall& call, Reply reply) {
-  replyFromBackground(QualityOfService::utility, call, std::move(reply), nowPlayingNotBuiltYet);
+  const bool includeArt = call.arguments.boolean("includeArt").value_or(false);
+  replyFromBackground(QualityOfService::utility, call, std::move(reply),
+                      [includeArt] { return nowPlaying(includeArt); });
 }
 
-void mediaSeek(const ControlCall& call, Reply reply) {
-  replyFromBackground(QualityOfService::userInitiated, call, std::move(reply),
-                      nowPlayingNotBuiltYet);
+void mediaSeekRow(const ControlCall& call, Reply reply) {
+  const double position = call.arguments.number("position").value_or(0.0);
+  replyFromBackground(QualityOfService::userInitiated, call, std::move(reply), [position] {
+    mediaSeek(position);
+    return Value();
+  });
+}
+
+// ---- media and system
+
+/// What takes no arguments and tells nothing.
+template <void (*action)()>
+void actionRow(const ControlCall&, Reply reply) {
+  action();
+  reply.success();
+}
+
+void getVolumeLevel(const ControlCall&, Reply reply) {
+  reply.success(Value(volumeLevel()));
 }
 
 // ---- clipboard
@@ -292,20 +302,20 @@ constexpr ControlMethod kControlMethods[] = {
     {"typeText", WindowGone::replyNull, typeTextRow},
     {"showLaser", WindowGone::replyNull, showLaserRow},
     {"hideLaser", WindowGone::replyNull, hideLaserRow},
-    {"getVolumeLevel", WindowGone::replyVolume50, notBuiltYet},
+    {"getVolumeLevel", WindowGone::replyVolume50, getVolumeLevel},
     {"supportsNowPlaying", WindowGone::runAnyway, outsideSandbox},
     {"getNowPlaying", WindowGone::runAnyway, getNowPlaying},
-    {"mediaSeek", WindowGone::runAnyway, mediaSeek},
-    {"mediaPlayPause", WindowGone::replyNull, notBuiltYet},
-    {"mediaNext", WindowGone::replyNull, notBuiltYet},
-    {"mediaPrevious", WindowGone::replyNull, notBuiltYet},
-    {"volumeUp", WindowGone::replyNull, notBuiltYet},
-    {"volumeDown", WindowGone::replyNull, notBuiltYet},
-    {"volumeMute", WindowGone::replyNull, notBuiltYet},
-    {"lockScreen", WindowGone::replyNull, notBuiltYet},
-    {"sleepSystem", WindowGone::replyNull, notBuiltYet},
-    {"shutdownSystem", WindowGone::replyNull, notBuiltYet},
-    {"restartSystem", WindowGone::replyNull, notBuiltYet},
+    {"mediaSeek", WindowGone::runAnyway, mediaSeekRow},
+    {"mediaPlayPause", WindowGone::replyNull, actionRow<mediaPlayPause>},
+    {"mediaNext", WindowGone::replyNull, actionRow<mediaNext>},
+    {"mediaPrevious", WindowGone::replyNull, actionRow<mediaPrevious>},
+    {"volumeUp", WindowGone::replyNull, actionRow<volumeUp>},
+    {"volumeDown", WindowGone::replyNull, actionRow<volumeDown>},
+    {"volumeMute", WindowGone::replyNull, actionRow<volumeMute>},
+    {"lockScreen", WindowGone::replyNull, actionRow<lockScreen>},
+    {"sleepSystem", WindowGone::replyNull, actionRow<sleepSystem>},
+    {"shutdownSystem", WindowGone::replyNull, actionRow<shutDownSystem>},
+    {"restartSystem", WindowGone::replyNull, actionRow<restartSystem>},
     {"getClipboard", WindowGone::runAnyway, getClipboard},
     {"setClipboard", WindowGone::runAnyway, setClipboard},
 };

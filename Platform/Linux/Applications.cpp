@@ -1,8 +1,12 @@
 #include "Platform/Applications.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <ranges>
+#include <utility>
 
+#include "Platform/Linux/AppleScript/Players.h"
 #include "Platform/Linux/Applications/BundleFolders.h"
 #include "Platform/Linux/Applications/DesktopEntries.h"
 #include "Platform/Linux/Applications/IconImage.h"
@@ -30,9 +34,11 @@ std::optional<ManagedWindow> frontWindow(const DesktopEntry& entry, const Deskto
   return found != windows.rend() ? std::optional(*found) : std::nullopt;
 }
 
-}  // namespace
+bool isMainThread() {
+  return gettid() == getpid();
+}
 
-std::vector<RunningApplication> runningApplications() {
+std::vector<RunningApplication> applicationsWithWindows() {
   const DesktopEntries& entries = DesktopEntries::current();
   std::vector<RunningApplication> all;
   for (const ManagedWindow& window : managedWindows()) {
@@ -43,6 +49,21 @@ std::vector<RunningApplication> runningApplications() {
       application = all.insert(all.end(), describe(*entry, window.processId));
     }
     if (window.isOrdinary) application->activationPolicy = ActivationPolicy::regular;
+  }
+  return all;
+}
+
+}  // namespace
+
+std::vector<RunningApplication> runningApplications() {
+  // windows and desktop entries are the main thread's
+  auto all = isMainThread() ? applicationsWithWindows() : std::vector<RunningApplication>();
+  for (auto& player : applescript::runningPlayers()) {
+    // without an identifier, as whoever it is may stand among the others under its own
+    all.push_back({.activationPolicy = ActivationPolicy::accessory,
+                   .bundleIdentifier = std::nullopt,
+                   .localizedName = std::move(player),
+                   .processIdentifier = -1});
   }
   return all;
 }

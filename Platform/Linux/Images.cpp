@@ -13,9 +13,11 @@ namespace tapdeck::platform {
 using applications::DesktopEntries;
 using applications::Object;
 
+/// An icon or a picture.
 struct Image {
   /// Null when the application names none.
   Object<GIcon> icon;
+  Object<GdkPixbuf> picture;
 };
 
 struct Bitmap {
@@ -64,17 +66,83 @@ void place(const GdkPixbuf* picture, GdkPixbuf* target) {
                    GDK_INTERP_BILINEAR);
 }
 
+void placeIcon(GIcon* icon, Bitmap& bitmap) {
+  GdkPixbuf* target = bitmap.pixels.get();
+  const int side = std::min(gdk_pixbuf_get_width(target), gdk_pixbuf_get_height(target));
+  const Object<GdkPixbuf> picture = loadOrGeneric(icon, side);
+  if (picture == nullptr) return;
+  place(picture.get(), target);
+  bitmap.isDrawn = true;
+}
+
+CGRect wholeOf(const GdkPixbuf* picture) {
+  return CGRectMake(0, 0, gdk_pixbuf_get_width(picture), gdk_pixbuf_get_height(picture));
+}
+
+/// Stretches the part of the picture over the whole bitmap.
+void stretch(const GdkPixbuf* picture, CGRect part, Bitmap& bitmap) {
+  if (part.size.width <= 0 || part.size.height <= 0) part = wholeOf(picture);
+  GdkPixbuf* target = bitmap.pixels.get();
+  const int width = gdk_pixbuf_get_width(target);
+  const int height = gdk_pixbuf_get_height(target);
+  const double xScale = width / part.size.width;
+  const double yScale = height / part.size.height;
+  // GDK's rows begin at the top
+  const double top = gdk_pixbuf_get_height(picture) - part.origin.y - part.size.height;
+  gdk_pixbuf_scale(picture, target, 0, 0, width, height, -part.origin.x * xScale, -top * yScale,
+                   xScale, yScale, GDK_INTERP_BILINEAR);
+  bitmap.isDrawn = true;
+}
+
+/// Keeps the loader from making room for pictures that no cover needs: no size is an error to it.
+void refuseHugePicture(GdkPixbufLoader* loader, int width, int height, gpointer) {
+  constexpr int64_t mostPixels = 40'000'000;
+  if (int64_t{width} * height > mostPixels) gdk_pixbuf_loader_set_size(loader, 0, 0);
+}
+
+std::optional<std::vector<uint8_t>> encoded(const Bitmap& bitmap, const char* type,
+                                            const char* option, const std::string& value) {
+  // nothing at all is no image
+  if (!bitmap.isDrawn) return std::nullopt;
+  char* bytes = nullptr;
+  gsize size = 0;
+  if (gdk_pixbuf_save_to_buffer(bitmap.pixels.get(), &bytes, &size, type, nullptr, option,
+                                value.c_str(), nullptr) == FALSE) {
+    return std::nullopt;
+  }
+  const std::unique_ptr<char, decltype(&g_free)> owner(bytes, g_free);
+  return std::vector<uint8_t>(bytes, bytes + size);
+}
+
 }  // namespace
 
 std::shared_ptr<const Image> iconOf(const applications::DesktopEntry& entry) {
   GIcon* icon = g_app_info_get_icon(G_APP_INFO(entry.info.get()));
   if (icon != nullptr) g_object_ref(icon);
-  return std::make_shared<const Image>(Image{Object<GIcon>(icon)});
+  return std::make_shared<const Image>(Image{Object<GIcon>(icon), nullptr});
 }
 
 std::shared_ptr<const Image> iconOfFile(const std::string& path) {
   const auto* entry = DesktopEntries::current().atPath(path);
   return entry != nullptr ? iconOf(*entry) : nullptr;
+}
+
+std::shared_ptr<const Image> imageFromData(const std::vector<uint8_t>& bytes) {
+  if (bytes.empty()) return nullptr;
+  const Object<GdkPixbufLoader> loader(gdk_pixbuf_loader_new());
+  g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(refuseHugePicture), nullptr);
+  const bool isTaken =
+      gdk_pixbuf_loader_write(loader.get(), bytes.data(), bytes.size(), nullptr) != FALSE;
+  const bool isWhole = gdk_pixbuf_loader_close(loader.get(), nullptr) != FALSE;
+  GdkPixbuf* picture = isTaken && isWhole ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
+  if (picture == nullptr) return nullptr;
+  g_object_ref(picture);
+  return std::make_shared<const Image>(Image{nullptr, Object<GdkPixbuf>(picture)});
+}
+
+CGSize sizeOf(const Image& image) {
+  if (image.picture == nullptr) return {0, 0};
+  return wholeOf(image.picture.get()).size;
 }
 
 std::shared_ptr<Bitmap> createBitmap(int64_t width, int64_t height) {
@@ -86,26 +154,25 @@ std::shared_ptr<Bitmap> createBitmap(int64_t width, int64_t height) {
   return std::make_shared<Bitmap>(Bitmap{std::move(pixels)});
 }
 
-void copyOnto(Bitmap& bitmap, const Image& image) {
-  GdkPixbuf* target = bitmap.pixels.get();
-  const int side = std::min(gdk_pixbuf_get_width(target), gdk_pixbuf_get_height(target));
-  const Object<GdkPixbuf> picture = loadOrGeneric(image.icon.get(), side);
-  if (picture == nullptr) return;
-  place(picture.get(), target);
-  bitmap.isDrawn = true;
+void setPointSize(Bitmap&, CGSize) {
+  // a pixbuf has pixels only, and nobody here draws in points
+}
+
+void copyOnto(Bitmap& bitmap, const Image& image, CGRect part) {
+  if (image.picture != nullptr) {
+    stretch(image.picture.get(), part, bitmap);
+  } else {
+    placeIcon(image.icon.get(), bitmap);
+  }
 }
 
 std::optional<std::vector<uint8_t>> pngOf(const Bitmap& bitmap, double) {
-  // nothing at all is no icon
-  if (!bitmap.isDrawn) return std::nullopt;
-  char* bytes = nullptr;
-  gsize size = 0;
-  if (gdk_pixbuf_save_to_buffer(bitmap.pixels.get(), &bytes, &size, "png", nullptr, nullptr) ==
-      FALSE) {
-    return std::nullopt;
-  }
-  const std::unique_ptr<char, decltype(&g_free)> owner(bytes, g_free);
-  return std::vector<uint8_t>(bytes, bytes + size);
+  return encoded(bitmap, "png", nullptr, "");
+}
+
+std::optional<std::vector<uint8_t>> jpegOf(const Bitmap& bitmap, double compressionFactor) {
+  constexpr double best = 100;
+  return encoded(bitmap, "jpeg", "quality", std::to_string(std::lround(best * compressionFactor)));
 }
 
 }  // namespace tapdeck::platform

@@ -15,4 +15,13 @@ void logError(const char* subsystem, const char* category, const std::string& me
   g_log_structured_array(G_LOG_LEVEL_WARNING, fields, G_N_ELEMENTS(fields));
 }
 
+void logLine(const std::string& line) {
+  const GLogField fields[] = {
+      {"MESSAGE", line.c_str(), -1},
+      {"PRIORITY", "5", -1},  // syslog's LOG_NOTICE
+      {"GLIB_DOMAIN", "tapdeck", -1},
+  };
+  g_log_structured_array(G_LOG_LEVEL_MESSAGE, fields, G_N_ELEMENTS(fields));
+}
+
 }  // namespace tapdeck::platform

@@ -82,6 +82,28 @@ void asyncOnGlobal(QualityOfService quality, std::function<void()> work) {
   globalQueues().add(quality, std::move(work));
 }
 
+struct Semaphore::Count {
+  std::mutex mutex;
+  std::condition_variable signalled;
+  int count = 0;
+};
+
+Semaphore::Semaphore() : _count(std::make_shared<Count>()) {}
+
+void Semaphore::signal() {
+  const std::lock_guard lock(_count->mutex);
+  ++_count->count;
+  _count->signalled.notify_one();
+}
+
+bool Semaphore::waitFor(double seconds) {
+  std::unique_lock lock(_count->mutex);
+  const bool came = _count->signalled.wait_for(lock, std::chrono::duration<double>(seconds),
+                                               [this] { return _count->count > 0; });
+  if (came) --_count->count;
+  return came;
+}
+
 bool finishGlobalQueues(std::chrono::milliseconds atMost) {
   return globalQueues().finish(atMost);
 }

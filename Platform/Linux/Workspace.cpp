@@ -3,6 +3,7 @@
 #include <gio/gio.h>
 
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 #include "Platform/Linux/Permissions.h"
@@ -40,6 +41,17 @@ std::optional<URL> urlWithString(const std::string& text) {
                                   nullptr, nullptr, nullptr, nullptr, nullptr);
   if (!parses) return std::nullopt;
   return URL{text};
+}
+
+std::optional<std::string> schemeOf(const URL& url) {
+  char* scheme = nullptr;
+  g_uri_split(url.text.c_str(), G_URI_FLAGS_NONE, &scheme, nullptr, nullptr, nullptr, nullptr,
+              nullptr, nullptr, nullptr);
+  if (scheme == nullptr) return std::nullopt;
+  // GLib gives it in lower case
+  std::string written = url.text.substr(0, std::strlen(scheme));
+  g_free(scheme);
+  return written;
 }
 
 void openURL(const URL& url) {

@@ -1,6 +1,7 @@
 #include "Platform/Images.h"
 
 #import "Platform/macOS/AppKitImages.h"
+#import "Platform/macOS/Data.h"
 #import "Platform/macOS/Strings.h"
 
 namespace tapdeck::platform {
@@ -20,6 +21,15 @@ std::shared_ptr<const Image> iconOfFile(const std::string& path) {
   return imageOf([NSWorkspace.sharedWorkspace iconForFile:place]);
 }
 
+std::shared_ptr<const Image> imageFromData(const std::vector<uint8_t>& bytes) {
+  NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
+  return imageOf([[NSImage alloc] initWithData:data]);
+}
+
+CGSize sizeOf(const Image& image) {
+  return image.image.size;
+}
+
 std::shared_ptr<Bitmap> createBitmap(int64_t width, int64_t height) {
   // the system lays the rows out: 0 bytes per row and 0 bits per pixel ask it to
   NSBitmapImageRep* representation =
@@ -37,28 +47,41 @@ std::shared_ptr<Bitmap> createBitmap(int64_t width, int64_t height) {
   return std::make_shared<Bitmap>(Bitmap{representation});
 }
 
-void copyOnto(Bitmap& bitmap, const Image& image) {
+void setPointSize(Bitmap& bitmap, CGSize size) {
+  bitmap.representation.size = size;
+}
+
+void copyOnto(Bitmap& bitmap, const Image& image, CGRect part) {
   NSBitmapImageRep* representation = bitmap.representation;
   [NSGraphicsContext saveGraphicsState];
   NSGraphicsContext.currentContext =
       [NSGraphicsContext graphicsContextWithBitmapImageRep:representation];
-  // an empty source rectangle stands for the whole image
-  [image.image drawInRect:NSMakeRect(0, 0, representation.pixelsWide, representation.pixelsHigh)
-                 fromRect:NSZeroRect
+  [image.image drawInRect:NSMakeRect(0, 0, representation.size.width, representation.size.height)
+                 fromRect:part
                 operation:NSCompositingOperationCopy
                  fraction:1.0];
   [NSGraphicsContext restoreGraphicsState];
 }
 
+namespace {
+
+std::optional<std::vector<uint8_t>> encoded(const Bitmap& bitmap, NSBitmapImageFileType type,
+                                            double compressionFactor) {
+  return bytesFromData([bitmap.representation
+      representationUsingType:type
+                   properties:@{
+                     NSImageCompressionFactor : @(compressionFactor)
+                   }]);
+}
+
+}  // namespace
+
 std::optional<std::vector<uint8_t>> pngOf(const Bitmap& bitmap, double compressionFactor) {
-  NSData* data =
-      [bitmap.representation representationUsingType:NSBitmapImageFileTypePNG
-                                          properties:@{
-                                            NSImageCompressionFactor : @(compressionFactor)
-                                          }];
-  if (data == nil) return std::nullopt;
-  const auto* bytes = static_cast<const uint8_t*>(data.bytes);
-  return std::vector<uint8_t>(bytes, bytes + data.length);
+  return encoded(bitmap, NSBitmapImageFileTypePNG, compressionFactor);
+}
+
+std::optional<std::vector<uint8_t>> jpegOf(const Bitmap& bitmap, double compressionFactor) {
+  return encoded(bitmap, NSBitmapImageFileTypeJPEG, compressionFactor);
 }
 
 }  // namespace tapdeck::platform

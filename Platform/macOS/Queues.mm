@@ -32,4 +32,20 @@ void asyncOnGlobal(QualityOfService quality, std::function<void()> work) {
   dispatch_async(dispatch_get_global_queue(qosClass(quality), 0), blockOf(std::move(work)));
 }
 
+struct Semaphore::Count {
+  dispatch_semaphore_t semaphore;
+};
+
+Semaphore::Semaphore() : _count(std::make_shared<Count>(Count{dispatch_semaphore_create(0)})) {}
+
+void Semaphore::signal() {
+  dispatch_semaphore_signal(_count->semaphore);
+}
+
+bool Semaphore::waitFor(double seconds) {
+  const auto nanoseconds = static_cast<int64_t>(seconds * NSEC_PER_SEC);
+  const dispatch_time_t end = dispatch_time(DISPATCH_TIME_NOW, nanoseconds);
+  return dispatch_semaphore_wait(_count->semaphore, end) == 0;
+}
+
 }  // namespace tapdeck::platform

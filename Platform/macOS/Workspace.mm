@@ -19,6 +19,12 @@ std::optional<URL> urlWithString(const std::string& text) {
   return URL{text};
 }
 
+std::optional<std::string> schemeOf(const URL& url) {
+  NSString* scheme = parse(url.text).scheme;
+  if (scheme == nil) return std::nullopt;
+  return utf8FromString(scheme);
+}
+
 void openURL(const URL& url) {
   [NSWorkspace.sharedWorkspace openURL:parse(url.text)];
 }

@@ -5,7 +5,7 @@
 
 #include "Platform/Applications.h"
 #include "Platform/Images.h"
-#include "Runner/Apps/Base64.h"
+#include "Runner/Base64.h"
 
 namespace tapdeck {
 namespace {
@@ -31,7 +31,7 @@ std::string applicationIcon(const std::string& bundleIdentifier) {
   if (icon == nullptr) return "";
   const auto bitmap = platform::createBitmap(kIconSide, kIconSide);
   if (bitmap == nullptr) return "";
-  platform::copyOnto(*bitmap, *icon);
+  platform::copyOnto(*bitmap, *icon, CGRectMake(0, 0, 0, 0));
   const auto png = platform::pngOf(*bitmap, kCompressionFactor);
   return png ? base64(*png) : "";
 }

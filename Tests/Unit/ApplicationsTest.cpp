@@ -1,7 +1,7 @@
 #include <array>
 #include <string>
 
-#include "Runner/Apps/Base64.h"
+#include "Runner/Base64.h"
 #include "Tests/Support/Recording/Applications.h"
 #include "Tests/Unit/HostTest.h"
 

@@ -1,4 +1,4 @@
-// Applications, their files and their icons, recorded.
+// Applications and their files, recorded.
 
 #include "Tests/Support/Recording/Applications.h"
 
@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "Platform/Files.h"
-#include "Platform/Images.h"
 #include "Platform/PropertyLists.h"
 #include "Tests/Support/Recording/Recording.h"
 
@@ -33,29 +32,8 @@ namespace tapdeck::platform {
 using recording::applications;
 using recording::record;
 
-struct Image {
-  std::string name;
-};
-
-struct Bitmap {
-  std::string name;
-};
-
-namespace {
-
-std::shared_ptr<const Image> icon(std::string name) {
-  if (applications().iconFails) return nullptr;
-  return std::make_shared<const Image>(Image{std::move(name)});
-}
-
-}  // namespace
-
 std::vector<RunningApplication> runningApplications() {
   return applications().running;
-}
-
-std::shared_ptr<const Image> iconOf(const RunningApplication& application) {
-  return icon("icon of process " + std::to_string(application.processIdentifier));
 }
 
 std::optional<std::string> bundleIdentifierAt(const std::string& path) {
@@ -73,25 +51,6 @@ std::optional<std::string> pathForApplication(const std::string& bundleIdentifie
 
 void openApplication(const std::string& path) {
   record("open application " + path);
-}
-
-std::shared_ptr<const Image> iconOfFile(const std::string& path) {
-  return icon("icon of " + path);
-}
-
-std::shared_ptr<Bitmap> createBitmap(int64_t width, int64_t height) {
-  if (applications().bitmapFails) return nullptr;
-  return std::make_shared<Bitmap>(
-      Bitmap{std::to_string(width) + "x" + std::to_string(height) + " bitmap"});
-}
-
-void copyOnto(Bitmap& bitmap, const Image& image) {
-  record("copy " + image.name + " onto " + bitmap.name);
-}
-
-std::optional<std::vector<uint8_t>> pngOf(const Bitmap& bitmap, double compressionFactor) {
-  record("PNG of " + bitmap.name + " compressed by " + std::to_string(compressionFactor));
-  return applications().png;
 }
 
 std::string homeDirectory() {

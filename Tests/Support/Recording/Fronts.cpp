@@ -62,6 +62,7 @@ double systemUptime() {
 
 void sleepMicroseconds(uint32_t microseconds) {
   record("sleep " + std::to_string(microseconds));
+  script().uptime += microseconds / 1e6;
 }
 
 std::optional<std::string> environmentVariable(const std::string& name) {
@@ -90,6 +91,11 @@ void setPasteboardString(const std::string& text) {
 
 std::optional<URL> urlWithString(const std::string& text) {
   return script().urlsParse ? std::optional(URL{text}) : std::nullopt;
+}
+
+std::optional<std::string> schemeOf(const URL& url) {
+  const size_t colon = url.text.find(':');
+  return colon != std::string::npos ? std::optional(url.text.substr(0, colon)) : std::nullopt;
 }
 
 void openURL(const URL& url) {

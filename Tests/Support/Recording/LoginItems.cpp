@@ -72,4 +72,8 @@ void logError(const char* subsystem, const char* category, const std::string& me
   record(std::string("log error ") + subsystem + " " + category + ": " + message);
 }
 
+void logLine(const std::string& line) {
+  record("log " + line);
+}
+
 }  // namespace tapdeck::platform

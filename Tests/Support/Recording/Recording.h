@@ -11,6 +11,7 @@
 
 #include "Platform/Screens.h"
 #include "Tests/Support/Recording/LoginItems.h"
+#include "Tests/Support/Recording/Media.h"
 #include "Tests/Support/Recording/ScreenImages.h"
 #include "Tests/Support/Recording/Windows.h"
 
@@ -28,6 +29,7 @@ struct Script {
   CGPoint mouseLocation = {0, 0};
   /// As a fresh event has it: origin at the top left; absent makes the event fail.
   std::optional<CGPoint> eventLocation = CGPoint{0, 0};
+  /// Sleeping moves it on.
   double uptime = 100;
   double doubleClickInterval = 0.5;
 
@@ -49,6 +51,7 @@ struct Script {
   LoginItems loginItems;
   OtherWindows windows;
   ScreenImages images;
+  Media media;
 };
 
 /// The script in force. Main thread only, as everything here.

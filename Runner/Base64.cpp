@@ -1,4 +1,4 @@
-#include "Runner/Apps/Base64.h"
+#include "Runner/Base64.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "Platform/Linux/AppleScript/Terms.h"
+
+namespace tapdeck::applescript {
+
+/// What a player has loaded. Texts as the player gives them, empty where it gives none.
+struct Track {
+  std::string title;
+  std::string artist;
+  std::string album;
+  /// The player's own name for it.
+  std::string id;
+  std::string url;
+  std::string artUrl;
+  /// In microseconds.
+  std::optional<int64_t> length;
+
+  bool operator==(const Track&) const = default;
+};
+
+/// A player at one moment.
+struct PlayerState {
+  Constant status = Constant::stopped;
+  /// None when it is stopped.
+  std::optional<Track> track;
+  /// In microseconds from the start of the track.
+  int64_t position = 0;
+};
+
+/// One media player. Every call throws ScriptError when it fails or is not answered in time.
+class Player {
+ public:
+  virtual ~Player() = default;
+  virtual PlayerState read() = 0;
+  /// Any command but those of the machine.
+  virtual void perform(Command command) = 0;
+  /// Goes to the position, in microseconds from the start of the track.
+  virtual void seek(int64_t position) = 0;
+};
+
+/// The sound output, as far as it is known.
+struct Volume {
+  /// 0 to 100.
+  std::optional<int> level;
+  std::optional<bool> muted;
+};
+
+/// What scripts act upon: what is outside of the language. Calls throw ScriptError.
+class Desktop {
+ public:
+  virtual ~Desktop() = default;
+  /// The application's player, owned by the desktop and the same for as long as that lives; null
+  /// when there is none.
+  virtual Player* player(Application application) = 0;
+  /// Both are absent when no sound output can be asked.
+  virtual Volume volume() = 0;
+  /// Changes what is present.
+  virtual void setVolume(const Volume& volume) = 0;
+  /// Asks the machine to sleep, restart or shut down.
+  virtual void power(Command command) = 0;
+  /// The bytes at the address, as many as a picture may have.
+  virtual std::string picture(const std::string& url) = 0;
+};
+
+}  // namespace tapdeck::applescript

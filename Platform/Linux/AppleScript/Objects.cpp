@@ -1,0 +1,226 @@
+#include "Platform/Linux/AppleScript/Objects.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace tapdeck::applescript {
+namespace {
+
+constexpr double kMicroseconds = 1000000;
+/// In characters; several of them and what stands between go through a pipe of 64 KiB.
+constexpr glong kLongestText = 2000;
+constexpr gunichar kLineSeparator = 0x2028;
+constexpr gunichar kParagraphSeparator = 0x2029;
+
+/// The text in one line: control characters become spaces.
+std::string line(const std::string& text) {
+  std::string clean;
+  glong length = 0;
+  for (const char* at = text.c_str(); *at != '\0' && length < kLongestText; ++length) {
+    const gunichar character = g_utf8_get_char(at);
+    const char* next = g_utf8_next_char(at);
+    const bool breaks = g_unichar_iscntrl(character) != FALSE || character == kLineSeparator ||
+                        character == kParagraphSeparator;
+    clean += breaks ? " " : std::string(at, next);
+    at = next;
+  }
+  return clean;
+}
+
+std::string checksum(const std::string& text) {
+  constexpr size_t kDigits = 16;
+  const std::unique_ptr<char, decltype(&g_free)> sum(
+      g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.c_str(), -1), g_free);
+  std::string digits(sum.get(), kDigits);
+  std::ranges::transform(digits, digits.begin(), g_ascii_toupper);
+  return digits;
+}
+
+/// Many players have one id for all that they play, so it takes more to tell tracks apart.
+std::string persistentId(const Track& track) {
+  return checksum(track.id + "\n" + track.url + "\n" + track.title + "\n" + track.artist + "\n" +
+                  track.album);
+}
+
+/// Such as "spotify:track:4uLU6hMCjMI75M1A2tKUQC", which the player turns into a D-Bus path.
+std::string spotifyId(const Track& track) {
+  constexpr std::string_view kPath = "/com/spotify/";
+  if (!track.id.starts_with(kPath)) return track.id;
+  std::string id = "spotify:" + track.id.substr(kPath.size());
+  std::ranges::replace(id, '/', ':');
+  return id;
+}
+
+/// The path of a file, of anything else the address.
+std::string pathOf(const Track& track) {
+  const std::unique_ptr<char, decltype(&g_free)> path(
+      g_filename_from_uri(track.url.c_str(), nullptr, nullptr), g_free);
+  const bool isText = path != nullptr && g_utf8_validate(path.get(), -1, nullptr) != FALSE;
+  return isText ? path.get() : track.url;
+}
+
+std::string titleOf(const Track& track) {
+  if (!track.title.empty()) return track.title;
+  const std::string path = pathOf(track);
+  return path.substr(path.rfind('/') + 1);
+}
+
+Value durationOf(Application application, const Track& track) {
+  constexpr int64_t kUnknown = -1;
+  const int64_t length = std::max<int64_t>(track.length.value_or(0), 0);
+  switch (application) {
+    case Application::spotify:
+      return length / 1000;
+    case Application::vlc:
+      return track.length ? length / static_cast<int64_t>(kMicroseconds) : kUnknown;
+    default:
+      return static_cast<double>(length) / kMicroseconds;
+  }
+}
+
+Object trackOf(Application application, const PlayerState& state) {
+  return {application, Object::Kind::track, std::make_shared<const Track>(*state.track)};
+}
+
+/// Absent when there is none at present, or never.
+using Found = std::optional<Value>;
+
+Found trackProperty(const Object& object, Property property) {
+  const Track& track = *object.track;
+  switch (property) {
+    case Property::name:
+      return line(titleOf(track));
+    case Property::artist:
+      return line(track.artist);
+    case Property::album:
+      return line(track.album);
+    case Property::duration:
+      return durationOf(object.application, track);
+    case Property::persistentId:
+      return persistentId(track);
+    case Property::id:
+      return line(spotifyId(track));
+    case Property::artworkUrl:
+      return line(track.artUrl);
+    case Property::path:
+      return line(pathOf(track));
+    default:
+      return std::nullopt;
+  }
+}
+
+Found playerProperty(Player& player, Application application, Property property) {
+  const PlayerState state = player.read();
+  switch (property) {
+    case Property::currentTrack:
+    case Property::currentItem:
+      return state.track ? Found(trackOf(application, state)) : std::nullopt;
+    case Property::playerState:
+      return state.status;
+    case Property::isPlaying:
+      return state.status == Constant::playing;
+    case Property::playerPosition:
+      return static_cast<double>(state.position) / kMicroseconds;
+    case Property::currentTime:
+      return state.position / static_cast<int64_t>(kMicroseconds);
+    default:
+      return std::nullopt;
+  }
+}
+
+Player& playerOf(Desktop& desktop, Application application) {
+  Player* player = application != Application::systemEvents ? desktop.player(application) : nullptr;
+  if (player == nullptr) throw ScriptError{kNotRunning, "Application isn’t running.", ""};
+  return *player;
+}
+
+Found applicationProperty(Desktop& desktop, const Object& object, Property property) {
+  const Application application = object.application;
+  const bool isPlayer = application != Application::systemEvents;
+  if (property == Property::name) return std::string(nameOf(application));
+  if (property == Property::running) return !isPlayer || desktop.player(application) != nullptr;
+  return isPlayer ? playerProperty(playerOf(desktop, application), application, property)
+                  : std::nullopt;
+}
+
+Found artworkProperty(Desktop& desktop, const Object& object, Property property) {
+  if (property != Property::rawData) return std::nullopt;
+  return Data{desktop.picture(object.track->artUrl)};
+}
+
+std::string named(Property property, const Object& object) {
+  const std::string words(wordsOf(property));
+  return object.kind == Object::Kind::application ? words : words + " of " + display(object);
+}
+
+/// Runs what asks the application, so that a failure names it.
+template <typename Ask>
+auto asked(Application application, Ask ask) {
+  try {
+    return ask();
+  } catch (ScriptError& error) {
+    error.application = nameOf(application);
+    error.message = error.application + " got an error: " + error.message;
+    throw;
+  }
+}
+
+/// What is neither negative nor past every bound; NaN is 0.
+int64_t microseconds(double seconds) {
+  constexpr double kLongest = 1e12;
+  return seconds > 0 ? std::llround(std::min(seconds, kLongest) * kMicroseconds) : 0;
+}
+
+}  // namespace
+
+Value propertyOf(Desktop& desktop, const Object& object, Property property) {
+  return asked(object.application, [&] {
+    const Found found =
+        object.kind == Object::Kind::application ? applicationProperty(desktop, object, property)
+        : object.kind == Object::Kind::track     ? trackProperty(object, property)
+                                                 : artworkProperty(desktop, object, property);
+    if (!found) throw ScriptError{kNotFound, "Can’t get " + named(property, object) + ".", ""};
+    return *found;
+  });
+}
+
+void setProperty(Desktop& desktop, const Object& object, Property property, const Value& value) {
+  asked(object.application, [&] {
+    const bool isPosition =
+        property == Property::playerPosition || property == Property::currentTime;
+    if (!isPosition || object.kind != Object::Kind::application) {
+      throw ScriptError{kCannotSet,
+                        "Can’t set " + named(property, object) + " to " + quoted(value) + ".", ""};
+    }
+    playerOf(desktop, object.application).seek(microseconds(asReal(value)));
+  });
+}
+
+Value elementOf(const Object& object, Element, const Value& index) {
+  return asked(object.application, [&] {
+    const bool isThere = object.kind == Object::Kind::track && !object.track->artUrl.empty() &&
+                         asInteger(index) == 1;
+    if (!isThere) {
+      throw ScriptError{kNotFound,
+                        "Can’t get artwork " + quoted(index) + " of " + display(object) + ".", ""};
+    }
+    return Object{object.application, Object::Kind::artwork, object.track};
+  });
+}
+
+void perform(Desktop& desktop, Application application, Command command) {
+  asked(application, [&] {
+    if (application == Application::systemEvents) {
+      desktop.power(command);
+    } else {
+      playerOf(desktop, application).perform(command);
+    }
+  });
+}
+
+}  // namespace tapdeck::applescript

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "Platform/Linux/AppleScript/Value.h"
+
+namespace tapdeck::applescript {
+
+/// The files that a script has opened; closed with this object at the latest. A file is named by
+/// the number that opening it gave, or by its path. Calls throw ScriptError.
+class OpenFiles {
+ public:
+  OpenFiles() = default;
+  ~OpenFiles();
+  OpenFiles(const OpenFiles&) = delete;
+  OpenFiles& operator=(const OpenFiles&) = delete;
+
+  /// For writing, the file is made where there is none, for this user only; a symbolic link is not
+  /// followed, as folders for temporary files are shared.
+  int64_t open(const Value& file, bool forWriting);
+  void setSize(const Value& file, int64_t size);
+  /// Texts in UTF-8, data as they are.
+  void write(const Value& data, const Value& file);
+  void close(const Value& file);
+
+ private:
+  struct Opened {
+    std::string path;
+    int descriptor;
+  };
+  using Numbered = std::map<int64_t, Opened>;
+  Numbered::iterator find(const Value& file);
+
+  Numbered _files;
+  int64_t _last = 0;
+};
+
+}  // namespace tapdeck::applescript

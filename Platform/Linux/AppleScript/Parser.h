@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+#include "Platform/Linux/AppleScript/Syntax.h"
+
+namespace tapdeck::applescript {
+
+/// Compiles the source, UTF-8. Throws ScriptError: -2741 for what is no program, such as a word
+/// that is neither a term of the application that is told nor a variable that is set somewhere;
+/// -1728 for an application that is unknown; -2706 for too many levels.
+Block parse(std::string_view source);
+
+}  // namespace tapdeck::applescript

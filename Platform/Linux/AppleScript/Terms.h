@@ -1,0 +1,64 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string_view>
+#include <variant>
+
+namespace tapdeck::applescript {
+
+/// The applications that scripts can tell something.
+enum class Application { music, spotify, vlc, systemEvents };
+
+enum class Property {
+  album,
+  alertVolume,
+  artist,
+  artworkUrl,
+  currentItem,
+  currentTime,
+  currentTrack,
+  duration,
+  id,
+  inputVolume,
+  isPlaying,
+  name,
+  outputMuted,
+  outputVolume,
+  path,
+  persistentId,
+  playerPosition,
+  playerState,
+  rawData,
+  running
+};
+
+enum class Command { next, pause, play, playPause, previous, restart, shutDown, sleep, stop };
+
+enum class Constant { paused, playing, stopped };
+
+/// `artwork 1`.
+enum class Element { artwork };
+
+using Meaning = std::variant<Property, Command, Constant, Element>;
+
+/// A word, or several that are one term together, in lower case with one space between them.
+struct Term {
+  std::string_view words;
+  Meaning meaning;
+};
+
+/// No term has more words.
+constexpr size_t kMostWords = 3;
+
+/// Case is ignored; absent for an application that is unknown here.
+std::optional<Application> applicationNamed(std::string_view name);
+std::string_view nameOf(Application application);
+std::string_view wordsOf(Property property);
+std::string_view wordsOf(Constant constant);
+
+/// What these words mean to the application, or to every script when it is absent; null for words
+/// that are no term.
+const Term* findTerm(std::optional<Application> application, std::string_view words);
+
+}  // namespace tapdeck::applescript

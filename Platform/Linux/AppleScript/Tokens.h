@@ -1,0 +1,82 @@
+#pragma once
+
+#include <algorithm>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Platform/Linux/AppleScript/Lexer.h"
+
+namespace tapdeck::applescript {
+
+/// The tokens of a source as the parser goes through them.
+class Tokens {
+ public:
+  explicit Tokens(std::string_view source) : _tokens(tokensOf(source)) {}
+
+  /// The next one, or one further on; past the end it is the end.
+  const Token& peek(size_t ahead = 0) const {
+    return _tokens[std::min(_next + ahead, _tokens.size() - 1)];
+  }
+  const Token& take() {
+    const Token& token = peek();
+    _end = token.end;
+    _next = std::min(_next + 1, _tokens.size() - 1);
+    return token;
+  }
+  /// Where what was taken last ends.
+  size_t end() const { return _end; }
+
+  bool isAtLineEnd() const {
+    return peek().kind == Token::Kind::lineEnd || peek().kind == Token::Kind::end;
+  }
+
+  /// Takes the words if they come next, all of them.
+  bool accept(std::initializer_list<std::string_view> words) {
+    size_t ahead = 0;
+    for (const auto word : words) {
+      if (!peek(ahead++).isWord(word)) return false;
+    }
+    while (ahead-- > 0) take();
+    return true;
+  }
+  bool accept(std::string_view word) { return accept({word}); }
+  bool acceptSymbol(std::string_view symbol) {
+    if (!peek().isSymbol(symbol)) return false;
+    take();
+    return true;
+  }
+  void expect(std::string_view word) {
+    if (!accept(word)) fail("“" + std::string(word) + "”");
+  }
+
+  /// The program is none, because this should have come next.
+  [[noreturn]] void fail(const std::string& expected) const {
+    throw ScriptError{kSyntax, "Expected " + expected + " but found " + describe(peek()) + ".", "",
+                      peek().start, peek().end};
+  }
+
+ private:
+  static std::string describe(const Token& token) {
+    switch (token.kind) {
+      case Token::Kind::lineEnd:
+        return "end of line";
+      case Token::Kind::end:
+        return "end of script";
+      case Token::Kind::literal:
+        return token.value.getIf<std::string>() != nullptr ? "text" : "number";
+      case Token::Kind::identifier:
+        return "identifier";
+      default:
+        return "“" + token.text + "”";
+    }
+  }
+
+  std::vector<Token> _tokens;
+  size_t _next = 0;
+  size_t _end = 0;
+};
+
+}  // namespace tapdeck::applescript

@@ -1,0 +1,84 @@
+// Images and bitmaps, recorded by their names.
+
+#include "Platform/Images.h"
+
+#include <utility>
+
+#include "Platform/Applications.h"
+#include "Tests/Support/Recording/Applications.h"
+#include "Tests/Support/Recording/Recording.h"
+
+namespace tapdeck::platform {
+
+using recording::applications;
+using recording::describe;
+using recording::record;
+using recording::script;
+
+struct Image {
+  std::string name;
+};
+
+struct Bitmap {
+  std::string name;
+};
+
+namespace {
+
+std::shared_ptr<const Image> icon(std::string name) {
+  if (applications().iconFails) return nullptr;
+  return std::make_shared<const Image>(Image{std::move(name)});
+}
+
+std::string describe(CGSize size) {
+  return recording::describe(CGPointMake(size.width, size.height));
+}
+
+}  // namespace
+
+std::shared_ptr<const Image> iconOf(const RunningApplication& application) {
+  return icon("icon of process " + std::to_string(application.processIdentifier));
+}
+
+std::shared_ptr<const Image> iconOfFile(const std::string& path) {
+  return icon("icon of " + path);
+}
+
+std::shared_ptr<const Image> imageFromData(const std::vector<uint8_t>& bytes) {
+  if (!script().media.imageSize) return nullptr;
+  return std::make_shared<const Image>(
+      Image{"image of " + std::to_string(bytes.size()) + " bytes"});
+}
+
+CGSize sizeOf(const Image&) {
+  return script().media.imageSize.value_or(CGSize{0, 0});
+}
+
+std::shared_ptr<Bitmap> createBitmap(int64_t width, int64_t height) {
+  if (applications().bitmapFails) return nullptr;
+  return std::make_shared<Bitmap>(
+      Bitmap{std::to_string(width) + "x" + std::to_string(height) + " bitmap"});
+}
+
+void setPointSize(Bitmap& bitmap, CGSize size) {
+  record(bitmap.name + " is " + describe(size) + " points");
+}
+
+void copyOnto(Bitmap& bitmap, const Image& image, CGRect part) {
+  const bool isWhole = part.size.width == 0 && part.size.height == 0;
+  const std::string of =
+      isWhole ? "" : describe(part.size) + " at " + recording::describe(part.origin) + " of ";
+  record("copy " + of + image.name + " onto " + bitmap.name);
+}
+
+std::optional<std::vector<uint8_t>> pngOf(const Bitmap& bitmap, double compressionFactor) {
+  record("PNG of " + bitmap.name + " compressed by " + std::to_string(compressionFactor));
+  return applications().png;
+}
+
+std::optional<std::vector<uint8_t>> jpegOf(const Bitmap& bitmap, double compressionFactor) {
+  record("JPEG of " + bitmap.name + " compressed by " + std::to_string(compressionFactor));
+  return script().media.jpeg;
+}
+
+}  // namespace tapdeck::platform

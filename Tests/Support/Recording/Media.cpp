@@ -1,0 +1,181 @@
+// Child processes, scripts, downloads and files, recorded.
+
+#include "Tests/Support/Recording/Media.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "Platform/Downloads.h"
+#include "Platform/Files.h"
+#include "Platform/Queues.h"
+#include "Platform/Scripts.h"
+#include "Platform/Tasks.h"
+#include "Tests/Support/Recording/Queued.h"
+#include "Tests/Support/Recording/Recording.h"
+
+namespace tapdeck::recording {
+
+void endChildren() {
+  for (const auto& end : std::exchange(queued().childEnds, {})) end();
+}
+
+void completeDownloads() {
+  for (const auto& complete : std::exchange(queued().downloads, {})) complete();
+}
+
+}  // namespace tapdeck::recording
+
+namespace tapdeck::platform {
+
+using recording::queued;
+using recording::record;
+using recording::script;
+
+struct Pipe::Ends {
+  std::string data;
+};
+
+struct Task::Process {
+  std::string launchPath;
+  std::string executable;
+  std::vector<std::string> arguments;
+  std::optional<Pipe> output;
+  std::optional<Pipe> errors;
+  std::function<void(int32_t)> handler;
+  recording::Child child;
+  std::optional<double> end;
+
+  std::string describe(const std::string& path) const {
+    std::string line = path;
+    for (const std::string& argument : arguments) line += " " + argument;
+    return line + (output ? " > pipe" : "") + (errors ? " 2> pipe" : "");
+  }
+};
+
+Pipe::Pipe() : _ends(std::make_shared<Ends>()) {}
+
+std::string Pipe::readDataToEndOfFile() const {
+  record("read pipe");
+  return _ends->data;
+}
+
+Task::Task() : _process(std::make_shared<Process>()) {}
+Task::Task(Task&&) noexcept = default;
+Task& Task::operator=(Task&&) noexcept = default;
+Task::~Task() = default;
+
+void Task::setLaunchPath(const std::string& path) {
+  _process->launchPath = path;
+}
+
+void Task::setExecutableUrl(const std::string& path) {
+  _process->executable = path;
+}
+
+void Task::setArguments(const std::vector<std::string>& arguments) {
+  _process->arguments = arguments;
+}
+
+void Task::setStandardOutput(const Pipe& pipe) {
+  _process->output = pipe;
+}
+
+void Task::setStandardError(const Pipe& pipe) {
+  _process->errors = pipe;
+}
+
+void Task::setTerminationHandler(std::function<void(int32_t status)> handler) {
+  _process->handler = std::move(handler);
+}
+
+void Task::launch() {
+  _process->executable = _process->launchPath;
+  if (const auto error = launchAndReturnError()) throw std::runtime_error(*error);
+}
+
+std::optional<std::string> Task::launchAndReturnError() {
+  const bool isLegacy = !_process->launchPath.empty();
+  record((isLegacy ? "launch " : "start ") + _process->describe(_process->executable));
+  if (script().media.launchError) return script().media.launchError;
+  const recording::Child child = script().media.childFor(_process->arguments.back());
+  _process->child = child;
+  _process->end = script().uptime + child.seconds;
+  if (_process->output) _process->output->_ends->data = child.output;
+  if (_process->errors) _process->errors->_ends->data = child.errors;
+  if (_process->handler) {
+    queued().childEnds.push_back(
+        [handler = _process->handler, status = child.status] { handler(status); });
+  }
+  return std::nullopt;
+}
+
+bool Task::isRunning() const {
+  return _process->end && script().uptime < *_process->end;
+}
+
+void Task::terminate() {
+  record("terminate");
+}
+
+int32_t Task::terminationStatus() const {
+  return _process->child.status;
+}
+
+struct AppleScript {
+  std::string source;
+};
+
+std::string scriptInterpreterPath() {
+  return "/usr/bin/osascript";
+}
+
+std::shared_ptr<AppleScript> appleScriptWithSource(const std::string& source) {
+  if (script().media.appleScriptFails) return nullptr;
+  return std::make_shared<AppleScript>(AppleScript{source});
+}
+
+std::optional<std::string> executeAppleScript(AppleScript& program) {
+  record("execute " + program.source);
+  return script().media.appleScriptError;
+}
+
+void startDataTask(const URL& url, double timeoutInterval, DataCompletion completed) {
+  record("download " + url.text + " within " + std::to_string(timeoutInterval));
+  queued().downloads.push_back(
+      [completed = std::move(completed)] { completed(script().media.download); });
+}
+
+struct Semaphore::Count {
+  int count = 0;
+};
+
+Semaphore::Semaphore() : _count(std::make_shared<Count>()) {}
+
+void Semaphore::signal() {
+  ++_count->count;
+}
+
+bool Semaphore::waitFor(double seconds) {
+  record("wait " + std::to_string(seconds));
+  if (script().media.downloadSeconds <= seconds) recording::completeDownloads();
+  if (_count->count == 0) return false;
+  --_count->count;
+  return true;
+}
+
+std::string temporaryDirectory() {
+  return "/var/folders/me/T";
+}
+
+std::optional<std::vector<uint8_t>> contentsAtPath(const std::string& path) {
+  record("read " + path);
+  const auto& files = script().media.files;
+  const auto found = files.find(path);
+  return found != files.end() ? std::optional(found->second) : std::nullopt;
+}
+
+void removeItem(const std::string& path) {
+  record("remove " + path);
+}
+
+}  // namespace tapdeck::platform

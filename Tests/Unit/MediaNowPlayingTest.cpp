@@ -1,0 +1,245 @@
+#include "Runner/Media/Text.h"
+#include "Tests/Unit/MediaTest.h"
+
+namespace tapdeck {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr const char* kArtFile = "/var/folders/me/T/tapdeck_art.bin";
+
+class MediaNowPlayingTest : public MediaTest {
+ protected:
+  MediaNowPlayingTest() { script().media.jpeg = std::vector<uint8_t>{0xFF, 0xD8, 0xFF}; }
+
+  Value nowPlaying(Value includeArt = Value()) {
+    EXPECT_EQ(outcome("getNowPlaying", ValueMap{{"includeArt", std::move(includeArt)}}),
+              std::nullopt);
+    recording::runGlobalQueues();
+    recording::runMainQueue();
+    return std::get<Value>(engine->laterReplies.back());
+  }
+  /// What of the reply stands under the key; a text for what is not there.
+  Value nowPlaying(const char* key, Value includeArt = Value()) {
+    const Value all = nowPlaying(std::move(includeArt));
+    const auto* map = all.getIf<ValueMap>();
+    const Value* found = map != nullptr ? map->find(key) : nullptr;
+    return found != nullptr ? *found : Value("absent");
+  }
+};
+
+Value info(const char* title, const char* artist, const char* album, double duration,
+           double position, bool playing, bool canSeek, const char* app, const char* trackId) {
+  return Value(ValueMap{{"title", Value(title)},
+                        {"artist", Value(artist)},
+                        {"album", Value(album)},
+                        {"duration", Value(duration)},
+                        {"position", Value(position)},
+                        {"playing", Value(playing)},
+                        {"canSeek", Value(canSeek)},
+                        {"app", Value(app)},
+                        {"trackId", Value(trackId)}});
+}
+
+TEST_F(MediaNowPlayingTest, RepliesAreReadFieldByField) {
+  struct Row {
+    const char* player;
+    const char* reply;
+    Value value;
+  };
+  const Row rows[] = {
+      {"Spotify", "Song\tArtist\tAlbum\t215000\t12.5\tplaying\tspotify:track:1\n",
+       info("Song", "Artist", "Album", 215, 12.5, true, true, "Spotify", "spotify:track:1")},
+      {"VLC", "\u00A0Clip \t\t\t10\t5\tTRUE\t\n",
+       info("Clip", "", "", 10, 5, true, true, "VLC", "VLC|Clip|")},
+      {"Music", " Song\t A \t\t-3\t-1\tpaused\t\textra\n",
+       info("Song", " A ", "", 0, 0, false, false, "Music", "Music|Song| A ")},
+      {"Music", "S\tA\tB\t1.5E+2\tmissing value\tPlaying\tid\u2003\r\n",
+       info("S", "A", "B", 150, 0, true, true, "Music", "id")},
+      {"Music", "S\tA\tB\t12,5\t0x10\tplaying now\tid\tmore",
+       info("S", "A", "B", 0, 0, false, false, "Music", "id")},
+      {"Music", "S\tA\tB\tnan\t 7\t\t",
+       info("S", "A", "B", 0, 0, false, false, "Music", "Music|S|A")},
+      {"Music", "S\tA\tB\t1e999\tinf\tfalse\tid",
+       info("S", "A", "B", 0, 0, false, false, "Music", "id")},
+      {"Music", "S\tA\tB\t+.5\t5.\tfalse\tid",
+       info("S", "A", "B", 0.5, 5, false, true, "Music", "id")},
+      {"Music", "none\n", Value()},
+      {"Music", "", Value()},
+      {"Music", "S\tA\tB\t1\t2\tplaying\n", Value()},
+      {"Music", "  \tA\tB\t1\t2\tplaying\tid", Value()},
+      {"Music", "S\tA\xFF\tB\t1\t2\tplaying\tid", Value()},
+  };
+  for (const Row& row : rows) {
+    run({row.player});
+    answers[{"info", row.player}] = {row.reply};
+    EXPECT_EQ(nowPlaying(), row.value) << row.reply;
+  }
+}
+
+TEST_F(MediaNowPlayingTest, TheFirstPlayerWithSomethingToTellIsIt) {
+  run({"VLC", "Spotify", "Music"});
+  answers[{"info", "Music"}] = {"none", "", 0, 3};
+  answers[{"info", "Spotify"}] = {"Song\t\t\t\t\tpaused\tid", "", 1};
+  answers[{"info", "VLC"}] = {"Clip\t\t\t10\t5\ttrue\t/clip"};
+  const double start = script().uptime;
+  EXPECT_EQ(nowPlaying("app"), Value("VLC"));
+  EXPECT_NEAR(script().uptime, start + 2.0, 0.04);
+  EXPECT_THAT(steps(), ElementsAre("async on utility", "info Music", "poll", "terminate",
+                                   "log ⚠️ AppleScript timed out after 2.0s", "info Spotify",
+                                   "info VLC", "read pipe", "async on main"));
+}
+
+TEST_F(MediaNowPlayingTest, TheProgramsAreTheOnesThatThePlayersKnow) {
+  // every byte counts, so they are held by their length and their FNV-1a checksum
+  struct Row {
+    const char* player;
+    const char* firstLines;
+    size_t size;
+    uint64_t checksum;
+  };
+  const Row rows[] = {
+      {"Spotify", "tell application \"Spotify\"\n  try\n    if player state is stopped", 439,
+       0x98d942172dc7bfe1},
+      {"VLC", "tell application \"VLC\"\n  try\n    if not (exists current item)", 340,
+       0xaa4109d9f10391d3},
+      {"Music", "tell application \"Music\"\n  try\n    set t to current track\n", 643,
+       0xace13ff1d556ca9d},
+      {"Music", "tell application \"Music\"\n  try\n    set d to raw data of artwork 1", 406,
+       0x9db2d56b0835b4ff},
+  };
+  std::vector<std::string> programs;
+  script().media.childFor = [&](const std::string& program) {
+    programs.push_back(program);
+    return Child{"S\tA\tB\t1\t2\tplaying\tid"};
+  };
+  for (const Row& row : rows) {
+    run({row.player});
+    programs.clear();
+    nowPlaying(Value(true));
+    const std::string& program = programs.at(&row == &rows[3] ? 1 : 0);
+    uint64_t checksum = 0xcbf29ce484222325;
+    for (const char byte : program) {
+      checksum = (checksum ^ static_cast<uint8_t>(byte)) * 0x100000001b3;
+    }
+    EXPECT_THAT(program, ::testing::StartsWith(row.firstLines));
+    EXPECT_EQ(program.size(), row.size) << program;
+    EXPECT_EQ(checksum, row.checksum) << program;
+  }
+  run({"Spotify"});
+  nowPlaying(Value(true));
+  EXPECT_EQ(programs.back(),
+            "tell application \"Spotify\"\n  try\n"
+            "    return artwork url of current track\n"
+            "  on error\n    return \"\"\n  end try\nend tell");
+}
+
+TEST_F(MediaNowPlayingTest, CoversComeFromAFileThatGoesAgain) {
+  run({"Music"});
+  answers[{"info", "Music"}] = {"S\tA\tB\t1\t2\tplaying\tid"};
+  answers[{"art", "Music"}] = {"ok\n"};
+  script().media.files[kArtFile] = {1, 2, 3};
+  script().media.imageSize = CGSize{640, 480};
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("/9j/"));
+  EXPECT_THAT(steps(),
+              ElementsAre("async on utility", "info Music", "read pipe", "art Music", "read pipe",
+                          std::string("read ") + kArtFile, std::string("remove ") + kArtFile,
+                          "200x150 bitmap is (200,150) points",
+                          "copy (640,480) at (0,0) of image of 3 bytes onto 200x150 bitmap",
+                          "JPEG of 200x150 bitmap compressed by 0.720000", "async on main"));
+
+  EXPECT_EQ(nowPlaying("art", Value("yes")), Value("absent"));
+  EXPECT_EQ(nowPlaying("art", Value(1)), Value("/9j/"));
+  script().media.jpeg.reset();
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
+  script().media.imageSize.reset();
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
+  trace();
+  script().media.files.clear();
+  EXPECT_EQ(nowPlaying("title", Value(true)), Value("S"));
+  EXPECT_EQ(steps()[5], std::string("read ") + kArtFile);
+  for (const Child& child : {Child{"none"}, Child{"ok ok"}, Child{"ok", "", 1}}) {
+    answers[{"art", "Music"}] = child;
+    EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
+    EXPECT_EQ(steps().back(), "async on main");
+  }
+  answers[{"art", "Music"}] = {"ok", "", 0, 3.1};
+  nowPlaying(Value(true));
+  EXPECT_THAT(steps(), ::testing::Contains("log ⚠️ AppleScript timed out after 3.0s"));
+}
+
+TEST_F(MediaNowPlayingTest, ThumbnailsKeepTheirShapeAndNeverGrow) {
+  run({"Music"});
+  answers[{"info", "Music"}] = {"S\tA\tB\t1\t2\tplaying\tid"};
+  answers[{"art", "Music"}] = {"ok"};
+  script().media.files[kArtFile] = {1};
+  struct Row {
+    CGSize size;
+    const char* bitmap;
+  };
+  const Row rows[] = {{{100, 50}, "100x50"},   {{1000, 1}, "200x1"},
+                      {{1, 1000}, "1x200"},    {{200.4, 200.4}, "200x200"},
+                      {{400, 201}, "200x101"}, {{0.25, 0.25}, "1x1"},
+                      {{0, 10}, ""},           {{10, -1}, ""}};
+  for (const Row& row : rows) {
+    script().media.imageSize = row.size;
+    nowPlaying(Value(true));
+    const std::string jpeg = *(trace().end() - 2);
+    EXPECT_EQ(jpeg.starts_with(std::string("JPEG of ") + row.bitmap + " bitmap"),
+              *row.bitmap != '\0')
+        << jpeg;
+  }
+}
+
+TEST_F(MediaNowPlayingTest, SpotifysCoversAreFetchedOverTlsOnly) {
+  run({"Spotify"});
+  answers[{"info", "Spotify"}] = {"S\tA\tB\t1000\t2\tplaying\tid"};
+  answers[{"art", "Spotify"}] = {"https://covers/1\n"};
+  script().media.imageSize = CGSize{10, 10};
+  script().media.download = {1, 2};
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("/9j/"));
+  const Trace told = steps();
+  EXPECT_EQ(told[5], "download https://covers/1 within 3.000000");
+  EXPECT_EQ(told[6], "wait 3.500000");
+  EXPECT_EQ(told[8], "copy (10,10) at (0,0) of image of 2 bytes onto 10x10 bitmap");
+
+  script().media.download.reset();
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
+  script().media.download = {1, 2};
+  script().media.downloadSeconds = 3.6;
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
+  // it comes all the same, to nobody
+  recording::completeDownloads();
+  script().media.downloadSeconds = 0;
+  trace();
+  for (const char* address : {"http://covers/1", "HTTPS://covers/1", "httpss://x", "covers", ""}) {
+    answers[{"art", "Spotify"}] = {address};
+    EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent")) << address;
+    EXPECT_EQ(steps().size(), 6u) << address;
+  }
+  answers[{"art", "Spotify"}] = {"https://covers/1"};
+  script().urlsParse = false;
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
+
+  answers[{"art", "Spotify"}] = {"https://covers/1", "", 0, 2.1};
+  nowPlaying(Value(true));
+  EXPECT_THAT(steps(), ::testing::Contains("log ⚠️ AppleScript timed out after 2.0s"));
+
+  run({"VLC"});
+  answers[{"info", "VLC"}] = {"Clip\t\t\t10\t5\ttrue\t/clip"};
+  EXPECT_EQ(nowPlaying("art", Value(true)), Value("absent"));
+  EXPECT_EQ(steps().size(), 4u);
+}
+
+TEST(TrimmingTest, TakesUnicodesWhiteSpaceAndNothingElse) {
+  EXPECT_EQ(trimmed("\t\v\f\r\n \u0085\u00A0\u1680\u2000\u200A\u2028\u2029\u202F\u205F\u3000"), "");
+  EXPECT_EQ(trimmed("\u2003a \t b\u3000\n"), "a \t b");
+  for (const char* kept : {"\u200B", "\uFEFF", "\u180E", "\x1C", "\u0084", "\u2030"}) {
+    EXPECT_EQ(trimmed(kept), kept);
+  }
+  EXPECT_EQ(trimmedUpToTabs(" \n\t a \t\t\r\n"), "\t a \t\t");
+}
+
+}  // namespace
+}  // namespace tapdeck

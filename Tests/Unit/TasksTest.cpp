@@ -1,0 +1,176 @@
+// The four ways of running a program, on the real platform. The interpreter beside this executable
+// is one of ours that hands the program to the shell.
+
+#include <fcntl.h>
+#include <glib.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Platform/Linux/Queues.h"
+#include "Platform/Scripts.h"
+#include "Runner/Media/Scripts.h"
+#include "Tests/Support/MainLoop.h"
+
+namespace tapdeck {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+namespace fs = std::filesystem;
+
+/// What the host has logged. Any thread.
+class Log {
+ public:
+  static void listen() { g_log_set_writer_func(write, nullptr, nullptr); }
+  static std::vector<std::string> take() {
+    const std::lock_guard lock(mutex());
+    return std::exchange(lines(), {});
+  }
+  static size_t size() {
+    const std::lock_guard lock(mutex());
+    return lines().size();
+  }
+
+ private:
+  static GLogWriterOutput write(GLogLevelFlags, const GLogField* fields, gsize count, gpointer) {
+    const std::lock_guard lock(mutex());
+    for (gsize i = 0; i < count; ++i) {
+      if (std::string(fields[i].key) == "MESSAGE") {
+        lines().emplace_back(static_cast<const char*>(fields[i].value));
+      }
+    }
+    return G_LOG_WRITER_HANDLED;
+  }
+  static std::mutex& mutex() {
+    static std::mutex instance;
+    return instance;
+  }
+  static std::vector<std::string>& lines() {
+    static std::vector<std::string> instance;
+    return instance;
+  }
+};
+
+bool hasNoChildren() {
+  siginfo_t ended{};
+  return waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) != 0 && errno == ECHILD;
+}
+
+size_t openDescriptors() {
+  size_t count = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator("/proc/self/fd")) ++count;
+  return count;
+}
+
+double secondsOf(const std::function<void()>& work) {
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+class TasksTest : public ::testing::Test {
+ protected:
+  TasksTest() {
+    static const bool listens = (Log::listen(), true);
+    EXPECT_TRUE(listens);
+    const std::string path = platform::scriptInterpreterPath();
+    std::ofstream(path) << "#!/bin/sh\n[ $# = 2 ] && [ \"$1\" = -e ] && eval \"$2\"\n";
+    fs::permissions(path, fs::perms::owner_all);
+  }
+  ~TasksTest() override {
+    EXPECT_TRUE(eventually(hasNoChildren));
+    EXPECT_TRUE(platform::finishGlobalQueues(std::chrono::seconds(10)));
+    Log::take();
+  }
+};
+
+TEST_F(TasksTest, CapturesAllOutputAndOnlyUtf8) {
+  EXPECT_EQ(runScriptCapturing("echo true; exit 3"), "true\n");
+  EXPECT_EQ(runScriptCapturing("yes 123456789 | head -c 300000").size(), 300000u);
+  EXPECT_EQ(runScriptCapturing("printf 'a\\377b'"), "");
+}
+
+TEST_F(TasksTest, BoundsTheWait) {
+  EXPECT_EQ(runScriptBounded("printf '  \\343\\200\\200true \\n'; echo noise >&2", 5), "true");
+  EXPECT_EQ(runScriptBounded("true", 5), "");
+  EXPECT_EQ(runScriptBounded("echo true; exit 1", 5), std::nullopt);
+  EXPECT_EQ(runScriptBounded("echo true; kill -KILL $$", 5), std::nullopt);
+  EXPECT_EQ(runScriptBounded("printf 'a\\377b'", 5), std::nullopt);
+  EXPECT_THAT(Log::take(), IsEmpty());
+
+  const double seconds = secondsOf([] {
+    EXPECT_EQ(runScriptBounded("exec sleep 60", 0.25), std::nullopt);
+    // nobody reads before the end, so the pipe fills
+    EXPECT_EQ(runScriptBounded("exec head -c 200000 /dev/zero", 0.25), std::nullopt);
+  });
+  EXPECT_GE(seconds, 0.5);
+  EXPECT_LT(seconds, 5);
+  EXPECT_THAT(Log::take(), ElementsAre("⚠️ AppleScript timed out after 0.25s",
+                                       "⚠️ AppleScript timed out after 0.25s"));
+  EXPECT_TRUE(eventually(hasNoChildren));
+}
+
+TEST_F(TasksTest, DetachedRunsReportTheirFailuresWhenTheyCome) {
+  const double seconds = secondsOf([] {
+    runScriptDetached("sleep 0.3; echo 'no such player' >&2; exit 1");
+    runScriptDetached("echo noise >&2");
+    runScriptDetached("kill -TERM $$");
+  });
+  EXPECT_LT(seconds, 0.3);
+  EXPECT_TRUE(eventually([] { return Log::size() == 2; }));
+  EXPECT_THAT(Log::take(), ElementsAre("⚠️ AppleScript failed (status 15): ",
+                                       "⚠️ AppleScript failed (status 1): no such player\n"));
+}
+
+TEST_F(TasksTest, AMissingInterpreterIsLoggedOrEndsTheProcess) {
+  fs::remove(platform::scriptInterpreterPath());
+  EXPECT_EQ(runScriptBounded("echo true", 5), std::nullopt);
+  runScriptDetached("true");
+  const auto lines = Log::take();
+  EXPECT_THAT(lines, ElementsAre(StartsWith("⚠️ Could not launch osascript: "),
+                                 StartsWith("⚠️ Could not launch osascript: ")));
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(runScriptCapturing("true"), ::testing::KilledBySignal(SIGABRT), "tapdeck-osascript");
+}
+
+TEST_F(TasksTest, ChildrenGetNoDescriptorsOfOurs) {
+  const int leaked = open("/dev/null", O_RDONLY);
+  EXPECT_EQ(runScriptCapturing("for f in /proc/$$/fd/*; do readlink $f; done | grep -c /dev/null"),
+            "1\n");
+  close(leaked);
+}
+
+TEST_F(TasksTest, TwoHundredRunsLeaveNothingBehind) {
+  runScriptDetached("true");
+  const size_t before = openDescriptors();
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([] {
+      for (int run = 0; run < 40; ++run) {
+        const std::string word = "run" + std::to_string(run);
+        EXPECT_EQ(runScriptBounded("echo " + word, 30), word);
+      }
+      EXPECT_EQ(runScriptBounded("exec sleep 60", 0.05), std::nullopt);
+    });
+  }
+  for (int run = 0; run < 40; ++run) runScriptDetached("echo failed >&2; exit 1");
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_TRUE(eventually([] { return Log::size() == 44; }));
+  EXPECT_TRUE(eventually(hasNoChildren));
+  EXPECT_TRUE(eventually([before] { return openDescriptors() <= before; }));
+}
+
+}  // namespace
+}  // namespace tapdeck
