@@ -2,11 +2,11 @@
 
 import { matches } from "./apps.js";
 import { IconLoader } from "./icons.js";
+import { Note } from "./note.js";
 import { characters } from "./typing.js";
 
 /** When to look whether an application has started: some take their time. */
 const LOOK_AGAIN = [1500, 4000, 10_000];
-const NOTE_TIME = 5000;
 /** Icons this far out of view are asked for too, so that slow scrolling meets them ready. */
 const ICON_MARGIN = "120px";
 
@@ -17,20 +17,19 @@ export class AppView {
   #search;
   #grid;
   #nothing;
-  #outcome;
+  #note;
   #apps;
   #connection;
   #icons;
   #inView;
   #tiles = new Map();
-  #noteTimer = 0;
 
   constructor(panel, apps, connection) {
     this.#panel = panel;
     this.#search = panel.querySelector("input");
     this.#grid = panel.querySelector(".app-grid");
     this.#nothing = panel.querySelector(".nothing");
-    this.#outcome = panel.querySelector(".outcome");
+    this.#note = new Note(panel.querySelector(".outcome"));
     this.#apps = apps;
     this.#connection = connection;
     this.#icons = new IconLoader(connection);
@@ -62,7 +61,7 @@ export class AppView {
 
   #show() {
     const { records, failure } = this.#apps;
-    if (records && failure) this.#say(failure, true);
+    if (records && failure) this.#note.say(failure, true);
     const tiles = (records ?? []).map((record) => this.#tileOf(record));
     for (const [bundleId, tile] of this.#tiles) {
       if (!tiles.includes(tile)) this.#remove(bundleId, tile);
@@ -122,11 +121,11 @@ export class AppView {
   async #launch(tile) {
     const { bundleId, name } = tile;
     tile.flash();
-    this.#say(this.#apps.isRunning(bundleId) ? `${name} comes to the front.` : `Starting ${name}…`);
+    this.#note.say(this.#apps.isRunning(bundleId) ? `${name} comes to the front.` : `Starting ${name}…`);
     try {
       await this.#apps.launch(bundleId);
     } catch (error) {
-      this.#say(error.message, true);
+      this.#note.say(error.message, true);
       return;
     }
     for (const delay of LOOK_AGAIN) {
@@ -135,13 +134,6 @@ export class AppView {
       await this.#apps.refresh();
       if (this.#apps.isRunning(bundleId)) return;
     }
-  }
-
-  #say(text, failed = false) {
-    clearTimeout(this.#noteTimer);
-    this.#outcome.textContent = text;
-    this.#outcome.classList.toggle("failed", failed);
-    this.#noteTimer = setTimeout(() => { this.#outcome.textContent = ""; }, NOTE_TIME);
   }
 }
 

@@ -1,5 +1,7 @@
 // The computer's displays drawn to scale, and the pointer on them.
 
+import { Poller } from "./polling.js";
+
 const SVG = "http://www.w3.org/2000/svg";
 const CURSOR_INTERVAL = 300;
 const TALLEST = 460;
@@ -51,7 +53,6 @@ export function arrange(records, width, height) {
 }
 
 export class DisplayView {
-  #panel;
   #drawing;
   #list;
   #empty;
@@ -61,10 +62,9 @@ export class DisplayView {
   #boxes = [];
   #cursor = null;
   #cursorOn = 0;
-  #polling = false;
+  #poller;
 
   constructor(panel, displays, pointer, connection) {
-    this.#panel = panel;
     this.#drawing = panel.querySelector(".arrangement");
     this.#list = panel.querySelector(".display-list");
     this.#empty = panel.querySelector(".empty");
@@ -73,14 +73,10 @@ export class DisplayView {
     this.#connection = connection;
     displays.addEventListener("change", () => this.#redraw());
     new ResizeObserver(() => this.#redraw()).observe(this.#drawing.parentElement);
-    for (const source of [document, panel]) {
-      source.addEventListener("visibilitychange", () => this.#poll());
-    }
-    connection.addEventListener("state", () => this.#poll());
-  }
-
-  get #visible() {
-    return !this.#panel.hidden && !document.hidden;
+    this.#poller = new Poller(panel, connection, async () => {
+      await this.#findCursor();
+      return CURSOR_INTERVAL;
+    });
   }
 
   #redraw() {
@@ -103,7 +99,7 @@ export class DisplayView {
     const drawn = records.map((record, index) => this.#drawDisplay(record, boxes[index]));
     this.#drawing.replaceChildren(...drawn, this.#cursor);
     drawn.forEach((group, index) => label(group, records[index], boxes[index], index + 1));
-    this.#poll();
+    this.#poller.hurry();
   }
 
   #drawDisplay(record, box) {
@@ -130,17 +126,6 @@ export class DisplayView {
 
   #jump(record, x, y) {
     this.#pointer.jump(record.id, x, y).catch(() => {});
-  }
-
-  // One question at a time, and none while nobody looks.
-  async #poll() {
-    if (this.#polling) return;
-    this.#polling = true;
-    while (this.#visible && this.#connection.connected && this.#boxes.length > 0) {
-      await this.#findCursor();
-      await new Promise((resolve) => setTimeout(resolve, CURSOR_INTERVAL));
-    }
-    this.#polling = false;
   }
 
   // The display that had the pointer last is asked first.

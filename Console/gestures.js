@@ -5,7 +5,8 @@ const MOUSE_SLOP = 3;
 const SCROLL_SLOP = 7;
 const HOLD_AFTER = 450;
 const TWO_FINGER_TAP = 350;
-const SCROLL_GAIN = 1.5;
+/** How many points two fingers scroll per pixel. */
+export const SCROLL_GAIN = 1.5;
 /** A scroll this many times longer one way than the other stays on that axis. */
 const AXIS_RATIO = 2;
 

@@ -1,64 +1,12 @@
 // The computer's pointer as the page drives it: moves and scrolls that never pile up, buttons that
 // never stay pressed.
 
+import { Latest, Summed } from "./pacers.js";
+
 /** How far apart (points) the pointer and an event may be and still be taken for the same. */
 const SAME_PLACE = 6;
 /** How long (ms) the page may take to hear of a movement of the mouse that is on it. */
 const EVENT_DELAY = 30;
-
-/**
- * Sums up movement and hands it on one call at a time: what comes in while a call is under way
- * waits and goes out as one, so a slow line delays movement but never queues it.
- */
-class Pacer {
-  #x = 0;
-  #y = 0;
-  #busy = false;
-  #take;
-  #send;
-
-  /** `take(x, y)` gives the part that can go out now; `send` gets it and returns a promise. */
-  constructor(take, send) {
-    this.#take = take;
-    this.#send = send;
-  }
-
-  add(x, y) {
-    this.#x += x;
-    this.#y += y;
-    if (!this.#busy) this.#pump();
-  }
-
-  /** Sends what has been summed up at once, for a call that must come after it. */
-  flush() {
-    const [x, y] = this.#takePart();
-    if (x || y) this.#send(x, y).catch(() => {});
-  }
-
-  drop() {
-    this.#x = this.#y = 0;
-  }
-
-  #takePart() {
-    const part = this.#take(this.#x, this.#y);
-    this.#x -= part[0];
-    this.#y -= part[1];
-    return part;
-  }
-
-  async #pump() {
-    const [x, y] = this.#takePart();
-    if (!x && !y) return;
-    this.#busy = true;
-    try {
-      await this.#send(x, y);
-    } catch {
-      this.drop();
-    }
-    this.#busy = false;
-    this.#pump();
-  }
-}
 
 const isNear = (value, seen) =>
   value >= Math.min(...seen) - SAME_PLACE && value <= Math.max(...seen) + SAME_PLACE;
@@ -72,6 +20,7 @@ export class RemotePointer extends EventTarget {
   #connection;
   #displays;
   #moves;
+  #places;
   #scrolls;
 
   /** `displays` gives the records of the computer's displays. */
@@ -79,19 +28,22 @@ export class RemotePointer extends EventTarget {
     super();
     this.#connection = connection;
     this.#displays = displays;
-    this.#moves = new Pacer((x, y) => [x, y], (dx, dy) => connection.call("moveMouse", { dx, dy }));
-    this.#scrolls = new Pacer(whole, (x, y) => this.#postScroll(x, y));
+    this.#moves = new Summed((x, y) => [x, y], (dx, dy) => connection.call("moveMouse", { dx, dy }));
+    this.#places = new Latest((place) => connection.call("moveMouseAbs", place));
+    this.#scrolls = new Summed(whole, (x, y) => this.#postScroll(x, y));
     connection.addEventListener("state", () => this.#lineChanged());
   }
 
   move(dx, dy) {
-    if (this.#connection.connected) this.#moves.add(dx, dy);
+    if (!this.#connection.connected) return;
+    this.#places.flush();
+    this.#moves.add(dx, dy);
   }
 
   /** Scrolls by points; positive values go toward the top and the left, as fingers pull content. */
   scroll(x, y) {
     if (!this.#connection.connected) return;
-    this.#moves.flush();
+    this.#flush();
     this.#scrolls.add(x, y);
   }
 
@@ -118,7 +70,15 @@ export class RemotePointer extends EventTarget {
   /** Moves the pointer to a place on a display, given as fractions of its width and height. */
   jump(display, x, y) {
     this.#moves.drop();
+    this.#places.drop();
     return this.#connection.call("moveMouseAbs", { display, x, y });
+  }
+
+  /** Like `jump`, for places that follow one another closely: on a slow line some are left out. */
+  follow(display, x, y) {
+    if (!this.#connection.connected) return;
+    this.#moves.drop();
+    this.#places.put({ display, x, y });
   }
 
   /**
@@ -163,8 +123,13 @@ export class RemotePointer extends EventTarget {
 
   // What was moved before a button changes must have arrived before it.
   #now(method, args) {
-    this.#moves.flush();
+    this.#flush();
     this.#connection.call(method, args).catch(() => {});
+  }
+
+  #flush() {
+    this.#places.flush();
+    this.#moves.flush();
   }
 
   #postScroll(x, y) {
@@ -180,6 +145,7 @@ export class RemotePointer extends EventTarget {
   #lineChanged() {
     if (this.#connection.connected) return;
     this.#moves.drop();
+    this.#places.drop();
     this.#scrolls.drop();
     if (this.held !== null) this.#setHeld(null, null);
   }
