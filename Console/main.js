@@ -8,10 +8,12 @@ import { Connection } from "./connection.js";
 import { DisplayList, DisplayView } from "./displays.js";
 import { Keyboard } from "./keyboard.js";
 import { System } from "./keys.js";
+import { Laser } from "./laser.js";
 import { bindLoginItem } from "./loginitem.js";
 import { bindModifier, Modifiers } from "./modifiers.js";
 import { bindPermissionCard, Permissions } from "./permissions.js";
 import { RemotePointer } from "./pointer.js";
+import { ScreenView } from "./screenview.js";
 import { bindScrollStrip, Momentum } from "./scrolling.js";
 import { bindTabs } from "./tabs.js";
 import { Touchpad } from "./touchpad.js";
@@ -29,6 +31,7 @@ const STATES = {
 };
 
 const byId = (id) => document.getElementById(id);
+const controlBanners = document.querySelectorAll(".control-banner");
 const token = () => decodeURIComponent(location.hash.slice(1));
 
 const connection = new Connection(token());
@@ -37,6 +40,9 @@ const pointer = new RemotePointer(connection, () => displays.records);
 const permissions = new Permissions(connection);
 const momentum = new Momentum((x, y) => pointer.scroll(x, y));
 const touchpad = new Touchpad(byId("pad"), pointer, momentum);
+const laser = new Laser(connection);
+const { picture } = new ScreenView(byId("panel-screen"),
+  { connection, displays, permissions, pointer, momentum, laser });
 const system = new System(document.body.dataset.system);
 const queue = new TypingQueue(connection);
 const modifiers = new Modifiers(connection, queue);
@@ -45,6 +51,7 @@ const keyboard = new Keyboard(byId("panel-keyboard"), connection, queue, modifie
 // Modifiers are held from one section to the next, for a click with Shift, say.
 function changeSection() {
   touchpad.cancel();
+  picture.cancel();
   pointer.releaseAll();
   keyboard.rest();
 }
@@ -60,12 +67,14 @@ function showState() {
   byId("status-text").textContent = status;
   byId("advice").textContent = advice;
   byId("advice").hidden = !advice;
-  if (!connection.connected) touchpad.cancel();
+  if (connection.connected) return;
+  touchpad.cancel();
+  picture.cancel();
 }
 
 function showPermissions() {
   const { control, screen } = permissions.granted;
-  byId("control-banner").hidden = control !== false;
+  for (const banner of controlBanners) banner.hidden = control !== false;
   byId("permission-mark").hidden = control !== false && screen !== false;
 }
 
@@ -82,8 +91,9 @@ bindLoginItem(byId("panel-settings"), connection);
 new AppView(byId("panel-apps"), new AppList(connection), connection);
 new DisplayView(byId("panel-displays"), displays, pointer, connection);
 const showTab = bindTabs(byId("tabs"), changeSection);
-byId("control-banner").querySelector("button")
-  .addEventListener("click", () => showTab("tab-settings"));
+for (const banner of controlBanners) {
+  banner.querySelector("button").addEventListener("click", () => showTab("tab-settings"));
+}
 
 permissions.addEventListener("change", showPermissions);
 connection.addEventListener("state", showState);
@@ -92,6 +102,7 @@ window.addEventListener("blur", letGo);
 window.addEventListener("hashchange", () => connection.setToken(token()));
 window.addEventListener("pagehide", () => {
   letGo();
+  laser.leave();
   connection.stop();
 });
 window.addEventListener("pageshow", ({ persisted }) => { if (persisted) connection.start(); });
