@@ -10,6 +10,7 @@ import { Keyboard } from "./keyboard.js";
 import { System } from "./keys.js";
 import { Laser } from "./laser.js";
 import { bindLoginItem } from "./loginitem.js";
+import { MediaView } from "./mediaview.js";
 import { bindModifier, Modifiers } from "./modifiers.js";
 import { bindPermissionCard, Permissions } from "./permissions.js";
 import { RemotePointer } from "./pointer.js";
@@ -89,6 +90,7 @@ for (const card of document.querySelectorAll("[data-permission]")) {
 bindClipboard(byId("panel-clipboard"), connection);
 bindLoginItem(byId("panel-settings"), connection);
 new AppView(byId("panel-apps"), new AppList(connection), connection);
+new MediaView(byId("panel-media"), connection);
 new DisplayView(byId("panel-displays"), displays, pointer, connection);
 const showTab = bindTabs(byId("tabs"), changeSection);
 for (const banner of controlBanners) {

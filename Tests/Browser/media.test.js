@@ -1,0 +1,149 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { setTimeout as sleep } from "node:timers/promises";
+
+import { clockText, goodFor, positionAt } from "../../Console/trackclock.js";
+import { browser, page } from "./setup.js";
+import { eventually } from "./desktop.js";
+import { StandIn } from "./standin.js";
+
+const SONG = { title: "Song", artist: "Band", album: "Album", duration: 215, position: 12.5,
+  playing: true, canSeek: true, app: "Spotify", trackId: "song" };
+
+let line;
+let track;
+
+async function listen(answers = {}) {
+  line = await StandIn.of(page, {
+    supportsNowPlaying: () => true, getNowPlaying: () => track, getVolumeLevel: () => 40, ...answers,
+  });
+  await page.click("#tab-media");
+}
+
+const shows = (text) => page.waitForSelector(`.now-playing >> text=${text}`);
+const asked = () => line.of("getNowPlaying").length;
+
+test("the position goes on by itself, and what is told stays good for a while", () => {
+  assert.equal(positionAt(SONG, 1000, 3500), 15);
+  assert.equal(positionAt(SONG, 1000, 900_000), 215);
+  assert.equal(positionAt({ ...SONG, playing: false }, 1000, 3500), 12.5);
+  assert.equal(positionAt({ ...SONG, canSeek: false, duration: 0 }, 1000, 3500), 15);
+  for (const [change, time] of [[{}, 2000], [{ playing: false }, 6000], [{ position: 214 }, 1400],
+    [{ position: 215 }, 2000], [{ canSeek: false, duration: 0 }, 2000]]) {
+    assert.equal(goodFor({ ...SONG, ...change }), time, JSON.stringify(change));
+  }
+  assert.equal(goodFor(null), 6000);
+  assert.deepEqual([0, 9.9, 185, 3723].map(clockText), ["0:00", "0:09", "3:05", "1:02:03"]);
+});
+
+test("a cover is asked for once a track and never shown with another", async () => {
+  const drawing = await browser.newPage({ viewport: { width: 20, height: 20 } });
+  const covers = {};
+  for (const name of ["song", "next", "third"]) {
+    await drawing.setContent(`<body style="background: ${{ song: "red", next: "lime", third: "blue" }[name]}">`);
+    covers[name] = (await drawing.screenshot({ type: "jpeg" })).toString("base64");
+  }
+  await drawing.close();
+  const cover = () => page.evaluate(() => {
+    const image = document.querySelector(".cover img");
+    return image.hidden ? null : image.src.split(",")[1];
+  });
+  const showsCover = (name) => eventually(`the cover of ${name}`, async () => await cover() === covers[name]);
+  const withCover = () => line.of("getNowPlaying").filter(({ includeArt }) => includeArt).length;
+  let held = Promise.resolve();
+  track = SONG;
+  await listen({
+    getNowPlaying: async ({ includeArt }) => {
+      if (!includeArt) return track;
+      await held;
+      return { ...track, art: covers[track.trackId] };
+    },
+  });
+  await showsCover("song");
+  await eventually("the song is asked about again", () => asked() >= 4);
+  assert.equal(withCover(), 1);
+
+  let release;
+  held = new Promise((resolve) => { release = resolve; });
+  track = { ...SONG, title: "Next song", trackId: "next" };
+  await shows("Next song");
+  assert.equal(await cover(), null);
+  track = { ...SONG, title: "Third song", trackId: "third" };
+  release();
+  await shows("Third song");
+  await showsCover("third");
+  track = null;
+  await page.click("[data-media=mediaNext]");
+  await shows("Nothing is playing");
+  assert.equal(await cover(), null);
+  assert.equal(withCover(), 2);
+});
+
+test("the position advances between two answers and can be moved only where that is possible", async () => {
+  track = SONG;
+  await listen({ mediaSeek: ({ position }) => { track = { ...track, position }; return null; } });
+  await shows("0:14");
+  assert.deepEqual(new Set(line.of("getNowPlaying").map(({ includeArt }) => includeArt)),
+    new Set([false, true]));
+  await page.locator(".position input").fill("100");
+  await eventually("the seek", () => line.of("mediaSeek").length === 1);
+  assert.deepEqual(line.of("mediaSeek"), [{ position: 100 }]);
+  await shows("1:41");
+
+  track = { ...SONG, title: "Radio", trackId: "radio", duration: 0, canSeek: false };
+  await shows("Radio");
+  assert.equal(await page.isVisible(".position input"), false);
+  await shows("0:13");
+});
+
+test("it is asked seldom while nothing plays, soon after a key, and not at all out of view", async () => {
+  track = null;
+  await listen({ mediaPlayPause: () => { track = SONG; return null; }, volumeUp: () => null });
+  await shows("Nothing is playing");
+  await sleep(2500);
+  assert.equal(asked(), 1);
+  await page.click("[data-media=mediaPlayPause]");
+  await shows("Band");
+  await page.waitForSelector("[data-media=mediaPlayPause][aria-label=Pause]");
+
+  const readings = () => line.of("getVolumeLevel").length;
+  await page.waitForSelector(".level >> text=40 %");
+  const before = readings();
+  await page.click("[data-volume=volumeUp]");
+  await page.waitForSelector(".level >> text=50 %");
+  await page.waitForSelector(".level >> text=40 %");
+  assert.ok(readings() > before && line.of("volumeUp").length === 1);
+
+  await page.click("#tab-apps");
+  await sleep(200);
+  const silent = asked() + readings();
+  await sleep(2500);
+  assert.equal(asked() + readings(), silent);
+});
+
+test("the computer is locked, put to sleep, restarted and shut down only when it is confirmed", async () => {
+  const methods = { lock: "lockScreen", sleep: "sleepSystem", restart: "restartSystem",
+    shutdown: "shutdownSystem" };
+  track = null;
+  await listen(Object.fromEntries(Object.values(methods).map((method) => [method, () => null])));
+  const done = () => line.calls.map(({ method }) => method)
+    .filter((method) => Object.values(methods).includes(method));
+  for (const [name, method] of Object.entries(methods)) {
+    const open = async () => {
+      await page.click(`[data-power=${name}]`);
+      await page.waitForSelector("#power-dialog[open]");
+    };
+    line.calls.length = 0;
+    await open();
+    await page.keyboard.press("Enter");
+    await page.waitForSelector("#power-dialog", { state: "hidden" });
+    await open();
+    await page.keyboard.press("Escape");
+    await open();
+    assert.deepEqual(done(), []);
+    await page.click("#power-dialog .main");
+    await eventually(`${method} is called`, () => done().length > 0);
+    assert.deepEqual(done(), [method]);
+    assert.equal(await page.isVisible("#power-dialog"), false);
+  }
+});
