@@ -1,10 +1,11 @@
 import assert from "node:assert/strict";
+import { spawn } from "node:child_process";
 import { beforeEach, describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
 import { fit, fractionsAt, pictureWidth } from "../../Console/letterbox.js";
 import { Pacing } from "../../Console/pacing.js";
-import { eventually, pointerPlace } from "./desktop.js";
+import { eventually, pointerPlace, putPointer } from "./desktop.js";
 import { browser, fingers, page, witness } from "./setup.js";
 import { StandIn } from "./standin.js";
 
@@ -33,6 +34,31 @@ test("a screen that stands still is asked for less and less, down to ten times a
   assert.ok(pacing.unchanged(true) < 50);
   assert.equal(pacing.changed(), 0);
   assert.ok(pacing.unchanged(false) < 34);
+});
+
+test("the host's own screen is shown with its pointer, and again when it has changed", async () => {
+  const isShown = (red, x, y) => page.waitForFunction(([red, x, y]) => {
+    const canvas = document.querySelector("#stage canvas");
+    if (canvas.hidden) return false;
+    const [r, g, b] = canvas.getContext("2d")
+      .getImageData(x * canvas.width, y * canvas.height, 1, 1).data;
+    return red === (r > 180 && g < 70 && b < 70);
+  }, [red, x, y]);
+  await page.click("#tab-screen");
+  await isShown(false, 0.25, 0.5);
+  const window = spawn("xterm", ["-geometry", "80x40+360+300", "-bg", "#dd2222", "-fg", "#dd2222"]);
+  try {
+    await isShown(true, 0.25, 0.5);
+    await putPointer(600, 600);
+    const { x, y, width, height } = await page.locator("#stage").boundingBox();
+    await eventually("the pointer is drawn where it is", async () => {
+      const cursor = await page.locator(".remote-cursor").boundingBox();
+      return cursor && Math.abs(cursor.x - x - width / 4) < 3 && Math.abs(cursor.y - y - height / 2) < 3;
+    });
+  } finally {
+    window.kill();
+  }
+  await isShown(false, 0.25, 0.5);
 });
 
 /** Shows the screen as `replies` has it, one after the other and the last of them again and again. */
