@@ -30,6 +30,7 @@ export class ScreenView {
   #feed;
   #displays;
   #permissions;
+  #laser;
   #shown = null;
 
   constructor(panel, { connection, displays, permissions, pointer, momentum, laser }) {
@@ -42,6 +43,7 @@ export class ScreenView {
     this.#note = new Note(panel.querySelector(".outcome"));
     this.#displays = displays;
     this.#permissions = permissions;
+    this.#laser = laser;
     this.#feed = new ScreenFeed(panel, connection, () => this.#wish());
     this.picture = new Picture(this.#stage, pointer, momentum, {
       placeAt: (x, y) => this.#placeAt(x, y),
@@ -135,8 +137,9 @@ export class ScreenView {
     return { display: this.#shown.display, ...fractionsAt(this.#rect(), x, y) };
   }
 
+  // The laser's dot is in the picture itself, and the arrow would cover it.
   #showCursor(place) {
-    const shown = this.#shown !== null && place?.onDisplay === true;
+    const shown = this.#shown !== null && place?.onDisplay === true && !this.#laser.on;
     this.#cursor.toggleAttribute("hidden", !shown);
     if (!shown) return;
     const { x, y, width, height } = this.#rect();
