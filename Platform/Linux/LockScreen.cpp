@@ -3,14 +3,16 @@
 
 #include <cstdio>
 #include <iterator>
-#include <memory>
+
+#include "Platform/Linux/AppleScript/Bus.h"
 
 namespace tapdeck::platform {
 namespace {
 
-constexpr int kLimit = 3000;
+using applescript::Shared;
+using applescript::Variant;
 
-using Failure = std::unique_ptr<GError, decltype(&g_error_free)>;
+constexpr int kLimit = 3000;
 
 /// One way to have the screen locked.
 struct Locker {
@@ -40,30 +42,26 @@ void ask(const Locker* locker);
 /// Goes on with the next one unless this has locked.
 void finish(GObject* connection, GAsyncResult* result, gpointer data) {
   const auto* locker = static_cast<const Locker*>(data);
-  GError* error = nullptr;
-  GVariant* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error);
-  g_object_unref(connection);
-  if (reply != nullptr) {
-    g_variant_unref(reply);
-    return;
-  }
-  const Failure failure(error, g_error_free);
-  ask(std::next(locker));
+  const Variant reply(
+      g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));
+  if (reply == nullptr) ask(std::next(locker));
 }
 
 void callLock(GObject*, GAsyncResult* result, gpointer data) {
   const auto* locker = static_cast<const Locker*>(data);
-  GDBusConnection* connection = g_bus_get_finish(result, nullptr);
+  const Shared<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
   if (connection == nullptr) {
     ask(std::next(locker));
     return;
   }
-  g_dbus_connection_set_exit_on_close(connection, FALSE);
-  g_dbus_connection_call(connection, locker->name, locker->path, locker->interface, "Lock", nullptr,
-                         nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kLimit, nullptr, finish, data);
+  g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
+  g_dbus_connection_call(connection.get(), locker->name, locker->path, locker->interface, "Lock",
+                         nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kLimit, nullptr, finish,
+                         data);
 }
 
 void ask(const Locker* locker) {
+  while (locker != std::end(kLockers) && !applescript::hasBus(locker->bus)) ++locker;
   if (locker == std::end(kLockers)) {
     std::fputs("tapdeck: nothing on this desktop locks the screen.\n", stderr);
     return;

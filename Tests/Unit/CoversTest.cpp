@@ -1,7 +1,6 @@
 // Downloads, files and thumbnails on the real platform.
 
 #include <gmock/gmock.h>
-#include <libsoup/soup.h>
 #include <sys/stat.h>
 
 #include <atomic>
@@ -14,6 +13,7 @@
 #include "Platform/Images.h"
 #include "Runner/Media/Download.h"
 #include "Runner/Media/Thumbnail.h"
+#include "Tests/Support/CoverServer.h"
 #include "Tests/Support/MainLoop.h"
 #include "Tests/Support/Surroundings.h"
 
@@ -26,60 +26,26 @@ Bytes bytesOf(std::string_view text) {
   return {text.begin(), text.end()};
 }
 
-/// A server on loopback, served by the test's main loop.
-class CoverServer {
- public:
-  CoverServer() : _server(soup_server_new(nullptr, nullptr)) {
-    soup_server_add_handler(_server, nullptr, answer, this, nullptr);
-    soup_server_listen_local(_server, 0, SOUP_SERVER_LISTEN_IPV4_ONLY, nullptr);
-  }
-  ~CoverServer() {
-    soup_server_disconnect(_server);
-    g_object_unref(_server);
-  }
-  CoverServer(const CoverServer&) = delete;
-  CoverServer& operator=(const CoverServer&) = delete;
-
-  /// Downloads on another thread while this one serves.
-  std::optional<Bytes> get(const std::string& path) {
-    GSList* uris = soup_server_get_uris(_server);
-    const std::string port = std::to_string(g_uri_get_port(static_cast<GUri*>(uris->data)));
-    g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
-    std::optional<Bytes> data;
-    std::atomic<bool> isDone = false;
-    std::thread thread([&] {
-      data = downloadData({"http://127.0.0.1:" + port + path});
-      isDone = true;
-    });
-    EXPECT_TRUE(eventually([&] { return isDone.load(); }));
-    thread.join();
-    return data;
-  }
-
- private:
-  static void answer(SoupServer*, SoupServerMessage* message, const char* path, GHashTable*,
-                     gpointer) {
-    const std::string_view place(path);
-    if (place == "/hangs") {
-      soup_server_message_pause(message);
-      return;
-    }
-    std::string body = place == "/endless" ? std::string(33 << 20, 'x') : "cover";
-    soup_server_message_set_status(message, place == "/missing" ? 404 : 200, nullptr);
-    soup_server_message_set_response(message, "image/jpeg", SOUP_MEMORY_COPY, body.data(),
-                                     body.size());
-  }
-
-  SoupServer* _server;
-};
+/// Downloads on another thread while the server is served by this one.
+std::optional<Bytes> get(const std::string& address) {
+  std::optional<Bytes> data;
+  std::atomic<bool> isDone = false;
+  std::thread thread([&] {
+    data = downloadData({address});
+    isDone = true;
+  });
+  EXPECT_TRUE(eventually([&] { return isDone.load(); }));
+  thread.join();
+  return data;
+}
 
 TEST(CoversTest, DownloadsWhateverArrivesInTime) {
-  CoverServer server;
-  EXPECT_EQ(server.get("/cover"), bytesOf("cover"));
-  EXPECT_EQ(server.get("/missing"), bytesOf("cover"));
-  EXPECT_EQ(server.get("/endless"), std::nullopt);
+  const CoverServer server;
+  EXPECT_EQ(get(server.address("/cover")), bytesOf("cover"));
+  EXPECT_EQ(get(server.address("/missing")), bytesOf("cover"));
+  EXPECT_EQ(get(server.address("/endless")), std::nullopt);
   const auto start = std::chrono::steady_clock::now();
-  EXPECT_EQ(server.get("/hangs"), std::nullopt);
+  EXPECT_EQ(get(server.address("/hangs")), std::nullopt);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
   EXPECT_EQ(downloadData({"http://127.0.0.1:1/"}), std::nullopt);
   EXPECT_EQ(downloadData({"nothing:"}), std::nullopt);

@@ -12,13 +12,12 @@
 #include <thread>
 #include <vector>
 
+#include "Platform/Linux/Applications/Handles.h"
+
 namespace tapdeck::applescript {
 
-struct ObjectRelease {
-  void operator()(gpointer object) const { g_object_unref(object); }
-};
 template <typename T>
-using Shared = std::unique_ptr<T, ObjectRelease>;
+using Shared = applications::Object<T>;
 
 struct VariantRelease {
   void operator()(GVariant* variant) const { g_variant_unref(variant); }
@@ -39,6 +38,9 @@ class Deadline {
   std::jthread _thread;
 };
 
+/// Whether there is such a bus to connect to. GIO itself would start one for the session.
+bool hasBus(GBusType type);
+
 /// One of the machine's two message buses. Any thread; every call is bounded in time.
 class Bus {
  public:
@@ -55,7 +57,7 @@ class Bus {
                GVariant* arguments, const char* replyType) const;
 
   /// Asks each of the names for one property of text, all at once; empty for what does not answer
-  /// within a part of a second.
+  /// within a quarter of a second.
   std::vector<std::string> askAll(const std::vector<std::string>& names, const char* path,
                                   const char* interface, const char* property) const;
 

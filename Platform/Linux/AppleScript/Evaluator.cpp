@@ -15,6 +15,13 @@ namespace {
   throw ScriptError{kNotFound, "Can’t get " + what + ".", ""};
 }
 
+/// The innermost expression that has failed is where the error is.
+void locate(ScriptError& error, const Expression& expression) {
+  if (error.end != 0) return;
+  error.start = expression.start;
+  error.end = expression.end;
+}
+
 template <typename Known>
 Value orMissing(const std::optional<Known>& known) {
   return known ? Value(*known) : Value(Missing());
@@ -44,27 +51,28 @@ Evaluator::Flow Evaluator::execute(const Evaluate& statement) {
 }
 
 Evaluator::Flow Evaluator::execute(const Set& statement) {
-  _result = evaluate(*statement.value);
+  const Value value = evaluate(*statement.value);
   if (const auto* variable = std::get_if<Variable>(&statement.target->content)) {
-    _variables[variable->name] = _result;
+    _result = _variables[variable->name] = value;
     return Flow::next;
   }
-  const auto& place = std::get<PropertyOf>(statement.target->content);
   try {
-    const Value owner = ownerOf(place.owner);
-    const auto* object = owner.getIf<Object>();
-    if (object == nullptr) {
-      throw ScriptError{kCannotSet, "Can’t set " + std::string(wordsOf(place.property)) + ".", ""};
-    }
-    setProperty(_desktop, *object, place.property, _result);
+    set(std::get<PropertyOf>(statement.target->content), value);
   } catch (ScriptError& error) {
-    if (error.end == 0) {
-      error.start = statement.target->start;
-      error.end = statement.target->end;
-    }
+    locate(error, *statement.target);
     throw;
   }
+  _result = Nothing();
   return Flow::next;
+}
+
+void Evaluator::set(const PropertyOf& place, const Value& value) {
+  const Value owner = ownerOf(place.owner);
+  const auto* object = owner.getIf<Object>();
+  if (object == nullptr) {
+    throw ScriptError{kCannotSet, "Can’t set " + std::string(wordsOf(place.property)) + ".", ""};
+  }
+  setProperty(_desktop, *object, place.property, value);
 }
 
 Evaluator::Flow Evaluator::execute(const Return& statement) {
@@ -116,10 +124,7 @@ Value Evaluator::evaluate(const Expression& expression) {
   try {
     return std::visit([this](const auto& content) { return value(content); }, expression.content);
   } catch (ScriptError& error) {
-    if (error.end == 0) {
-      error.start = expression.start;
-      error.end = expression.end;
-    }
+    locate(error, expression);
     throw;
   }
 }

@@ -53,6 +53,7 @@ class Evaluator {
   Value value(const CloseAccess& command);
   Value value(const Delay& command);
 
+  void set(const PropertyOf& place, const Value& value);
   Value ownerOf(const ExpressionPtr& owner);
   bool exists(const Expression& expression);
 

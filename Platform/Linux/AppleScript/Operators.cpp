@@ -13,7 +13,7 @@ namespace {
 /// Integers beyond are reals.
 constexpr double kLargestInteger = 536870911;
 /// A script may double a text as often as it has lines.
-constexpr size_t kLongestText = size_t{64} << 20;
+constexpr size_t kLongestText = size_t{16} << 20;
 
 using Text = std::unique_ptr<char, decltype(&g_free)>;
 

@@ -20,44 +20,34 @@ constexpr Term kCommon[] = {
     {"running", Property::running},
 };
 
-constexpr Term kMusic[] = {
+// Of both Music and Spotify.
+constexpr Term kPlayer[] = {
     {"album", Property::album},
     {"artist", Property::artist},
-    {"artwork", Element::artwork},
     {"current track", Property::currentTrack},
     {"duration", Property::duration},
     {"next track", Command::next},
     {"pause", Command::pause},
     {"paused", Constant::paused},
-    {"persistent id", Property::persistentId},
     {"play", Command::play},
     {"player position", Property::playerPosition},
     {"player state", Property::playerState},
     {"playing", Constant::playing},
     {"playpause", Command::playPause},
     {"previous track", Command::previous},
-    {"raw data", Property::rawData},
-    {"stop", Command::stop},
     {"stopped", Constant::stopped},
 };
 
+constexpr Term kMusic[] = {
+    {"artwork", Element::artwork},
+    {"persistent id", Property::persistentId},
+    {"raw data", Property::rawData},
+    {"stop", Command::stop},
+};
+
 constexpr Term kSpotify[] = {
-    {"album", Property::album},
-    {"artist", Property::artist},
     {"artwork url", Property::artworkUrl},
-    {"current track", Property::currentTrack},
-    {"duration", Property::duration},
     {"id", Property::id},
-    {"next track", Command::next},
-    {"pause", Command::pause},
-    {"paused", Constant::paused},
-    {"play", Command::play},
-    {"player position", Property::playerPosition},
-    {"player state", Property::playerState},
-    {"playing", Constant::playing},
-    {"playpause", Command::playPause},
-    {"previous track", Command::previous},
-    {"stopped", Constant::stopped},
 };
 
 constexpr Term kVlc[] = {
@@ -79,37 +69,46 @@ constexpr Term kSystemEvents[] = {
     {"sleep", Command::sleep},
 };
 
+using Terms = std::span<const Term>;
+
 struct Known {
   Application application;
   std::string_view name;
-  std::span<const Term> terms;
+  Terms own;
+  /// Those that it has in common with another.
+  Terms shared;
 };
 
 constexpr Known kApplications[] = {
-    {Application::music, "Music", kMusic},
-    {Application::spotify, "Spotify", kSpotify},
-    {Application::vlc, "VLC", kVlc},
-    {Application::systemEvents, "System Events", kSystemEvents},
+    {Application::music, "Music", kMusic, kPlayer},
+    {Application::spotify, "Spotify", kSpotify, kPlayer},
+    {Application::vlc, "VLC", kVlc, {}},
+    {Application::systemEvents, "System Events", kSystemEvents, {}},
 };
 
 const Known& known(Application application) {
   return *std::ranges::find(kApplications, application, &Known::application);
 }
 
-template <typename Kind>
-std::string_view wordsOf(std::span<const Term> terms, Kind meaning) {
-  const auto found = std::ranges::find(terms, Meaning(meaning), &Term::meaning);
-  return found != terms.end() ? found->words : std::string_view();
+/// The first term that fits, of the application if there is one, or of every script; null for none.
+template <typename Fits>
+const Term* find(const Known* application, Fits fits) {
+  for (const Terms terms :
+       {application != nullptr ? application->own : Terms(),
+        application != nullptr ? application->shared : Terms(), Terms(kCommon)}) {
+    const auto found = std::ranges::find_if(terms, fits);
+    if (found != terms.end()) return &*found;
+  }
+  return nullptr;
 }
 
-template <typename Kind>
-std::string_view wordsAnywhere(Kind meaning) {
-  auto words = wordsOf(kCommon, meaning);
-  for (auto each = std::begin(kApplications); words.empty() && each != std::end(kApplications);
-       ++each) {
-    words = wordsOf(each->terms, meaning);
+std::string_view wordsOf(const Meaning& meaning) {
+  for (const Known& application : kApplications) {
+    const auto* term =
+        find(&application, [&](const Term& each) { return each.meaning == meaning; });
+    if (term != nullptr) return term->words;
   }
-  return words;
+  return {};
 }
 
 }  // namespace
@@ -127,20 +126,16 @@ std::string_view nameOf(Application application) {
 }
 
 std::string_view wordsOf(Property property) {
-  return wordsAnywhere(property);
+  return wordsOf(Meaning(property));
 }
 
 std::string_view wordsOf(Constant constant) {
-  return wordsAnywhere(constant);
+  return wordsOf(Meaning(constant));
 }
 
 const Term* findTerm(std::optional<Application> application, std::string_view words) {
-  const auto in = [words](std::span<const Term> terms) {
-    const auto found = std::ranges::find(terms, words, &Term::words);
-    return found != terms.end() ? &*found : nullptr;
-  };
-  const Term* term = application ? in(known(*application).terms) : nullptr;
-  return term != nullptr ? term : in(kCommon);
+  return find(application ? &known(*application) : nullptr,
+              [words](const Term& each) { return each.words == words; });
 }
 
 }  // namespace tapdeck::applescript

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <gio/gio.h>
+
+#include <functional>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "Tests/Desktop/ApplicationProcess.h"
+
+namespace tapdeck::testing {
+
+/// Whoever bears a name on a message bus. Answers on a thread of its own, so that the test may wait
+/// meanwhile.
+class BusPeer {
+ public:
+  /// The body of the reply, a tuple; null to leave the call unanswered.
+  using Answer = std::function<GVariant*(const std::string& method, GVariant* arguments)>;
+
+  BusPeer(const char* address, const std::string& name, Answer answer);
+  ~BusPeer();
+  BusPeer(const BusPeer&) = delete;
+  BusPeer& operator=(const BusPeer&) = delete;
+
+  /// The calls so far, such as "Pause()"; those for properties are left out.
+  std::vector<std::string> calls() const;
+  /// Leaves the bus, as a program does that ends.
+  void vanish();
+
+ private:
+  static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message,
+                              gboolean isIncoming, gpointer self);
+  void receive(GDBusMessage* call);
+
+  Answer _answer;
+  GDBusConnection* _connection;
+  guint _filter;
+  mutable std::mutex _mutex;
+  std::vector<std::string> _calls;
+};
+
+/// A media player of the session bus that is as the test says.
+class ScriptedPlayer {
+ public:
+  /// `name` is what follows "org.mpris.MediaPlayer2.".
+  explicit ScriptedPlayer(const std::string& name, const std::string& status = "Playing");
+
+  /// What it plays; the texts by their MPRIS names.
+  void load(std::map<std::string, std::string> texts);
+  /// From now on it answers nothing.
+  void hang();
+  /// It is gone after so many more answers.
+  void vanishAfter(int answers);
+  std::vector<std::string> calls() const { return _peer.calls(); }
+
+ private:
+  GVariant* answer(const std::string& method);
+  GVariant* properties() const;
+
+  mutable std::mutex _mutex;
+  std::string _status;
+  std::map<std::string, std::string> _texts{{"xesam:title", "Song"}};
+  bool _hangs = false;
+  int _answersLeft = -1;
+  BusPeer _peer;
+};
+
+/// A message bus of the test's own.
+class PrivateBus : public ChildProcess {
+ public:
+  PrivateBus();
+  const std::string& address() const { return _address; }
+
+ private:
+  std::string _address;
+};
+
+/// A sound server of the test's own with one output that nobody hears, at full volume.
+class SoundServer {
+ public:
+  SoundServer();
+
+ private:
+  TemporaryFolder _folder;
+  EnvironmentVariable _address;
+  ChildProcess _server;
+};
+
+}  // namespace tapdeck::testing

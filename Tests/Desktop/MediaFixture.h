@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "Tests/Desktop/ApplicationProcess.h"
+
+namespace tapdeck::testing {
+
+/// The interpreter's executable, from the command line.
+extern std::string interpreterProgram;
+
+/// Empty when there is no such file.
+std::string contentsOf(const std::filesystem::path& path);
+
+/// A real media player, mpv, that plays a minute of silence by the name "tone.wav".
+class RealPlayer {
+ public:
+  RealPlayer();
+
+ private:
+  std::filesystem::path makeTone() const;
+
+  TemporaryFolder _folder;
+  ChildProcess _player;
+};
+
+}  // namespace tapdeck::testing

@@ -1,0 +1,190 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <optional>
+
+#include "Engine/StandardCodec.h"
+#include "Platform/Linux/Call/HostConnection.h"
+#include "Platform/Linux/SessionFile.h"
+#include "Tests/Desktop/MediaBusPeer.h"
+#include "Tests/Desktop/MediaFixture.h"
+
+namespace tapdeck::testing {
+namespace {
+
+using std::chrono::steady_clock;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace fs = std::filesystem;
+
+struct RunningHost : ChildProcess {
+  RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
+    EXPECT_TRUE(awaitLine()) << errors();
+  }
+  ~RunningHost() {
+    send(SIGTERM);
+    EXPECT_EQ(status(), 0) << errors();
+    EXPECT_THAT(errors(), Not(HasSubstr("CRITICAL")));
+  }
+
+  size_t openFiles() const {
+    return static_cast<size_t>(std::distance(fs::directory_iterator(folder() / "fd"), {}));
+  }
+  /// Ended or not, as long as it has not looked at how they ended.
+  bool hasChildren() const {
+    return !contentsOf(folder() / "task" / std::to_string(id()) / "children").empty();
+  }
+
+ private:
+  fs::path folder() const { return "/proc/" + std::to_string(id()); }
+};
+
+std::string call(const std::string& method, const std::string& arguments = "null") {
+  return outputOf({callProgram, method, arguments});
+}
+
+std::string nowPlaying() {
+  return call("getNowPlaying", R"({"includeArt": true})");
+}
+
+TEST(MediaHostTest, ControlsARealPlayer) {
+  const RunningHost host;
+  EXPECT_EQ(nowPlaying(), "null\n");
+  const RealPlayer player;
+  EXPECT_TRUE(eventually([] {
+    return ::testing::Value(
+        nowPlaying(),
+        AllOf(HasSubstr(R"("title":"tone.wav")"), HasSubstr(R"("duration":60.0)"),
+              HasSubstr(R"("playing":true,"canSeek":true)"), HasSubstr(R"("app":"Music")")));
+  })) << nowPlaying();
+  EXPECT_EQ(call("mediaPlayPause"), "null\n");
+  EXPECT_TRUE(
+      eventually([] { return nowPlaying().find(R"("playing":false)") != std::string::npos; }));
+  EXPECT_EQ(call("mediaSeek", R"({"position": 42.5})"), "null\n");
+  EXPECT_TRUE(eventually([] {
+    return nowPlaying().find(R"("position":42.)") != std::string::npos;
+  })) << nowPlaying();
+}
+
+TEST(MediaHostTest, SendsTheCoverIfItIsOne) {
+  const TemporaryFolder folder;
+  const RunningHost host;
+  ScriptedPlayer player("music");
+  const auto playing = [&](const std::string& title, const std::string& bytes) {
+    std::ofstream(folder.path / "cover", std::ios::binary) << bytes;
+    player.load(
+        {{"xesam:title", title}, {"mpris:artUrl", "file://" + (folder.path / "cover").string()}});
+    return nowPlaying();
+  };
+  for (const auto& bytes : {std::string(), std::string("text"), std::string(20 << 20, 'x')}) {
+    EXPECT_THAT(playing("A\tB\nC", bytes),
+                AllOf(HasSubstr(R"("title":"A B C")"), Not(HasSubstr("\"art\""))));
+  }
+  EXPECT_THAT(playing("Song", "P6 1 1 255\n\x20\x80\xE0"), HasSubstr(R"("art":"/9j/)"));
+  EXPECT_EQ(playing("   ", ""), "null\n");
+}
+
+TEST(MediaHostTest, APlayerThatHangsHoldsNothingUpForLong) {
+  const RunningHost host;
+  ScriptedPlayer hanging("music");
+  hanging.hang();
+  const ScriptedPlayer other("vlc");
+  const auto start = steady_clock::now();
+  EXPECT_EQ(call("mediaNext"), "null\n");
+  EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(2500));
+  EXPECT_TRUE(eventually([&] { return !other.calls().empty(); }));
+  EXPECT_THAT(other.calls(), ElementsAre("Next()"));
+  EXPECT_THAT(nowPlaying(), HasSubstr(R"("app":"VLC")"));
+  EXPECT_TRUE(eventually([&] { return !host.hasChildren(); }));
+}
+
+/// Many calls over one connection.
+class Remote {
+ public:
+  explicit Remote() : _connection(readSession().value(), soon()) {}
+
+  void callAndWait(const std::string& method, int times) {
+    const Value payload(codec::encodeMethodCall({method, Value()}));
+    for (int64_t id = 1; id <= times; ++id) {
+      _connection.send(codec::encodeMessage(
+          Value(Value::List{Value(id), Value("com.tapdeck/control"), payload})));
+    }
+    for (int replies = 0; replies < times; ++replies) ASSERT_TRUE(_connection.receive(soon()));
+  }
+
+ private:
+  static steady_clock::time_point soon() { return steady_clock::now() + std::chrono::seconds(30); }
+  HostConnection _connection;
+};
+
+TEST(MediaHostTest, AThousandStepsOfTheVolumeLeaveNothingBehind) {
+  constexpr int kAtOnce = 20;
+  const SoundServer server;
+  const RunningHost host;
+  EXPECT_EQ(call("getVolumeLevel"), "100\n");
+  call("volumeMute");
+  call("volumeDown");
+  EXPECT_TRUE(eventually([] { return call("getVolumeLevel") == "90\n"; }));
+  EXPECT_TRUE(eventually([] {
+    return outputOf({"pactl", "get-sink-mute", "@DEFAULT_SINK@"}) == "Mute: yes\n";
+  }));
+  {
+    Remote remote;
+    const auto settled = [&host] { return !host.hasChildren(); };
+    ASSERT_TRUE(eventually(settled));
+    const size_t before = host.openFiles();
+    for (int calls = 0; calls < 1000; calls += kAtOnce) {
+      remote.callAndWait("volumeUp", kAtOnce);
+      ASSERT_TRUE(eventually(settled)) << "a child is left after " << calls;
+    }
+    EXPECT_TRUE(eventually([&] { return host.openFiles() <= before; }))
+        << host.openFiles() << " open files, before " << before;
+  }
+  EXPECT_EQ(call("getVolumeLevel"), "100\n");
+  EXPECT_THAT(host.errors(), Not(HasSubstr("AppleScript failed")));
+}
+
+TEST(MediaHostTest, LocksAndPowersByTheLoginManager) {
+  const PrivateBus system;
+  const EnvironmentVariable address("DBUS_SYSTEM_BUS_ADDRESS", system.address().c_str());
+  bool hangs = false;
+  const auto answer = [&hangs](const std::string&, GVariant*) {
+    return hangs ? nullptr : g_variant_new("()");
+  };
+  std::optional<BusPeer> manager(std::in_place, system.address().c_str(), "org.freedesktop.login1",
+                                 answer);
+  const RunningHost host;
+  for (const char* method : {"sleepSystem", "restartSystem", "shutdownSystem", "lockScreen"}) {
+    EXPECT_EQ(call(method), "null\n");
+  }
+  EXPECT_TRUE(eventually([&] { return manager->calls().size() == 4; }));
+  EXPECT_THAT(manager->calls(),
+              ElementsAre("Suspend(true,)", "Reboot(true,)", "PowerOff(true,)", "Lock()"));
+  EXPECT_THAT(host.output(),
+              HasSubstr("✅ AppleScript Executed: tell application \"System Events\" to sleep\n"));
+
+  hangs = true;
+  const auto start = steady_clock::now();
+  EXPECT_EQ(call("sleepSystem"), "null\n");
+  EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(2000));
+  manager.reset();
+  const BusPeer saver(std::getenv("DBUS_SESSION_BUS_ADDRESS"), "org.gnome.ScreenSaver",
+                      [](const std::string&, GVariant*) { return g_variant_new("()"); });
+  EXPECT_EQ(call("lockScreen"), "null\n");
+  EXPECT_TRUE(eventually([&] { return !saver.calls().empty(); }));
+  EXPECT_THAT(saver.calls(), ElementsAre("Lock()"));
+  EXPECT_EQ(call("restartSystem"), "null\n");
+  EXPECT_TRUE(eventually([&] {
+    return host.output().find(
+               "❌ AppleScript Execution Error: System Events got an error: "
+               "Application isn’t running.") != std::string::npos;
+  })) << host.output();
+}
+
+}  // namespace
+}  // namespace tapdeck::testing

@@ -1,0 +1,157 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "Runner/Media/PlayerScripts.h"
+#include "Tests/Support/Surroundings.h"
+#include "Tests/Unit/AppleScriptFixture.h"
+
+namespace tapdeck::applescript {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// The host's own programs.
+class AppleScriptProgramsTest : public AppleScriptTest {
+ protected:
+  static std::string fileContents(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+};
+
+constexpr Application kPlayers[] = {Application::music, Application::spotify, Application::vlc};
+
+TEST_F(AppleScriptProgramsTest, TellWhatPlaysInEachApplicationsUnits) {
+  for (const Application player : kPlayers) desktop.run(player, playing());
+  const std::string music = run(nowPlayingScript("Music"));
+  EXPECT_THAT(music, ::testing::MatchesRegex(
+                         "Song\tArtist\tAlbum\t215\\.0\t12\\.5\tplaying\t[0-9A-F]{16}"));
+  EXPECT_EQ(run(nowPlayingScript("Spotify")),
+            "Song\tArtist\tAlbum\t215000\t12.5\tplaying\tspotify:track:4uLU6");
+  EXPECT_EQ(run(nowPlayingScript("VLC")), "Song\t\t\t215\t12\ttrue\t/music/a song.ogg");
+  EXPECT_EQ(run(spotifyArtworkScript()), "file:///cover.jpg");
+
+  // a player that has one id for all it plays
+  desktop.players.at(Application::music).state.track->title = "Another";
+  const std::string another = run(nowPlayingScript("Music"));
+  EXPECT_NE(another.substr(another.rfind('\t')), music.substr(music.rfind('\t')));
+}
+
+TEST_F(AppleScriptProgramsTest, TellWhatIsKnownAndNothingElse) {
+  for (const Application player : kPlayers) {
+    PlayerState state = playing(Constant::paused);
+    *state.track = {.title = {},
+                    .artist =
+                        "a\tb\nc\x7F\xC2\x85"
+                        "d\xE2\x80\xA8",
+                    .album = {},
+                    .id = {},
+                    .url = "https://radio.example/live%20stream",
+                    .artUrl = {},
+                    .length = {}};
+    desktop.run(player, state);
+  }
+  EXPECT_THAT(run(nowPlayingScript("Music")),
+              ::testing::StartsWith("live%20stream\ta b c  d \t\t0.0\t12.5\tpaused\t"));
+  EXPECT_EQ(run(nowPlayingScript("Spotify")), "live%20stream\ta b c  d \t\t0\t12.5\tpaused\t");
+  EXPECT_EQ(run(nowPlayingScript("VLC")),
+            "live%20stream\t\t\t-1\t12\tfalse\thttps://radio.example/live%20stream");
+  desktop.players.at(Application::vlc).state.track->title = std::string(100000, 'x');
+  EXPECT_LT(run(nowPlayingScript("VLC")).size(), size_t{4096});
+}
+
+TEST_F(AppleScriptProgramsTest, AskForStateAndTrack) {
+  struct Case {
+    PlayerState state;
+    const char* isPlaying;
+    const char* hasTrack;
+  };
+  const std::vector<Case> cases = {{playing(), "true", "true"},
+                                   {playing(Constant::paused), "false", "true"},
+                                   {PlayerState(), "false", "false"}};
+  for (const char* name : {"Music", "Spotify", "VLC"}) {
+    const auto expectAll = [&](const char* isPlaying, const char* hasTrack, const char* what) {
+      EXPECT_EQ(run(stateScript(name)), isPlaying) << name << what;
+      EXPECT_EQ(run(trackScript(name)), hasTrack) << name << what;
+      EXPECT_EQ(run(nowPlayingScript(name)) != "none", hasTrack == std::string("true"))
+          << name << what;
+    };
+    expectAll("false", "false", " is not there");
+    auto& player = desktop.run(applicationNamed(name).value());
+    for (const auto& [state, isPlaying, hasTrack] : cases) {
+      player.state = state;
+      expectAll(isPlaying, hasTrack, " answers");
+    }
+    player.state = playing();
+    player.failure = ScriptError{kTimedOut, "AppleEvent timed out.", ""};
+    expectAll("false", "false", " does not answer");
+  }
+}
+
+TEST_F(AppleScriptProgramsTest, CommandPlayersAndTheMachine) {
+  for (const Application player : kPlayers) desktop.run(player, playing());
+  const auto is = [](Command command) { return std::to_string(static_cast<int>(command)); };
+  struct Case {
+    std::string source;
+    std::string trace;
+  };
+  const std::vector<Case> cases = {
+      {commandScript("Music", "playpause"), "command " + is(Command::playPause)},
+      {commandScript("Spotify", "next track"), "command " + is(Command::next)},
+      {commandScript("VLC", "play"), "command " + is(Command::playPause)},
+      {commandScript("VLC", "previous"), "command " + is(Command::previous)},
+      {commandScript("Music", "set player position to 42.5"), "seek 42500000"},
+      {commandScript("Music", "set player position to 1e+16"), "seek 1000000000000000000"},
+      {commandScript("VLC", "set current time to 83"), "seek 83000000"},
+      {commandScript("VLC", "set current time to 9223372036854775807"), "seek 1000000000000000000"},
+      {"tell application \"System Events\" to sleep", "power " + is(Command::sleep)},
+      {"tell application \"System Events\" to shut down", "power " + is(Command::shutDown)},
+      {"tell application \"System Events\" to restart", "power " + is(Command::restart)},
+  };
+  for (const auto& [source, trace] : cases) {
+    desktop.trace.clear();
+    EXPECT_EQ(run(source), "") << source;
+    EXPECT_THAT(desktop.trace, ElementsAre(trace)) << source;
+  }
+}
+
+TEST_F(AppleScriptProgramsTest, WriteTheCoverToAFile) {
+  const TemporaryFolder folder;
+  const std::filesystem::path path = folder.path / "cover.bin";
+  std::ofstream(path) << "what was there before";
+  EXPECT_EQ(run(artworkScript("Music", path)), "none") << "no player";
+  auto& player = desktop.run(Application::music, playing());
+  EXPECT_EQ(run(artworkScript("Music", path)), "ok");
+  EXPECT_EQ(fileContents(path), std::string("\xFF\xD8\0\xFF", 4));
+  EXPECT_EQ(run(artworkScript("Music", folder.path / "nowhere" / "cover.bin")), "none");
+  const std::filesystem::path link = folder.path / "link";
+  std::filesystem::create_symlink(path, link);
+  EXPECT_EQ(run(artworkScript("Music", link)), "none") << "may be another user's trap";
+  for (const char* url : {"", "file:///gone.jpg"}) {
+    player.state.track->artUrl = url;
+    EXPECT_EQ(run(artworkScript("Music", path)), "none") << url;
+  }
+}
+
+TEST_F(AppleScriptProgramsTest, BrokenProgramsDoNoHarm) {
+  desktop.run(Application::music, playing());
+  const std::string whole = nowPlayingScript("Music");
+  for (size_t place = 0; place < whole.size(); ++place) {
+    run(whole.substr(0, place));
+    for (const char other : {'\0', '"', '('}) {
+      std::string broken = whole;
+      broken[place] = other;
+      run(broken);
+    }
+  }
+  EXPECT_THAT(desktop.trace, IsEmpty());
+}
+
+}  // namespace
+}  // namespace tapdeck::applescript
