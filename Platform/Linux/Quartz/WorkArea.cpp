@@ -81,7 +81,7 @@ void applyDesktopWorkArea(Connection& connection, Edges& area) {
 }  // namespace
 
 Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
-                   int height) {
+                    int height) {
   const Edges whole = areaOf(monitor);
   Edges left = whole;
   for (const Strut& strut : struts) apply(strut, whole, width, height, left);

@@ -23,7 +23,8 @@ struct Strut {
 };
 
 /// What the struts leave of the monitor's area. `width` and `height` are the root window's.
-Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width, int height);
+Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
+                    int height);
 
 /// The part of the monitor that panels and the window manager leave free now. Main thread only.
 Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor);
