@@ -123,7 +123,7 @@ TEST_F(MediaPlayersTest, DetachedFailuresAreLoggedAndNothingElseIs) {
        {"read pipe", "log ⚠️ AppleScript failed (status 1): 12:20: execution error\n"}},
       {{"", "\xFF", 15}, {"read pipe", "log ⚠️ AppleScript failed (status 15): "}}};
   for (const auto& [child, told] : ends) {
-    script().media.childFor = [child = child](const auto&) { return child; };
+    script().media.childFor = [end = child](const auto&) { return end; };
     reply("volumeUp");
     trace();
     recording::endChildren();

@@ -103,7 +103,7 @@ std::optional<std::string> Task::launchAndReturnError() {
   if (_process->output) _process->output->_ends->data = child.output;
   if (_process->errors) _process->errors->_ends->data = child.errors;
   if (_process->handler) {
-    queued().childEnds.push_back(
+    queued().childEnds.emplace_back(
         [handler = _process->handler, status = child.status] { handler(status); });
   }
   return std::nullopt;
@@ -134,14 +134,14 @@ std::shared_ptr<AppleScript> appleScriptWithSource(const std::string& source) {
   return std::make_shared<AppleScript>(AppleScript{source});
 }
 
-std::optional<std::string> executeAppleScript(AppleScript& program) {
-  record("execute " + program.source);
-  return script().media.appleScriptError;
+std::optional<std::string> executeAppleScript(AppleScript& script) {
+  record("execute " + script.source);
+  return recording::script().media.appleScriptError;
 }
 
 void startDataTask(const URL& url, double timeoutInterval, DataCompletion completed) {
   record("download " + url.text + " within " + std::to_string(timeoutInterval));
-  queued().downloads.push_back(
+  queued().downloads.emplace_back(
       [completed = std::move(completed)] { completed(script().media.download); });
 }
 
