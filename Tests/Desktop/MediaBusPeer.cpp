@@ -76,8 +76,8 @@ void BusPeer::receive(GDBusMessage* call) {
   g_object_unref(reply);
 }
 
-ScriptedPlayer::ScriptedPlayer(const std::string& name, const std::string& status)
-    : _status(status),
+ScriptedPlayer::ScriptedPlayer(const std::string& name, std::string status)
+    : _status(std::move(status)),
       _peer(std::getenv("DBUS_SESSION_BUS_ADDRESS"), kPrefix + name,
             [this](const std::string& method, GVariant*) { return answer(method); }) {}
 

@@ -45,7 +45,7 @@ class BusPeer {
 class ScriptedPlayer {
  public:
   /// `name` is what follows "org.mpris.MediaPlayer2.".
-  explicit ScriptedPlayer(const std::string& name, const std::string& status = "Playing");
+  explicit ScriptedPlayer(const std::string& name, std::string status = "Playing");
 
   /// What it plays; the texts by their MPRIS names.
   void load(std::map<std::string, std::string> texts);

@@ -33,7 +33,7 @@ std::filesystem::path RealPlayer::makeTone() const {
       "RIFF\x24\x53\x07\0WAVEfmt "
       "\x10\0\0\0\1\0\1\0\x40\x1F\0\0\x40\x1F\0\0\1\0\x08\0data\0\x53\x07\0",
       44);
-  const auto path = _folder.path / "tone.wav";
+  auto path = _folder.path / "tone.wav";
   std::ofstream(path, std::ios::binary) << kHeader << std::string(kSize, '\x80');
   return path;
 }

@@ -144,9 +144,9 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
   for (const auto& [url, reply, bytes] : cases) {
     player.load({{"xesam:title", "Song"}, {"mpris:artUrl", url}});
     std::filesystem::remove(cover);
-    const auto time = timeOf([&, expected = reply + "\n"] {
-      EXPECT_EQ(run(artworkScript("Music", cover)), expected) << url.substr(0, 99);
-    });
+    std::string outcome;
+    const auto time = timeOf([&] { outcome = run(artworkScript("Music", cover)); });
+    EXPECT_EQ(outcome, reply + "\n") << url.substr(0, 99);
     EXPECT_LT(time, milliseconds(3000)) << url.substr(0, 99);
     EXPECT_EQ(contentsOf(cover), bytes) << url.substr(0, 99);
   }

@@ -45,7 +45,7 @@ class ScriptedDesktop : public Desktop {
   }
   std::string picture(const std::string& url) override {
     if (url != "file:///cover.jpg") throw ScriptError{kNotFound, "No picture.", ""};
-    return std::string("\xFF\xD8\0\xFF", 4);
+    return {"\xFF\xD8\0\xFF", 4};
   }
 
   ScriptedPlayer& run(Application application, PlayerState state = {}) {

@@ -42,14 +42,14 @@ TEST_F(AppleScriptLanguageTest, TextsAreQuotedJoinedAndCompared) {
   expect({{R"("a\"b\\c\td\n")", "a\"b\\c\td\n"},
           {"\"a\" & tab & 1 & true & missing value", "a\t1truemissing value"},
           {"\"Ä\" = \"ä\" and \"a\" is not \"b\"", "true"},
-          {"\"abc\" contains \"B\" and \"abc\" starts with \"AB\"", "true"},
+          {R"("abc" contains "B" and "abc" starts with "AB")", "true"},
           {"1 = 1.0 and 1 is not \"1\"", "true"},
           {"2 ≥ 1 and 1 is less than or equal to 1 and not (1 > 2)", "true"},
           {"\"TRUE\" as boolean", "(-1700)"},
           {"\"a\" ¬ \r\n & \"b\" -- joined", "ab"},
           {"(* a (* nested *) comment *) \"x\" # and another", "x"},
           {"\"open", "(-2741)"},
-          {"\"\\q\"", "(-2741)"},
+          {R"("\q")", "(-2741)"},
           {"\"\xFF\"", "(-2741)"}});
 }
 
@@ -85,7 +85,7 @@ TEST_F(AppleScriptLanguageTest, WordsBelongToApplications) {
           {"tell application \"Winamp\" to play", "(-1728)"},
           {"tell application \"Spotify\" to play", "(-600)"},
           {"application \"Spotify\" is running", "false"},
-          {"tell application \"Music\" to set name of current track to \"x\"", "(-10006)"},
+          {R"(tell application "Music" to set name of current track to "x")", "(-10006)"},
           {"tell application \"Music\" to get raw data of current track", "(-1728)"},
           {"tell application \"Music\" to exists artwork 2 of current track", "false"},
           {"tell application \"Music\" to get current track",

@@ -49,7 +49,7 @@ class Lexer {
 
   /// Takes one character.
   std::string_view take() {
-    const size_t size = static_cast<size_t>(g_utf8_next_char(_rest.data()) - _rest.data());
+    const auto size = static_cast<size_t>(g_utf8_next_char(_rest.data()) - _rest.data());
     const auto taken = _rest.substr(0, size);
     _rest.remove_prefix(size);
     ++_place;
@@ -199,7 +199,7 @@ class Lexer {
 
   void readSymbol() {
     const size_t start = _place;
-    const auto symbol =
+    const auto* symbol =
         std::ranges::find_if(kSymbols, [this](std::string_view each) { return accept(each); });
     if (symbol == std::end(kSymbols)) fail("found unknown token");
     add(Token::Kind::symbol, start, std::string(*symbol));
