@@ -32,6 +32,10 @@ struct ContextRecord {
   size_t stride;
 };
 
+struct DestinationRecord {
+  CFMutableDataRef data;
+};
+
 ScreenImages& images() {
   return tapdeck::recording::script().images;
 }
@@ -123,7 +127,7 @@ CGImageDestinationRef CGImageDestinationCreateWithData(CFMutableDataRef data, CF
   record((CFEqual(type, jpeg) != 0 ? "JPEG of " : "something else of ") + std::to_string(count));
   CFRelease(jpeg);
   if (fails("CGImageDestinationCreateWithData")) return nullptr;
-  return makeObject<CGImageDestinationRef>(data);
+  return makeObject<CGImageDestinationRef>(DestinationRecord{data});
 }
 
 void CGImageDestinationAddImage(CGImageDestinationRef, CGImageRef image,
@@ -141,7 +145,7 @@ void CGImageDestinationAddImage(CGImageDestinationRef, CGImageRef image,
 bool CGImageDestinationFinalize(CGImageDestinationRef destination) {
   record("finalise");
   if (fails("CGImageDestinationFinalize")) return false;
-  CFDataAppendBytes(contentOf<CFMutableDataRef>(destination), images().jpeg.data(),
+  CFDataAppendBytes(contentOf<DestinationRecord>(destination).data, images().jpeg.data(),
                     static_cast<CFIndex>(images().jpeg.size()));
   return true;
 }
