@@ -1,5 +1,4 @@
 #include <CoreGraphics/CoreGraphics.h>
-#include <ImageIO/ImageIO.h>
 #include <gtest/gtest.h>
 #include <turbojpeg.h>
 
@@ -11,6 +10,7 @@
 #include "Platform/Linux/Permissions.h"
 #include "Platform/Linux/Quartz/Images/AreaScaler.h"
 #include "Platform/Linux/Quartz/WindowServer.h"
+#include "Runner/Display/ScreenCapture.h"
 #include "Runner/Owned.h"
 #include "Tests/Desktop/Observer.h"
 #include "Tests/Desktop/PrivateServer.h"
@@ -176,25 +176,10 @@ class TwoMonitorsTest : public ::testing::Test {
   CGDirectDisplayID left, right;
 };
 
-Owned<CFMutableDataRef> jpegOf(CGImageRef image, double quality) {
-  const Owned type(CFStringCreateWithCString(nullptr, "public.jpeg", kCFStringEncodingUTF8));
-  const Owned number(CFNumberCreate(nullptr, kCFNumberDoubleType, &quality));
-  const void* keys[] = {kCGImageDestinationLossyCompressionQuality};
-  const void* values[] = {number.get()};
-  const Owned properties(CFDictionaryCreate(
-      nullptr, keys, values, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-  Owned data(CFDataCreateMutable(nullptr, 0));
-  const Owned destination(CGImageDestinationCreateWithData(data.get(), type.get(), 1, nullptr));
-  EXPECT_FALSE(CGImageDestinationFinalize(destination.get()));
-  CGImageDestinationAddImage(destination.get(), image, properties.get());
-  EXPECT_TRUE(CGImageDestinationFinalize(destination.get()));
-  return data;
-}
-
 struct Decoded {
-  explicit Decoded(CFDataRef file) {
-    const auto* bytes = CFDataGetBytePtr(file);
-    const auto size = static_cast<unsigned long>(CFDataGetLength(file));
+  explicit Decoded(const Value::Bytes& file) {
+    const auto* bytes = file.data();
+    const auto size = static_cast<unsigned long>(file.size());
     const std::unique_ptr<void, decltype(&tjDestroy)> reader(tjInitDecompress(), &tjDestroy);
     int colours = 0;
     tjDecompressHeader3(reader.get(), bytes, size, &width, &height, &sampling, &colours);
@@ -213,23 +198,38 @@ struct Decoded {
   Pixels pixels;
 };
 
-TEST_F(TwoMonitorsTest, ShowInJpegWhatIsOnThem) {
-  const auto shown = [](CGDirectDisplayID display, size_t width, size_t height, double quality) {
-    const auto context = draw(capture(display).get(), width, height);
-    return jpegOf(Owned(CGBitmapContextCreateImage(context.get())).get(), quality);
+TEST_F(TwoMonitorsTest, ReachThePhoneAsTheyAre) {
+  MainFlutterWindow host;
+  const auto answer = [&](CGDirectDisplayID display, int64_t maxWidth, int64_t quality = 60) {
+    return captureScreen(
+        host, {.display = std::to_string(display), .maxWidth = maxWidth, .quality = quality});
   };
-  const Decoded ofLeft(shown(left, 500, 400, 0.6).get());
+  const auto jpeg = [&](auto... request) {
+    return *answer(request...).find("jpeg")->template getIf<Value::Bytes>();
+  };
+  const ValueMap unchanged{{"unchanged", Value(true)}};
+  const Decoded ofLeft(jpeg(left, 500));
   EXPECT_EQ(std::tuple(ofLeft.width, ofLeft.height, ofLeft.sampling),
             std::tuple(500, 400, int{TJSAMP_420}));
   ofLeft.expect(100, 100, 0xe02010);
   ofLeft.expect(40, 40, 0x203040);
   ofLeft.expect(160, 100, 0x203040);
-  const Decoded ofRight(shown(right, 1400, 800, 0.95).get());
+  EXPECT_EQ(answer(left, 500), unchanged);
+  painter.fill({0, 400, 90, 90}, 0x203044);
+  EXPECT_EQ(answer(left, 500), unchanged) << "no more than what may differ unseen";
+  painter.fill({0, 400, 2, 2}, 0x203045);
+  Decoded(jpeg(left, 500)).expect(40, 40, 0x203044);
+
+  const Decoded ofRight(jpeg(right, 1400, 95));
   ofRight.expect(1005, 205, 0x10c0f0);
   ofRight.expect(1195, 395, 0x10c0f0);
   ofRight.expect(990, 300, 0x203040);
-  EXPECT_LT(CFDataGetLength(shown(right, 1400, 800, 0.2).get()),
-            CFDataGetLength(shown(right, 1400, 800, 0.95).get()));
+  resetScreenCapture(host);
+  const auto small = jpeg(right, 1400, 20);
+  resetScreenCapture(host);
+  EXPECT_LT(small.size(), jpeg(right, 1400, 95).size());
+  resetScreenCapture(host);
+  EXPECT_EQ(answer(7, 500), (ValueMap{{"error", Value("no_display")}}));
 }
 
 TEST_F(TwoMonitorsTest, AreNeitherGrabbedNorScaledAgainWhileStill) {

@@ -2,7 +2,8 @@
 pkg_check_modules(IMAGES_TESTS REQUIRED IMPORTED_TARGET xcb xcb-render xcb-shm gio-2.0 libturbojpeg)
 add_executable(images_tests
   ApplicationProcess.cpp ImagesTest.cpp Observer.cpp PrivateServer.cpp ScreenPainter.cpp)
-target_link_libraries(images_tests PRIVATE tapdeck_quartz tapdeck_usersettings
+target_link_libraries(images_tests PRIVATE tapdeck_runner_display tapdeck_window tapdeck_platform
+                                           tapdeck_usersettings
                                            PkgConfig::IMAGES_TESTS GTest::gtest_main)
 add_test(NAME images_tests
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/../Support/with-desktop $<TARGET_FILE:images_tests>)
