@@ -5,16 +5,12 @@ add_executable(Tapdeck MACOSX_BUNDLE main.mm AppDelegate.mm MainFlutterWindowMac
 tapdeck_objective_cxx(Tapdeck)
 target_link_libraries(Tapdeck PRIVATE tapdeck_runner tapdeck_platform)
 set_target_properties(Tapdeck PROPERTIES
-  MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/Resources/Info.plist.in
-  MACOSX_BUNDLE_GUI_IDENTIFIER ${TAPDECK_BUNDLE_IDENTIFIER}
-  MACOSX_BUNDLE_SHORT_VERSION_STRING ${PROJECT_VERSION}
-  MACOSX_BUNDLE_BUNDLE_VERSION ${PROJECT_VERSION})
+  MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/Resources/Info.plist.in)
 
 tapdeck_interface_file(Tapdeck Resources/MainMenu.xib)
+tapdeck_icon(Tapdeck Resources/Tapdeck.svg)
 
 get_target_property(frameworks tapdeck_flutter TAPDECK_FRAMEWORKS)
 tapdeck_embed_frameworks(Tapdeck ${frameworks})
-
-set(entitlements ${CMAKE_CURRENT_SOURCE_DIR}/Resources/Tapdeck.entitlements)
-set_property(TARGET Tapdeck APPEND PROPERTY LINK_DEPENDS ${entitlements})
-tapdeck_sign(Tapdeck $<TARGET_BUNDLE_DIR:Tapdeck> --entitlements ${entitlements})
+tapdeck_seal(Tapdeck Resources/Tapdeck.entitlements)
+tapdeck_archive(Tapdeck)
