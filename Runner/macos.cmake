@@ -1,7 +1,7 @@
 # Tapdeck.app: the process entry and the classes that the main interface file names, over the host.
 include(MacosApplication)
 
-add_executable(Tapdeck MACOSX_BUNDLE main.mm AppDelegate.mm MainFlutterWindowMac.mm)
+add_executable(Tapdeck MACOSX_BUNDLE main.mm AppDelegate.mm ConstantsMac.mm MainFlutterWindowMac.mm)
 tapdeck_objective_cxx(Tapdeck)
 target_link_libraries(Tapdeck PRIVATE tapdeck_runner tapdeck_platform)
 set_target_properties(Tapdeck PROPERTIES
@@ -13,4 +13,4 @@ tapdeck_icon(Tapdeck Resources/Tapdeck.svg)
 get_target_property(frameworks tapdeck_flutter TAPDECK_FRAMEWORKS)
 tapdeck_embed_frameworks(Tapdeck ${frameworks})
 tapdeck_seal(Tapdeck Resources/Tapdeck.entitlements)
-tapdeck_archive(Tapdeck)
+tapdeck_archive(Tapdeck ${frameworks})

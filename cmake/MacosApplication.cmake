@@ -100,15 +100,19 @@ function(tapdeck_seal target entitlements)
   tapdeck_sign(${target} $<TARGET_BUNDLE_DIR:${target}> --entitlements ${entitlements})
 endfunction()
 
-# tapdeck_archive(TARGET): the target tapdeck_package, which packs the application into one file.
+# tapdeck_archive(TARGET FRAMEWORKS...): the target tapdeck_package, which checks the application with
+# the frameworks that it carries and packs it into one file.
 function(tapdeck_archive target)
   set(archive ${CMAKE_BINARY_DIR}/${target}-${TAPDECK_VERSION}.zip)
+  list(TRANSFORM ARGN REPLACE "^.*/([^/]+)\\.framework$" "\\1" OUTPUT_VARIABLE names)
   if(TAPDECK_DITTO)
     set(pack ${TAPDECK_DITTO} -c -k --keepParent ${target}.app ${archive})
   else()
     set(pack ${CMAKE_COMMAND} -E tar cf ${archive} --format=zip ${target}.app)
   endif()
   add_custom_target(tapdeck_package
+                    COMMAND ${CMAKE_SOURCE_DIR}/cmake/check-bundle $<TARGET_BUNDLE_DIR:${target}>
+                            "${CMAKE_OSX_SYSROOT}" ${names}
                     COMMAND ${CMAKE_COMMAND} -E rm -f ${archive}
                     COMMAND ${pack}
                     WORKING_DIRECTORY $<TARGET_BUNDLE_DIR:${target}>/..

@@ -59,5 +59,7 @@ set_target_properties(tapdeck_flutter PROPERTIES TAPDECK_FRAMEWORKS "${embedded}
 function(tapdeck_objective_cxx target)
   set_target_properties(${target} PROPERTIES OBJCXX_STANDARD 20 OBJCXX_STANDARD_REQUIRED ON
                                              OBJCXX_EXTENSIONS OFF)
-  target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:OBJCXX>:-fobjc-arc>)
+  target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:OBJCXX>:
+    -fobjc-arc -Wnullable-to-nonnull-conversion -Wnullability-completeness -Wobjc-missing-property-synthesis
+    -Wstrict-selector-match -Wundeclared-selector -Wimplicit-retain-self -Warc-repeated-use-of-weak>)
 endfunction()
