@@ -9,8 +9,11 @@ set_target_properties(Tapdeck PROPERTIES
 
 tapdeck_interface_file(Tapdeck Resources/MainMenu.xib)
 tapdeck_icon(Tapdeck Resources/Tapdeck.svg)
+foreach(file ${TAPDECK_EXTRA_RESOURCES})
+  tapdeck_bundle_resource(Tapdeck ${file})
+endforeach()
 
 get_target_property(frameworks tapdeck_flutter TAPDECK_FRAMEWORKS)
 tapdeck_embed_frameworks(Tapdeck ${frameworks})
-tapdeck_seal(Tapdeck Resources/Tapdeck.entitlements)
+tapdeck_seal(Tapdeck)
 tapdeck_archive(Tapdeck ${frameworks})

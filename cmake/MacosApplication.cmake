@@ -87,17 +87,16 @@ function(tapdeck_embed_frameworks target)
   target_link_options(${target} PRIVATE "LINKER:-rpath,@executable_path/../Frameworks")
 endfunction()
 
-# tapdeck_seal(TARGET ENTITLEMENTS): signs the whole application, as the last step of building it.
-function(tapdeck_seal target entitlements)
-  set(entitlements ${CMAKE_CURRENT_SOURCE_DIR}/${entitlements})
-  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${entitlements})
+# tapdeck_seal(TARGET): signs the whole application, as the last step of building it.
+function(tapdeck_seal target)
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${TAPDECK_ENTITLEMENTS})
   if(TAPDECK_PROVISIONING_PROFILE)
     add_custom_command(TARGET ${target} POST_BUILD
                        COMMAND ${CMAKE_COMMAND} -E copy ${TAPDECK_PROVISIONING_PROFILE}
                                $<TARGET_BUNDLE_CONTENT_DIR:${target}>/embedded.provisionprofile
                        VERBATIM)
   endif()
-  tapdeck_sign(${target} $<TARGET_BUNDLE_DIR:${target}> --entitlements ${entitlements})
+  tapdeck_sign(${target} $<TARGET_BUNDLE_DIR:${target}> --entitlements ${TAPDECK_ENTITLEMENTS})
 endfunction()
 
 # tapdeck_archive(TARGET FRAMEWORKS...): the target tapdeck_package, which checks the application with

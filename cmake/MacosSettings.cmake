@@ -11,5 +11,9 @@ set(TAPDECK_SIGNING_IDENTITY "-" CACHE STRING
     "Certificate to sign with, which names the team too; \"-\" signs for this Mac only")
 set(TAPDECK_PROVISIONING_PROFILE "" CACHE FILEPATH
     "Profile that allows the entitlements to this identity, where it asks for one")
+set(TAPDECK_ENTITLEMENTS "${CMAKE_SOURCE_DIR}/Runner/Resources/Tapdeck.entitlements" CACHE FILEPATH
+    "What the application asks the system to be allowed")
+set(TAPDECK_EXTRA_RESOURCES "" CACHE STRING
+    "Files that the plug-ins want in the application's resources, such as GoogleService-Info.plist")
 set(TAPDECK_FLUTTER_DIR "" CACHE PATH
     "Folder of a Flutter build: FlutterMacOS, App and the plug-ins as .framework or .xcframework")
