@@ -39,9 +39,8 @@ endforeach()
 set(CMAKE_CXX_FLAGS_INIT "-stdlib++-isystem ${MACOS_SYSROOT}/usr/include/c++/v1")
 set(CMAKE_OBJCXX_FLAGS_INIT "${CMAKE_CXX_FLAGS_INIT}")
 # the SDK's stubs of the C and C++ libraries list no symbols; cmake/check-macos looks at what is left
-foreach(kind EXE MODULE SHARED)
-  set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,-undefined,dynamic_lookup")
-endforeach()
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld -Wl,-undefined,dynamic_lookup")
+set(CMAKE_MODULE_LINKER_FLAGS "${CMAKE_EXE_LINKER_FLAGS_INIT}")
 
 # nothing that is built can run here
 set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)
