@@ -4,8 +4,11 @@ include(MacosApplication)
 add_executable(Tapdeck MACOSX_BUNDLE main.mm AppDelegate.mm ConstantsMac.mm MainFlutterWindowMac.mm)
 tapdeck_objective_cxx(Tapdeck)
 target_link_libraries(Tapdeck PRIVATE tapdeck_runner tapdeck_platform)
-set_target_properties(Tapdeck PROPERTIES
-  MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_SOURCE_DIR}/Resources/Info.plist.in)
+# filled in here, so that another setting asks for another signature
+set(properties ${CMAKE_CURRENT_BINARY_DIR}/Info.plist)
+configure_file(Resources/Info.plist.in ${properties})
+set_target_properties(Tapdeck PROPERTIES MACOSX_BUNDLE_INFO_PLIST ${properties})
+set_property(TARGET Tapdeck APPEND PROPERTY LINK_DEPENDS ${properties})
 
 tapdeck_interface_file(Tapdeck Resources/MainMenu.xib)
 tapdeck_icon(Tapdeck Resources/Tapdeck.svg)

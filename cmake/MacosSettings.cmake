@@ -1,10 +1,14 @@
 # What is left to who builds the Mac application, in one place. Every one has a default that works
 # for trying the application on the Mac that builds it; docs/MACOS.md says when to set which.
 
-set(TAPDECK_VERSION "${PROJECT_VERSION}" CACHE STRING
-    "Version that the application shows, such as 1.2.3")
-set(TAPDECK_BUILD_NUMBER "${TAPDECK_VERSION}" CACHE STRING
-    "Number that grows with every build that is given away")
+set(TAPDECK_VERSION "" CACHE STRING "Version that the application shows, such as 1.2.3; else the project's")
+set(TAPDECK_BUILD_NUMBER "" CACHE STRING "Number that grows with every build given away; else the version")
+if(NOT TAPDECK_VERSION)
+  set(TAPDECK_VERSION ${PROJECT_VERSION})
+endif()
+if(NOT TAPDECK_BUILD_NUMBER)
+  set(TAPDECK_BUILD_NUMBER ${TAPDECK_VERSION})
+endif()
 # The login item's helper of versions before macOS 13 is named after it, so it has no setting.
 set(TAPDECK_BUNDLE_IDENTIFIER "com.tapdeck.host" CACHE STRING "The application's bundle identifier")
 set(TAPDECK_SIGNING_IDENTITY "-" CACHE STRING
