@@ -1,16 +1,25 @@
-# What makes an executable target a macOS application: its main interface file, the frameworks that
-# it carries, its signature.
+# What makes an executable target a macOS application: its main interface file, its icon, the
+# frameworks that it carries, its signature, and the archive that is given away.
 
-set(TAPDECK_BUNDLE_IDENTIFIER "com.tapdeck.host" CACHE STRING "The application's bundle identifier")
-set(TAPDECK_SIGNING_IDENTITY "-" CACHE STRING "Identity to sign with; \"-\" signs for this Mac only")
 find_program(TAPDECK_IBTOOL ibtool)
 find_program(TAPDECK_CODESIGN codesign)
+find_program(TAPDECK_DITTO ditto)
+find_program(TAPDECK_RSVG_CONVERT rsvg-convert)
+
+# tapdeck_bundle_resource(TARGET FILE): puts a file into the application's resources. A changed one
+# asks for a new signature, which follows linking.
+function(tapdeck_bundle_resource target file)
+  set_source_files_properties(${file} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
+  target_sources(${target} PRIVATE ${file})
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${file})
+endfunction()
 
 # tapdeck_interface_file(TARGET XIB): compiles the interface file into the application.
 function(tapdeck_interface_file target xib)
   cmake_path(GET xib STEM name)
-  set(source ${CMAKE_CURRENT_SOURCE_DIR}/${xib})
+  set(interface ${CMAKE_CURRENT_SOURCE_DIR}/${xib})
   if(TAPDECK_IBTOOL)
+    set(source ${interface})
     set(interface ${CMAKE_CURRENT_BINARY_DIR}/${name}.nib)
     add_custom_command(
       OUTPUT ${interface}
@@ -20,41 +29,93 @@ function(tapdeck_interface_file target xib)
       COMMENT "Compiling ${xib}"
       VERBATIM)
   else()
-    set(interface ${source})
-    add_custom_command(
-      TARGET ${target} POST_BUILD
-      COMMAND ${CMAKE_COMMAND} -E echo
-              "No ibtool here: ${target}.app holds ${name}.xib uncompiled. It is for checking only and does not start."
-      VERBATIM)
+    message(STATUS "No ibtool here (it comes with Xcode): ${target}.app is for checking only and does not start")
   endif()
-  set_source_files_properties(${interface} PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
-  target_sources(${target} PRIVATE ${interface})
-  # a changed interface file asks for a new signature
-  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${interface})
+  tapdeck_bundle_resource(${target} ${interface})
+endfunction()
+
+# tapdeck_icon(TARGET SVG): draws the application's icon.
+function(tapdeck_icon target drawing)
+  if(NOT TAPDECK_RSVG_CONVERT)
+    message(FATAL_ERROR "The icon needs rsvg-convert (brew install librsvg; Debian: librsvg2-bin)")
+  endif()
+  cmake_path(GET drawing STEM name)
+  set(source ${CMAKE_CURRENT_SOURCE_DIR}/${drawing})
+  set(icon ${CMAKE_CURRENT_BINARY_DIR}/${name}.icns)
+  add_custom_command(
+    OUTPUT ${icon}
+    COMMAND ${CMAKE_SOURCE_DIR}/cmake/make-icns ${source} ${icon}
+    DEPENDS ${source} ${CMAKE_SOURCE_DIR}/cmake/make-icns
+    COMMENT "Drawing ${name}.icns"
+    VERBATIM)
+  tapdeck_bundle_resource(${target} ${icon})
+endfunction()
+
+# tapdeck_sign(TARGET BUNDLE [CODESIGN_OPTIONS...]): signs the bundle after the target is built.
+# What is inside a bundle must be signed before it.
+function(tapdeck_sign target bundle)
+  if(NOT TAPDECK_CODESIGN)
+    return()
+  endif()
+  set(options --force --sign ${TAPDECK_SIGNING_IDENTITY})
+  if(NOT TAPDECK_SIGNING_IDENTITY STREQUAL "-")
+    list(APPEND options --timestamp --options runtime) # what Apple's notary asks for
+  endif()
+  add_custom_command(TARGET ${target} POST_BUILD
+                     COMMAND ${TAPDECK_CODESIGN} ${options} ${ARGN} ${bundle}
+                     VERBATIM)
 endfunction()
 
 # tapdeck_embed_frameworks(TARGET FRAMEWORKS...): copies the frameworks to where the application
 # looks for them, signed like itself.
 function(tapdeck_embed_frameworks target)
   set(folder $<TARGET_BUNDLE_CONTENT_DIR:${target}>/Frameworks)
+  add_custom_command(TARGET ${target} POST_BUILD
+                     COMMAND ${CMAKE_COMMAND} -E rm -rf ${folder}
+                     COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+                     VERBATIM)
   foreach(framework ${ARGN})
-    cmake_path(GET framework FILENAME name)
+    cmake_path(GET framework FILENAME file)
+    cmake_path(GET framework STEM name)
+    # cp keeps the links inside a framework
     add_custom_command(TARGET ${target} POST_BUILD
-                       COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
-                       COMMAND ${CMAKE_COMMAND} -E rm -rf ${folder}/${name}
                        COMMAND cp -R ${framework} ${folder}/
                        VERBATIM)
-    tapdeck_sign(${target} ${folder}/${name})
+    tapdeck_sign(${target} ${folder}/${file})
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${framework}/${name})
   endforeach()
   target_link_options(${target} PRIVATE "LINKER:-rpath,@executable_path/../Frameworks")
 endfunction()
 
-# tapdeck_sign(TARGET BUNDLE [CODESIGN_OPTIONS...]): signs the bundle after the target is built.
-function(tapdeck_sign target bundle)
-  if(TAPDECK_CODESIGN)
+# tapdeck_seal(TARGET): signs the whole application, as the last step of building it.
+function(tapdeck_seal target)
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${TAPDECK_ENTITLEMENTS})
+  if(TAPDECK_PROVISIONING_PROFILE)
     add_custom_command(TARGET ${target} POST_BUILD
-                       COMMAND ${TAPDECK_CODESIGN} --force --sign ${TAPDECK_SIGNING_IDENTITY}
-                               ${ARGN} ${bundle}
+                       COMMAND ${CMAKE_COMMAND} -E copy ${TAPDECK_PROVISIONING_PROFILE}
+                               $<TARGET_BUNDLE_CONTENT_DIR:${target}>/embedded.provisionprofile
                        VERBATIM)
   endif()
+  tapdeck_sign(${target} $<TARGET_BUNDLE_DIR:${target}> --entitlements ${TAPDECK_ENTITLEMENTS})
+endfunction()
+
+# tapdeck_archive(TARGET FRAMEWORKS...): the target tapdeck_package, which checks the application with
+# the frameworks that it carries and packs it into one file.
+function(tapdeck_archive target)
+  set(archive ${CMAKE_BINARY_DIR}/${target}-${TAPDECK_VERSION}.zip)
+  list(TRANSFORM ARGN REPLACE "^.*/([^/]+)\\.framework$" "\\1" OUTPUT_VARIABLE names)
+  if(TAPDECK_DITTO)
+    set(pack ${TAPDECK_DITTO} -c -k --keepParent ${target}.app ${archive})
+  else()
+    set(pack ${CMAKE_COMMAND} -E tar cf ${archive} --format=zip ${target}.app)
+  endif()
+  add_custom_target(tapdeck_package
+                    COMMAND ${CMAKE_SOURCE_DIR}/cmake/check-bundle $<TARGET_BUNDLE_DIR:${target}>
+                            "${CMAKE_OSX_SYSROOT}" ${names}
+                    COMMAND ${CMAKE_COMMAND} -E rm -f ${archive}
+                    COMMAND ${pack}
+                    WORKING_DIRECTORY $<TARGET_BUNDLE_DIR:${target}>/..
+                    COMMENT "Packing ${archive}"
+                    VERBATIM)
+  add_dependencies(tapdeck_package ${target})
 endfunction()

@@ -11,5 +11,15 @@ if(TAPDECK_UTF8PROC_SOURCE)
 else()
   find_package(PkgConfig REQUIRED)
   pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET GLOBAL libutf8proc)
-  add_library(utf8proc::utf8proc ALIAS PkgConfig::UTF8PROC)
+  if(APPLE)
+    # the application that is given away must not look for a library of the Mac that built it
+    find_library(UTF8PROC_ARCHIVE libutf8proc.a HINTS ${UTF8PROC_LIBRARY_DIRS} REQUIRED)
+    add_library(utf8proc::utf8proc STATIC IMPORTED GLOBAL)
+    set_target_properties(utf8proc::utf8proc PROPERTIES
+      IMPORTED_LOCATION ${UTF8PROC_ARCHIVE}
+      INTERFACE_INCLUDE_DIRECTORIES "${UTF8PROC_INCLUDE_DIRS}"
+      INTERFACE_COMPILE_DEFINITIONS UTF8PROC_STATIC)
+  else()
+    add_library(utf8proc::utf8proc ALIAS PkgConfig::UTF8PROC)
+  endif()
 endif()

@@ -17,6 +17,7 @@ ActivationPolicy policyOf(NSRunningApplication* application) {
     case NSApplicationActivationPolicyProhibited:
       return ActivationPolicy::prohibited;
   }
+  return ActivationPolicy::prohibited;  // a policy of some later system
 }
 
 std::optional<std::string> textOf(NSString* string) {

@@ -8,7 +8,7 @@
 namespace tapdeck::platform {
 
 void startDataTask(const URL& url, double timeoutInterval, DataCompletion completed) {
-  NSURL* address = [NSURL URLWithString:stringFromUtf8(url.text)];
+  NSURL* address = [NSURL URLWithString:nameFromUtf8(url.text)];
   NSMutableURLRequest* request =
       [NSMutableURLRequest requestWithURL:address
                               cachePolicy:NSURLRequestUseProtocolCachePolicy

@@ -31,7 +31,7 @@ Class findInSwiftModules(const std::string& name) {
 }
 
 Class findPlugin(const std::string& name) {
-  Class found = NSClassFromString(stringFromUtf8(name));
+  Class found = NSClassFromString(nameFromUtf8(name));
   return found != Nil && isPlugin(found) ? found : findInSwiftModules(name);
 }
 
@@ -43,7 +43,7 @@ FlutterBridge::FlutterBridge(FlutterViewController* viewController)
 FlutterMethodChannel* FlutterBridge::channelNamed(const std::string& name) {
   FlutterMethodChannel* __strong& channel = _channels[name];
   if (channel == nil) {
-    channel = [FlutterMethodChannel methodChannelWithName:stringFromUtf8(name)
+    channel = [FlutterMethodChannel methodChannelWithName:nameFromUtf8(name)
                                           binaryMessenger:_viewController.engine.binaryMessenger];
   }
   return channel;
@@ -62,13 +62,13 @@ void FlutterBridge::setMethodCallHandler(const std::string& channel, MethodCallH
 
 void FlutterBridge::invokeMethod(const std::string& channel, const std::string& method,
                                  const Value& arguments) {
-  [channelNamed(channel) invokeMethod:stringFromUtf8(method) arguments:flutterFromValue(arguments)];
+  [channelNamed(channel) invokeMethod:nameFromUtf8(method) arguments:flutterFromValue(arguments)];
 }
 
 bool FlutterBridge::registerPlugin(const std::string& className) {
   Class<FlutterPlugin> plugin = findPlugin(className);
   if (plugin == Nil) return false;
-  [plugin registerWithRegistrar:[_viewController registrarForPlugin:stringFromUtf8(className)]];
+  [plugin registerWithRegistrar:[_viewController registrarForPlugin:nameFromUtf8(className)]];
   return true;
 }
 

@@ -105,7 +105,7 @@ struct FlutterFromContent {
 struct FlutterFromAnswer {
   id operator()(const Value& value) const { return flutterFromValue(value); }
   id operator()(const MethodError& error) const {
-    return [FlutterError errorWithCode:stringFromUtf8(error.code) ?: @""
+    return [FlutterError errorWithCode:nameFromUtf8(error.code)
                                message:stringFromUtf8(error.message)
                                details:flutterFromValue(error.details)];
   }

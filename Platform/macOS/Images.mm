@@ -12,7 +12,7 @@ struct Bitmap {
 
 std::shared_ptr<const Image> imageOf(NSImage* image) {
   if (image == nil) return nullptr;
-  return std::make_shared<const Image>(Image{image});
+  return std::make_shared<const Image>(Image{static_cast<NSImage* _Nonnull>(image)});
 }
 
 std::shared_ptr<const Image> iconOfFile(const std::string& path) {

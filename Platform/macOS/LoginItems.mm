@@ -63,7 +63,7 @@ std::optional<std::string> unregisterMainAppService() {
 
 std::optional<std::string> unregisterLoginItemService(const std::string& identifier) {
   if (@available(macOS 13.0, *)) {
-    return unregister([SMAppService loginItemServiceWithIdentifier:stringFromUtf8(identifier)]);
+    return unregister([SMAppService loginItemServiceWithIdentifier:nameFromUtf8(identifier)]);
   }
   return kNoServices;
 }
@@ -74,7 +74,7 @@ std::optional<std::string> unregisterLoginItemService(const std::string& identif
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 bool setLoginItemEnabled(const std::string& identifier, bool enabled) {
-  return SMLoginItemSetEnabled((__bridge CFStringRef)stringFromUtf8(identifier), enabled);
+  return SMLoginItemSetEnabled((__bridge CFStringRef)nameFromUtf8(identifier), enabled);
 }
 
 std::optional<std::vector<LaunchdJob>> userLaunchdJobs() {

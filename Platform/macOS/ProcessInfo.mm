@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Platform/macOS/Ending.h"
 #import "Platform/macOS/Strings.h"
 
 namespace tapdeck::platform {
@@ -18,6 +19,7 @@ std::optional<std::string> environmentVariable(const std::string& name) {
 
 void stopProcess(const std::string& message) {
   std::fprintf(stderr, "❌ %s\n", message.c_str());
+  prepareEnding();
   std::abort();
 }
 

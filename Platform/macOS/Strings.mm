@@ -14,4 +14,9 @@ NSString* stringFromUtf8(const std::string& text) {
                                 encoding:NSUTF8StringEncoding];
 }
 
+NSString* nameFromUtf8(const std::string& name) {
+  NSString* string = stringFromUtf8(name);
+  return string != nil ? string : @"";
+}
+
 }  // namespace tapdeck::platform

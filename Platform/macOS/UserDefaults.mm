@@ -7,11 +7,11 @@
 namespace tapdeck::platform {
 
 bool userDefaultsBool(const std::string& key) {
-  return [NSUserDefaults.standardUserDefaults boolForKey:stringFromUtf8(key)];
+  return [NSUserDefaults.standardUserDefaults boolForKey:nameFromUtf8(key)];
 }
 
 void setUserDefaultsBool(const std::string& key, bool value) {
-  [NSUserDefaults.standardUserDefaults setBool:value forKey:stringFromUtf8(key)];
+  [NSUserDefaults.standardUserDefaults setBool:value forKey:nameFromUtf8(key)];
 }
 
 }  // namespace tapdeck::platform

@@ -1,6 +1,7 @@
 #include "Runner/Input/Keyboard.h"
 
 #include "Platform/Clock.h"
+#include "Runner/Input/HeldInput.h"
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Owned.h"
 
@@ -29,13 +30,17 @@ void keyPress(const MainFlutterWindow& window, std::string_view key) {
 void keyDown(MainFlutterWindow& window, std::string_view key) {
   if (const auto flag = modifierFlagForName(key)) window._activeModifiers |= *flag;
   const CGKeyCode code = keyCodeForName(key);
-  if (code != kNoKeyCode) postKey(code, true, window._activeModifiers);
+  if (code == kNoKeyCode) return;
+  noteKey(code, true);
+  postKey(code, true, window._activeModifiers);
 }
 
 void keyUp(MainFlutterWindow& window, std::string_view key) {
   if (const auto flag = modifierFlagForName(key)) window._activeModifiers &= ~*flag;
   const CGKeyCode code = keyCodeForName(key);
-  if (code != kNoKeyCode) postKey(code, false, window._activeModifiers);
+  if (code == kNoKeyCode) return;
+  postKey(code, false, window._activeModifiers);
+  noteKey(code, false);
 }
 
 }  // namespace tapdeck

@@ -1,3 +1,4 @@
+#include "Runner/Input/HeldInput.h"
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Input/Keyboard.h"
 #include "Runner/Input/MediaKeys.h"
@@ -72,6 +73,23 @@ TEST_F(KeyboardTest, OddModifiersKeepTheirOddity) {
                                    "post key 56 up source none flags 0x100000",
                                    "post key 57 down source none flags 0x10000"));
   EXPECT_EQ(window->_activeModifiers, CGEventFlags{0x10000});
+}
+
+TEST_F(KeyboardTest, WhatIsStillHeldCanBeLetGoOf) {
+  letGoOfInput();
+  key("keyDown", "cmd");
+  key("keyDown", "a");
+  key("keyDown", "tab");
+  key("keyUp", "tab");
+  reply("mouseDown", ValueMap{{"button", Value("middle")}});
+  key("keyDown", "a");
+  pointerAt(30, 40);
+  trace();
+  letGoOfInput();
+  letGoOfInput();
+  EXPECT_THAT(trace(), ElementsAre("post key 0 up source none flags 0x0",
+                                   "post mouse 26 at (30,40) button 2 source none",
+                                   "post key 55 up source none flags 0x0"));
 }
 
 TEST_F(KeyboardTest, HalfAPressIsStillMade) {
