@@ -62,7 +62,7 @@ void moveWindowToDisplay(MainFlutterWindow& window, const std::string& displayId
   if (!screen) return printLine("⚠️ moveWindowToDisplay: unknown display " + displayId);
   const auto focused = focusedWindowOfFrontmostApplication();
   if (!focused) return;
-  const auto element = static_cast<AXUIElementRef>(focused.get());
+  const auto* const element = static_cast<AXUIElementRef>(focused.get());
   const CGPoint target = usableCorner(*screen);
   leaveFullScreen(element);
   const Owned position(AXValueCreate(static_cast<AXValueType>(kAXValueCGPointType), &target));
