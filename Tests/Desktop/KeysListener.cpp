@@ -37,8 +37,7 @@ std::vector<std::string> KeysListener::heard(size_t count) {
   std::vector<std::string> lines;
   eventually([&] {
     while (lines.size() < count) {
-      const std::unique_ptr<xcb_generic_event_t, decltype(&std::free)> event(
-          xcb_poll_for_event(_observer.get()), &std::free);
+      const auto event = Observer::owned(xcb_poll_for_event(_observer.get()));
       if (event == nullptr) return false;
       if (const std::string line = lineFor(*event); !line.empty()) lines.push_back(line);
     }
@@ -50,16 +49,10 @@ std::vector<std::string> KeysListener::heard(size_t count) {
 std::string KeysListener::lineFor(const xcb_generic_event_t& event) {
   // the kinds of event are laid out alike
   const auto& input = reinterpret_cast<const xcb_key_press_event_t&>(event);
-  switch (event.response_type) {
-    case XCB_KEY_PRESS:
-      return "down " + keyText(input.detail, input.state);
-    case XCB_KEY_RELEASE:
-      return "up " + keyText(input.detail, input.state);
-    case XCB_BUTTON_PRESS:
-      return "button " + std::to_string(input.detail);
-    default:
-      return {};
-  }
+  const auto kind = event.response_type;
+  if (kind == XCB_BUTTON_PRESS) return "button " + std::to_string(input.detail);
+  if (kind != XCB_KEY_PRESS && kind != XCB_KEY_RELEASE) return {};
+  return (kind == XCB_KEY_PRESS ? "down " : "up ") + keyText(input.detail, input.state);
 }
 
 std::string KeysListener::keyText(uint8_t code, uint16_t state) {

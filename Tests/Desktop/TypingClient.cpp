@@ -43,8 +43,7 @@ std::vector<std::string> commandFor(TypingClient::Kind kind, const std::string& 
 std::string activeTitle(Observer& observer) {
   const auto cookie = xcb_get_property(observer.get(), 0, observer.activeWindow(), XCB_ATOM_WM_NAME,
                                        XCB_GET_PROPERTY_TYPE_ANY, 0, 256);
-  const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
-      xcb_get_property_reply(observer.get(), cookie, nullptr), &std::free);
+  const auto reply = Observer::owned(xcb_get_property_reply(observer.get(), cookie, nullptr));
   if (reply == nullptr) return {};
   return {static_cast<const char*>(xcb_get_property_value(reply.get())),
           static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
