@@ -246,10 +246,6 @@ export class Applications {
       `[Desktop Entry]\nType=Application\nName=${name}\nExec=${command}\n${more}\n`);
   }
 
-  remove(id) {
-    return rm(join(this.#folder, `${id}.desktop`));
-  }
-
   removeAll() {
     return rm(this.#folder, { recursive: true, force: true });
   }

@@ -169,7 +169,6 @@ describe("the picture", () => {
 
     await fingers.put(1, ...at(0.8, 0.3));
     await seesAnew("press 3 held 0x0", "release 3 held 0x400");
-    await fingers.drag([1], 30, 0);
     await fingers.lift(1);
     await pointerAt(1920, 360);
     await fingers.tap(at(0.7, 0.7), at(0.75, 0.7));

@@ -4,7 +4,6 @@ pkg_check_modules(APPLICATION_TESTS REQUIRED IMPORTED_TARGET gtkmm-3.0 xcb xcb-r
 add_executable(application_tests
   ApplicationFrontsTest.cpp ApplicationHostTest.cpp ApplicationMain.cpp
   ApplicationPasteboardTest.cpp ApplicationProcess.cpp ApplicationScreenTest.cpp
-  ApplicationSelectionOwner.cpp
   Observer.cpp PrivateServer.cpp)
 target_link_libraries(application_tests PRIVATE
   tapdeck_runner tapdeck_application tapdeck_session PkgConfig::APPLICATION_TESTS GTest::gmock)

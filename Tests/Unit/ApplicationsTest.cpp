@@ -2,7 +2,6 @@
 #include <vector>
 
 #include "Runner/Base64.h"
-#include "Tests/Support/Recording/Applications.h"
 #include "Tests/Unit/HostTest.h"
 
 namespace tapdeck {
@@ -34,10 +33,7 @@ ValueMap named(const char* bundleId) {
 
 class ApplicationsTest : public HostTest {
  protected:
-  ApplicationsTest() { applications() = {}; }
-  ~ApplicationsTest() override { applications() = {}; }
-
-  static recording::ApplicationsScript& applications() { return recording::applications(); }
+  static recording::Applications& applications() { return script().applications; }
   static void keepInDock(Value::List tiles) {
     applications().propertyLists[kDock] = ValueMap{{"persistent-apps", Value(std::move(tiles))}};
   }

@@ -5,7 +5,6 @@
 #include "Platform/Linux/Quartz/Keyboard/KeyPlan.h"
 #include "Platform/Linux/Quartz/Keyboard/Keysyms.h"
 #include "Platform/Linux/Quartz/Keyboard/SlotPool.h"
-#include "Platform/Linux/Quartz/Keyboard/TextKeys.h"
 #include "Platform/Linux/Quartz/Keyboard/TextPlan.h"
 
 namespace tapdeck::quartz {
@@ -24,18 +23,11 @@ KeyMeaning twoGroups(Keysym first, Keysym firstShifted, Keysym second, Keysym se
 
 TEST(TextPlanTest, TextIsOneKeysymForEachCharacterThatCanBeTyped) {
   EXPECT_THAT(keysymsForText(u"aé"), ElementsAre('a', 0xE9));
-  EXPECT_THAT(keysymsForText(u"\U0001F44D\U0001F3FD"), ElementsAre(0x101F44D, 0x101F3FD));
   EXPECT_THAT(keysymsForText(u"\r\n\n\r\t\b\x1B"),
               ElementsAre(keysyms::Return, keysyms::Return, keysyms::Return, keysyms::Tab,
                           keysyms::BackSpace, keysyms::Escape));
   const char16_t broken[] = {0xD83D, u'a', 0xDC4D, 0x01, 0x85, 0};
   EXPECT_THAT(keysymsForText(broken), ElementsAre(0x100FFFD, 'a', 0x100FFFD));
-}
-
-TEST(TextPlanTest, LettersBringTheirAlphabetAndIdeographsNothing) {
-  const auto cyrillic = companionsOf(keysymForCharacter(U'ж'));
-  EXPECT_THAT(cyrillic, ::testing::Contains(keysymForCharacter(U'Ё')));
-  EXPECT_THAT(companionsOf(keysymForCharacter(U'漢')), ElementsAre(keysymForCharacter(U'漢')));
 }
 
 TEST(SlotPoolTest, TheOldestThatHasBeenReadGoesFirst) {
@@ -59,15 +51,9 @@ TEST(KeyPlanTest, AKeyIsFoundInTheActiveGroupThenInAnother) {
   Keymap map;
   map.keys[24] = twoGroups('q', 'Q', 0x6CA, 0x6EA);
   map.keys[38] = twoGroups('a', 'A', 'q', 'Q');
-  map.keys[10].groupInfo = 1;
-  map.keys[10].width = 2;
-  map.keys[10].keysyms = {'&', '1'};
   EXPECT_EQ(realKeyFor({'q'}, map, 1), (RealKey{38, std::nullopt}));
   EXPECT_EQ(realKeyFor({'a'}, map, 1), (RealKey{38, uint8_t{0}}));
-  EXPECT_EQ(realKeyFor({'&'}, map, 1), (RealKey{10, std::nullopt})) << "one group is for all";
-  EXPECT_EQ(realKeyFor({'1'}, map, 0), std::nullopt) << "only with Shift";
-  EXPECT_TRUE(isSubstitute(substituteFor(*usKeyFor(18))));
-  EXPECT_FALSE(isSubstitute(map.keys[10]));
+  EXPECT_EQ(realKeyFor({'Q'}, map, 0), std::nullopt) << "only with Shift";
 }
 
 TEST(KeyPlanTest, OnlyKeysThatNobodyMissesAreSpare) {
@@ -91,13 +77,6 @@ TEST(KeyPlanTest, OnlyKeysThatNobodyMissesAreSpare) {
   const SpareKeys spare = spareKeysOf(map);
   EXPECT_THAT(spare.unused, ElementsAre(10));
   EXPECT_THAT(spare.rare, ElementsAre(11));
-}
-
-TEST(TextKeysTest, AreKnownAgainByALaterProcess) {
-  const KeyMeaning key = textKey(93, {{{'a', {}}, {'b', {}}, {keysyms::Return, Keycode{36}}, {}}});
-  EXPECT_TRUE(isTextKey(key));
-  EXPECT_EQ(key.plainKeysym(2), keysyms::Return);
-  EXPECT_FALSE(isTextKey(twoGroups('a', 'A', 'b', 'B')));
 }
 
 TEST(JournalTest, ReadsWhatItWroteAndNothingElse) {

@@ -58,8 +58,7 @@ TEST_F(MediaPlayersTest, CommandsGoToTheFirstPlayerThatPlaysInItsWords) {
 TEST_F(MediaPlayersTest, MediaKeysServeWhenNoPlayerPlays) {
   // a name in other letters is no player's
   run({"music", "VLC player", "Spotify"});
-  for (const Child& child : {Child{"false\n"}, Child{"true", "", 1}, Child{"\xFFtrue"},
-                             Child{"true false"}, Child{"True"}}) {
+  for (const Child& child : {Child{"true", "", 1}, Child{"\xFFtrue"}, Child{"True"}}) {
     answers[{"state", "Spotify"}] = child;
     reply("mediaNext");
     EXPECT_THAT(steps().back(), ::testing::StartsWith("post system-defined flags 0xb00"));
@@ -114,11 +113,6 @@ TEST_F(MediaPlayersTest, SeeksInTheFirstPlayerThatHasATrack) {
                                    "start /usr/bin/osascript -e tell application \"Spotify\" to "
                                    "set player position to 42.5 2> pipe",
                                    "async on main"));
-  answers.clear();
-  EXPECT_EQ(seek(Value(42.5)), Value());
-  EXPECT_THAT(steps(),
-              ElementsAre("async on userInitiated", "track Music", "read pipe", "track Spotify",
-                          "read pipe", "track VLC", "read pipe", "async on main"));
 }
 
 TEST_F(MediaPlayersTest, SeekPositionsAreWrittenForTheirPlayer) {
