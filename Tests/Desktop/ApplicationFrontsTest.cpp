@@ -60,15 +60,7 @@ TEST_F(UserSettingsTest, KeepsTheDecisionAndWhatElseIsWritten) {
   }
 }
 
-TEST(WorkspaceTest, LeadsFromThePrivacySettingsToTheSwitches) {
-  std::vector<Permission> asked;
-  permissions::setAskHandler([&asked](Permission permission) { asked.push_back(permission); });
-  const std::string privacy = "x-apple.systempreferences:com.apple.preference.security?Privacy_";
-  for (const char* pane : {"ScreenCapture", "Accessibility"}) {
-    platform::openURL(platform::urlWithString(privacy + pane).value());
-  }
-  permissions::setAskHandler({});
-  EXPECT_EQ(asked, (std::vector{Permission::screenCapture, Permission::control}));
+TEST(WorkspaceTest, TakesNothingForAnAddressThatIsNone) {
   for (const char* text : {"", "http://a b/", "%zz", "caf\xC3\xA9"}) {
     EXPECT_FALSE(platform::urlWithString(text)) << text;
   }

@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
+#include <gtkmm/main.h>
 #include <signal.h>
 
 #include <cstdlib>
 #include <filesystem>
 
+#include "Platform/Linux/Application/GtkConnection.h"
 #include "Platform/Linux/Permissions.h"
 #include "Platform/Linux/SessionFile.h"
 #include "Tests/Desktop/PrivateServer.h"
@@ -113,3 +115,13 @@ TEST(HostTest, EndsWithItsXServer) {
 
 }  // namespace
 }  // namespace tapdeck::testing
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  if (argc != 3) return 64;
+  tapdeck::testing::hostProgram = argv[1];
+  tapdeck::testing::callProgram = argv[2];
+  tapdeck::connectGtk();
+  Gtk::Main::init_gtkmm_internals();
+  return RUN_ALL_TESTS();
+}

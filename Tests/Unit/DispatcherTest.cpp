@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 
 #include "Runner/Arguments.h"
 #include "Tests/Unit/HostTest.h"

@@ -36,16 +36,14 @@ TEST_F(PermissionsTest, TheGatePromptsOnceAndLetsNothingThrough) {
   script().trusted = true;
   move();
   move();
-  EXPECT_THAT(trace(), ElementsAre("ask for trust", "post mouse 5 at (101,100) button 0 source 0",
-                                   "post mouse 5 at (101,100) button 0 source 0"));
+  EXPECT_THAT(trace(), ElementsAre("ask for trust", mouse(5, 101, 100), mouse(5, 101, 100)));
 }
 
 TEST_F(PermissionsTest, WithdrawnTrustIsSeenOnlyByTheQuestion) {
   move();
   script().trusted = false;
   move();
-  EXPECT_THAT(trace(), ElementsAre("ask for trust", "post mouse 5 at (101,100) button 0 source 0",
-                                   "post mouse 5 at (101,100) button 0 source 0"));
+  EXPECT_THAT(trace(), ElementsAre("ask for trust", mouse(5, 101, 100), mouse(5, 101, 100)));
   EXPECT_EQ(reply("isAccessibilityTrusted"), Value(false));
   EXPECT_FALSE(window->_isAccessibilityTrusted);
   CaptureStdout();
@@ -79,8 +77,7 @@ TEST_F(PermissionsTest, ClicksAndScrollsPassWithoutTrust) {
   scroll("scroll", Value(int64_t{2147483648}), 0);
   scroll("scrollHorizontal", Value(5.0), 1);
   scroll("scroll", Value(2.5), 1);
-  EXPECT_THAT(trace(), ElementsAre("post mouse 1 at (100,100) button 0 source 0 field 1 = 1",
-                                   "post mouse 2 at (100,100) button 0 source 0 field 1 = 1",
+  EXPECT_THAT(trace(), ElementsAre(mouse(1, 100, 100, 0, 1), mouse(2, 100, 100, 0, 1),
                                    "post scroll unit 0 count 1 wheels -3 0 0 source none",
                                    "post scroll unit 0 count 1 wheels -2147483648 0 0 source none",
                                    "post scroll unit 0 count 2 wheels 0 5 0 source none"));

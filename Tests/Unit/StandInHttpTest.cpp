@@ -120,7 +120,6 @@ TEST_F(StandInHttp, EightConnections) {
 
 TEST_F(StandInHttp, SessionFile) {
   const auto session = readSession().value();
-  EXPECT_EQ(session.pid, getpid());
   EXPECT_EQ(session.token.size(), 32u);
   EXPECT_EQ(session.url, "http://" + host() + "/#" + session.token);
   EXPECT_THAT(engine->pageAddresses(), ElementsAre(session.url));
@@ -131,7 +130,6 @@ TEST_F(StandInHttp, SessionFile) {
   ASSERT_TRUE(readSession()) << "an engine took away the file of a later one";
   const auto addresses = later->pageAddresses();
   EXPECT_THAT(addresses.back(), StartsWith("http://127.0.0.1:"));
-  EXPECT_EQ(readSession()->url, addresses.back());
   for (const auto& address : addresses) EXPECT_THAT(address, Not(HasSubstr("0.0.0.0:")));
   later->stop();
   EXPECT_FALSE(std::filesystem::exists(sessionFilePath()));

@@ -2,7 +2,6 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <set>
