@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 
 #include "Platform/Events.h"
@@ -17,7 +18,6 @@
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Input/MediaKeys.h"
 #include "Runner/Input/TextTyping.h"
-#include "Runner/Input/UnicodeText.h"
 #include "Runner/Owned.h"
 #include "Tests/Desktop/Observer.h"
 #include "Tests/Desktop/TypingKeyboard.h"
@@ -79,11 +79,14 @@ class KeysListener {
   }
 
   std::string keyText(uint8_t code, uint16_t state) {
-    const Reference<xkb_context, xkb_context_unref> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
-    const Reference<xkb_keymap, xkb_keymap_unref> keymap(xkb_x11_keymap_new_from_device(
-        context.get(), _observer.get(), xkb_x11_get_core_keyboard_device_id(_observer.get()),
-        XKB_KEYMAP_COMPILE_NO_FLAGS));
-    const Reference<xkb_state, xkb_state_unref> keyboard(xkb_state_new(keymap.get()));
+    const std::shared_ptr<xkb_context> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS),
+                                               &xkb_context_unref);
+    const std::shared_ptr<xkb_keymap> keymap(
+        xkb_x11_keymap_new_from_device(context.get(), _observer.get(),
+                                       xkb_x11_get_core_keyboard_device_id(_observer.get()),
+                                       XKB_KEYMAP_COMPILE_NO_FLAGS),
+        &xkb_keymap_unref);
+    const std::shared_ptr<xkb_state> keyboard(xkb_state_new(keymap.get()), &xkb_state_unref);
     xkb_state_update_mask(keyboard.get(), state & 0xff, 0, 0, 0, 0, state >> 13 & 3);
     const xkb_keysym_t keysym = xkb_state_key_get_one_sym(keyboard.get(), code);
     char name[64] = "";
@@ -101,46 +104,21 @@ class KeysListener {
   Observer& _observer;
 };
 
-/// Every name that a key has, and its keysym's.
+/// Every name that a key has, and its keysym's. The last one makes those after it capital.
 std::vector<std::pair<std::string, std::string>> namedKeys() {
-  std::vector<std::pair<std::string, std::string>> keys = {{"enter", "Return"},
-                                                           {"delete", "BackSpace"},
-                                                           {"esc", "Escape"},
-                                                           {"shift", "Shift_L"},
-                                                           {"control", "Control_L"},
-                                                           {"ctrl", "Control_L"},
-                                                           {"option", "Alt_L"},
-                                                           {"alt", "Alt_L"},
-                                                           {"command", "Super_L"},
-                                                           {"cmd", "Super_L"},
-                                                           {"pageup", "Prior"},
-                                                           {"pagedown", "Next"},
-                                                           {"backspace", "BackSpace"},
-                                                           {"space", "space"},
-                                                           {"-", "minus"},
-                                                           {"=", "equal"},
-                                                           {"[", "bracketleft"},
-                                                           {"]", "bracketright"},
-                                                           {"\\", "backslash"},
-                                                           {";", "semicolon"},
-                                                           {"'", "apostrophe"},
-                                                           {",", "comma"},
-                                                           {".", "period"},
-                                                           {"/", "slash"},
-                                                           {"`", "grave"}};
-  for (const std::string same : {"Return", "Tab", "Escape", "Home", "End"}) {
-    keys.emplace_back(lowercased(same), same);
-  }
-  for (const std::string arrow : {"Left", "Right", "Up", "Down"}) {
-    keys.emplace_back(lowercased(arrow), arrow);
-    keys.emplace_back("arrow" + lowercased(arrow), arrow);
-  }
-  for (int n = 1; n <= 12; ++n) keys.emplace_back("f" + std::to_string(n), "F" + std::to_string(n));
+  std::istringstream names(
+      "space space return Return enter Return tab Tab delete BackSpace backspace BackSpace "
+      "escape Escape esc Escape left Left right Right down Down up Up arrowleft Left "
+      "arrowright Right arrowdown Down arrowup Up shift Shift_L control Control_L ctrl Control_L "
+      "option Alt_L alt Alt_L command Super_L cmd Super_L home Home end End pageup Prior "
+      "pagedown Next - minus = equal [ bracketleft ] bracketright \\ backslash ; semicolon "
+      "' apostrophe , comma . period / slash ` grave f1 F1 f2 F2 f3 F3 f4 F4 f5 F5 f6 F6 f7 F7 "
+      "f8 F8 f9 F9 f10 F10 f11 F11 f12 F12 capslock Caps_Lock");
+  std::vector<std::pair<std::string, std::string>> keys;
   for (const char each : std::string("abcdefghijklmnopqrstuvwxyz0123456789")) {
     keys.emplace_back(std::string(1, each), std::string(1, each));
   }
-  // last: what follows it would be capital
-  keys.emplace_back("capslock", "Caps_Lock");
+  for (std::string name, keysym; names >> name >> keysym;) keys.emplace_back(name, keysym);
   return keys;
 }
 

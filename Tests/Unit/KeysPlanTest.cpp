@@ -4,7 +4,6 @@
 #include "Platform/Linux/Quartz/Keyboard/Journal.h"
 #include "Platform/Linux/Quartz/Keyboard/KeyPlan.h"
 #include "Platform/Linux/Quartz/Keyboard/Keysyms.h"
-#include "Platform/Linux/Quartz/Keyboard/SlotPool.h"
 #include "Platform/Linux/Quartz/Keyboard/TextPlan.h"
 
 namespace tapdeck::quartz {
@@ -28,32 +27,6 @@ TEST(TextPlanTest, TextIsOneKeysymForEachCharacterThatCanBeTyped) {
                           keysyms::BackSpace, keysyms::Escape));
   const char16_t broken[] = {0xD83D, u'a', 0xDC4D, 0x01, 0x85, 0};
   EXPECT_THAT(keysymsForText(broken), ElementsAre(0x100FFFD, 'a', 0x100FFFD));
-}
-
-TEST(SlotPoolTest, TheOldestThatHasBeenReadGoesFirst) {
-  SlotPool pool(3);
-  const auto none = [](size_t) { return false; };
-  for (const Keysym keysym : {'a', 'b', 'c'}) EXPECT_TRUE(pool.takeEmpty(keysym));
-  EXPECT_EQ(pool.takeEmpty('d'), std::nullopt);
-  pool.use(*pool.find('a'), 3);
-  pool.use(*pool.find('b'), 1);
-  pool.use(*pool.find('c'), 2);
-  const auto placeOfB = pool.find('b');
-  EXPECT_EQ(pool.takeOldest('d', 0, none), std::nullopt) << "nothing has been read";
-  EXPECT_EQ(pool.takeOldest('d', 2, none), placeOfB);
-  EXPECT_EQ(pool.find('b'), std::nullopt);
-  pool.use(*pool.find('d'), 4);
-  const auto placeOfA = pool.find('a'), placeOfC = pool.find('c');
-  EXPECT_EQ(pool.takeOldest('e', 9, [&](size_t slot) { return slot == placeOfC; }), placeOfA);
-}
-
-TEST(KeyPlanTest, AKeyIsFoundInTheActiveGroupThenInAnother) {
-  Keymap map;
-  map.keys[24] = twoGroups('q', 'Q', 0x6CA, 0x6EA);
-  map.keys[38] = twoGroups('a', 'A', 'q', 'Q');
-  EXPECT_EQ(realKeyFor({'q'}, map, 1), (RealKey{38, std::nullopt}));
-  EXPECT_EQ(realKeyFor({'a'}, map, 1), (RealKey{38, uint8_t{0}}));
-  EXPECT_EQ(realKeyFor({'Q'}, map, 0), std::nullopt) << "only with Shift";
 }
 
 TEST(KeyPlanTest, OnlyKeysThatNobodyMissesAreSpare) {

@@ -60,29 +60,23 @@ TEST_F(LaunchAtLoginTest, TellsEachObserverAtItsMoment) {
 
 TEST_F(LaunchAtLoginTest, OperatesTheService) {
   using enum LoginItemStatus;
-  struct Case {
-    LoginItemStatus before;
-    bool value;
-    std::optional<std::string> registrationError, unregistrationError;
-    Trace trace;
-    LoginItemStatus after;
-  };
-  const std::optional<std::string> none, busy = "busy";
-  const std::vector<Case> cases = {
-      {notRegistered, true, none, busy, {kRegister}, enabled},
-      {enabled, true, none, busy, {kUnregister, kRegister}, enabled},
-      {notFound, true, busy, none, {kRegister, log("enable", "busy")}, notFound},
-      {enabled, false, busy, none, {kUnregister}, notRegistered},
-      {enabled, false, none, busy, {kUnregister, log("disable", "busy")}, enabled},
-  };
-  for (const Case& each : cases) {
-    system().status = each.before;
-    system().registrationError = each.registrationError;
-    system().unregistrationError = each.unregistrationError;
-    EXPECT_EQ(set(Value(ValueMap{{"setEnabledValue", Value(each.value)}})), Outcome(Value()));
-    EXPECT_EQ(trace(), each.trace);
-    EXPECT_EQ(system().status, each.after);
-    EXPECT_EQ(call("launchAtStartupIsEnabled"), Outcome(Value(each.after == enabled)));
+  using Failure = std::optional<std::string>;
+  const Failure none, busy = "busy";
+  const std::vector<std::tuple<LoginItemStatus, bool, Failure, Failure, Trace, LoginItemStatus>>
+      cases = {
+          {notRegistered, true, none, busy, {kRegister}, enabled},
+          {enabled, true, none, busy, {kUnregister, kRegister}, enabled},
+          {notFound, true, busy, none, {kRegister, log("enable", "busy")}, notFound},
+          {enabled, false, busy, none, {kUnregister}, notRegistered},
+          {enabled, false, none, busy, {kUnregister, log("disable", "busy")}, enabled},
+      };
+  for (const auto& [before, value, registrationError, unregistrationError, calls, after] : cases) {
+    system().status = before;
+    system().registrationError = registrationError;
+    system().unregistrationError = unregistrationError;
+    EXPECT_EQ(set(Value(ValueMap{{"setEnabledValue", Value(value)}})), Outcome(Value()));
+    EXPECT_EQ(trace(), calls);
+    EXPECT_EQ(call("launchAtStartupIsEnabled"), Outcome(Value(after == enabled)));
   }
 }
 
@@ -90,11 +84,10 @@ TEST_F(LaunchAtLoginTest, KnowsTheHelperByTheFirstJobOfItsLabel) {
   system().hasServices = false;
   system().status = LoginItemStatus::enabled;
   const LaunchdJob other{"com.example.app", true}, nameless{std::nullopt, true};
-  const LaunchdJob on{kHelper, true}, off{kHelper, false}, unsaid{kHelper, std::nullopt};
+  const LaunchdJob on{kHelper, true}, off{kHelper, false};
   const std::vector<std::pair<std::vector<LaunchdJob>, bool>> cases = {
       {{other, on, off}, true},
       {{nameless, off, on}, false},
-      {{unsaid, on}, false},
   };
   for (const auto& [jobs, isEnabled] : cases) {
     system().jobs = jobs;

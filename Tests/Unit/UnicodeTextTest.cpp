@@ -42,10 +42,8 @@ TEST(UnicodeTextTest, ClustersBreakWhereUnicodesOwnTestDataSay) {
 }
 
 TEST(UnicodeTextTest, ClustersOfEveryday) {
-  const auto count = [](std::string_view text) { return graphemeClusters(text).size(); };
-  EXPECT_EQ(count(""), 0u);
-  EXPECT_EQ(count("👩‍👩‍👧‍👦👍🏽🇩🇪🇫🇷"), 4u);
-  EXPECT_EQ(count("\xff\xfe"), 2u) << "what is no UTF-8 is still something";
+  EXPECT_EQ(graphemeClusters("👩‍👩‍👧‍👦👍🏽🇩🇪🇫🇷").size(), 4u);
+  EXPECT_EQ(graphemeClusters("\xff\xfe").size(), 2u) << "what is no UTF-8 is still something";
 }
 
 TEST(UnicodeTextTest, Utf16AndLowerCase) {
