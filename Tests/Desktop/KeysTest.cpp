@@ -28,13 +28,6 @@ namespace {
 using ::testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
-template <typename Object, void (*unreference)(Object*)>
-struct Unreference {
-  void operator()(Object* object) const { unreference(object); }
-};
-template <typename Object, void (*unreference)(Object*)>
-using Reference = std::unique_ptr<Object, Unreference<Object, unreference>>;
-
 /// A window with the keyboard focus. Translates the keys that it hears as applications do, by the
 /// server's map and each event's state, with a library of its own.
 class KeysListener {

@@ -50,12 +50,6 @@ std::string longText() {
   return text;
 }
 
-std::string shortText() {
-  std::string text = "aA zZ1!\"€@\\ éÖß ξΨ ёЖ ش漢字\n\t";
-  text += "👍🏽👨‍👩‍👧 e\u0301.\n";
-  return text;
-}
-
 std::string differenceOf(const std::string& sent, const std::string& received) {
   const auto [here, there] =
       std::mismatch(sent.begin(), sent.end(), received.begin(), received.end());

@@ -20,9 +20,6 @@ TEST_F(MediaSystemTest, VolumeStepsRunDetached) {
     EXPECT_EQ(reply(method), Value());
     EXPECT_THAT(trace(), ElementsAre(start));
   }
-  script().media.launchError = "no such file";
-  EXPECT_EQ(reply("volumeUp"), Value());
-  EXPECT_EQ(trace()[1], "log ⚠️ Could not launch osascript: no such file");
 }
 
 TEST_F(MediaSystemTest, TheVolumeIsANumberOrFifty) {
@@ -38,7 +35,7 @@ TEST_F(MediaSystemTest, TheVolumeIsANumberOrFifty) {
                                                      {"37\xFF", 50}};
   for (const auto& [output, level] : outputs) {
     // neither its status nor the time that it takes is looked at
-    script().media.childFor = [text = output](const auto&) { return Child{text, "", 1, 60}; };
+    script().media.childFor = [text = output](const auto&) { return Child{text, 1, 60}; };
     EXPECT_EQ(reply("getVolumeLevel"), Value(level)) << output;
     EXPECT_THAT(trace(), ElementsAre("launch /usr/bin/osascript -e output volume of (get volume "
                                      "settings) > pipe",
