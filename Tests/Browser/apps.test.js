@@ -5,7 +5,7 @@ import { afterEach, test } from "node:test";
 import { fileURLToPath } from "node:url";
 
 import { Applications, eventually, exec, Line } from "./desktop.js";
-import { CONNECTED, page } from "./setup.js";
+import { page } from "./setup.js";
 
 const applications = new Applications();
 
@@ -16,10 +16,6 @@ afterEach(async () => {
   await applications.removeAll();
 });
 
-const showAnew = async () => {
-  await page.click("#tab-touchpad");
-  await page.click("#tab-apps");
-};
 const shownNames = () => page.locator(".app-grid li >> visible=true").evaluateAll((tiles) =>
   tiles.map((tile) => tile.querySelector(".app-name").textContent));
 const lists = async (...names) => {
@@ -40,48 +36,36 @@ test("applications stand in order, are found by name, and come first while they 
   await lists("Éclair Probe", "pear Probe", "Zebra Probe");
   await page.fill("#app-search", " pro ECLÄIR");
   await lists("Éclair Probe");
-  await page.fill("#app-search", "nonesuch");
-  await lists();
-  assert.match(await page.textContent(".nothing p"), /“nonesuch”/);
   await page.fill("#app-search", "probe");
 
   await page.tap("text=Zebra Probe");
   await page.waitForSelector("#panel-apps .outcome >> text=Starting Zebra Probe");
   await lists("Zebra Probe", "Éclair Probe", "pear Probe");
-  assert.deepEqual(await page.locator(".running .app-name >> visible=true").allTextContents(),
-    ["Zebra Probe"]);
 
   await closeProbe();
   await eventually("the list of a panel that is shown again is new", async () => {
-    await showAnew();
+    await page.click("#tab-touchpad");
+    await page.click("#tab-apps");
     return await page.locator(".running >> text=Zebra Probe").count() === 0;
   });
-  await lists("Éclair Probe", "pear Probe", "Zebra Probe");
 });
 
 test("icons are asked for one at a time, once, and when they are looked at", async () => {
   const COUNT = 120;
   const icon = `Icon=${fileURLToPath(new URL("../../Console/icon.svg", import.meta.url))}`;
   const last = `getAppIcon filler${COUNT}.desktop`;
-  await applications.add("first", "0 First", "true");
   for (let at = 1; at <= COUNT; at++) {
     await applications.add(`filler${at}`, `Zzz ${at}`, "true", icon);
   }
   const line = await Line.of(page, /^getAppIcon/);
-  await page.waitForSelector(CONNECTED);
   line.hold();
   await page.click("#tab-apps");
   await eventually("an icon is asked for", () => line.calls.length > 0);
-  await applications.remove("first");
   await page.click("#tab-settings");
   await page.waitForSelector("#login-item [role=switch]:enabled");
   assert.equal(line.calls.length, 1);
   line.release();
 
-  // What is gone has no icon any more, only its initial.
-  assert.deepEqual(line.calls, ["getAppIcon first.desktop"]);
-  await eventually("the initial is drawn", () => page.evaluate(() =>
-    document.querySelector("[data-app='first.desktop'] .drawn")?.textContent === "0"));
   await page.click("#tab-apps");
   const waiting = page.locator(".app-icon:not(.loaded, .drawn)");
   const inView = () => waiting.evaluateAll((icons) => icons.filter((icon) => {
@@ -98,20 +82,12 @@ test("icons are asked for one at a time, once, and when they are looked at", asy
   await page.fill("#app-search", `zzz ${COUNT}`);
   await eventually("the icon is shown", () => image.evaluate((drawn) => drawn.naturalWidth === 64));
 
-  // An application that comes back has its icon from before.
-  await applications.remove(`filler${COUNT}`);
-  await showAnew();
-  await image.waitFor({ state: "detached" });
-  await applications.add(`filler${COUNT}`, `Zzz ${COUNT}`, "true", icon);
-  await showAnew();
-  await image.waitFor();
   assert.equal(new Set(line.calls).size, line.calls.length);
 });
 
 test("the host starts at login when it is told to, and the switch shows what is true", async () => {
   const folder = join(process.env.XDG_CONFIG_HOME, "autostart");
-  const entry = join(folder, "tapdeck.desktop");
-  const content = () => readFile(entry, "utf8").catch(() => "");
+  const content = () => readFile(join(folder, "tapdeck.desktop"), "utf8").catch(() => "");
   const toggle = page.locator("#login-item [role=switch]");
   const shows = (on) =>
     page.waitForSelector(`#login-item [role=switch][aria-checked=${on}]:enabled`);
@@ -122,12 +98,6 @@ test("the host starts at login when it is told to, and the switch shows what is 
     await shows(true);
     assert.ok((await content()).includes(process.env.TAPDECK_HOST));
 
-    await writeFile(entry, `${await content()}Hidden=true\n`);
-    await page.click("#tab-touchpad");
-    await page.click("#tab-settings");
-    await shows(false);
-    await toggle.tap();
-    await shows(true);
     await toggle.tap();
     await shows(false);
     assert.equal(await content(), "");

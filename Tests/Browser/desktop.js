@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
-import { mkdir, readFile, rm, writeFile } from "node:fs/promises";
+import { mkdir, rm, writeFile } from "node:fs/promises";
 import { dirname, join } from "node:path";
 import { createInterface } from "node:readline";
 import { setTimeout as sleep } from "node:timers/promises";
@@ -10,7 +10,9 @@ import { promisify } from "node:util";
 
 import { chromium } from "playwright-core";
 
-import { decodeMessage, decodeMethodCall } from "../../Console/codec.js";
+import { decodeMessage, decodeMethodCall, encodeMessage } from "../../Console/codec.js";
+
+export const CONNECTED = "body[data-state=connected]";
 
 const PATIENCE = 20_000;
 const graphemes = new Intl.Segmenter();
@@ -87,20 +89,24 @@ export async function openPhone(browser, url) {
 export class Line {
   /** Such as "typeText Hello" and "keyPress return". */
   calls = [];
-  #noted;
   #held = null;
   #sockets = [];
 
-  /** Taps the line of a page for calls of these methods; the page is loaded anew. */
+  /** Taps the line of a page for the calls in question; the page is loaded anew. */
   static async of(page, noted) {
-    const line = new Line();
-    line.#noted = noted;
+    const line = new this();
+    line.noted = noted;
     await page.routeWebSocket(/engine/, (socket) => {
       const host = socket.connectToServer();
       line.#sockets.push(socket);
-      socket.onMessage((message) => line.#pass(message, host));
+      socket.onMessage((message) => {
+        const [id, channel, payload] = decodeMessage(new Uint8Array(message));
+        const answer = (reply) => socket.send(Buffer.from(encodeMessage([id, channel, reply])));
+        line.pass(decodeMethodCall(payload), () => host.send(message), answer);
+      });
     });
     await page.reload();
+    await page.waitForSelector(CONNECTED);
     return line;
   }
 
@@ -128,12 +134,10 @@ export class Line {
     }, "");
   }
 
-  #pass(message, host) {
-    const { method, args } = decodeMethodCall(decodeMessage(new Uint8Array(message))[2]);
-    if (!this.#noted.test(method)) return host.send(message);
+  pass({ method, args }, send) {
+    if (!this.noted.test(method)) return send();
     this.calls.push(`${method} ${args.key ?? args.text ?? args.bundleId}`);
-    if (this.#held) this.#held.push(() => host.send(message));
-    else host.send(message);
+    return this.#held ? this.#held.push(send) : send();
   }
 }
 
@@ -232,35 +236,6 @@ export class Witness {
   }
 }
 
-/** A terminal in which a program notes what it gets from the keyboard, byte for byte. */
-export class Terminal {
-  #process;
-  #file = join(process.env.XDG_RUNTIME_DIR, "typed");
-
-  static async open() {
-    const terminal = new Terminal();
-    terminal.#process = spawn("xterm", ["-u8", "-e", "sh", "-c",
-      `stty raw -echo; printf '\\033]0;ready\\007'; exec cat >'${terminal.#file}'`]);
-    await eventually("the terminal has the keyboard", async () => {
-      const { stdout } = await exec("xdotool", ["getactivewindow", "getwindowname"]).catch(() => ({}));
-      return stdout === "ready\n";
-    });
-    return terminal;
-  }
-
-  async gets(text) {
-    let typed;
-    await eventually(() => `${JSON.stringify(text)} typed, not ${JSON.stringify(typed)}`, async () => {
-      typed = await readFile(this.#file, "utf8");
-      return typed === text;
-    });
-  }
-
-  close() {
-    this.#process.kill();
-  }
-}
-
 /** Applications of the user's, by the names of their desktop files; each starts a command. */
 export class Applications {
   #folder = join(process.env.XDG_DATA_HOME, "applications");
@@ -269,10 +244,6 @@ export class Applications {
     await mkdir(this.#folder, { recursive: true });
     await writeFile(join(this.#folder, `${id}.desktop`),
       `[Desktop Entry]\nType=Application\nName=${name}\nExec=${command}\n${more}\n`);
-  }
-
-  remove(id) {
-    return rm(join(this.#folder, `${id}.desktop`));
   }
 
   removeAll() {

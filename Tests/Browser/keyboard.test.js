@@ -2,15 +2,14 @@ import assert from "node:assert/strict";
 import { beforeEach, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { eventually, Line, Terminal } from "./desktop.js";
-import { center, CONNECTED, fingers, page } from "./setup.js";
+import { eventually, Line } from "./desktop.js";
+import { center, fingers, page } from "./setup.js";
 
 let line;
 let field;
 
 beforeEach(async () => {
   line = await Line.of(page, /^key|^typeText/);
-  await page.waitForSelector(CONNECTED);
   await page.click("#tab-keyboard");
   field = page.locator("#typing-text");
   await field.focus();
@@ -47,8 +46,7 @@ test("what is typed, composed, corrected and erased arrives once and in order", 
   await insert("👨‍👩‍👧ß");
   await page.keyboard.press("Backspace");
   await page.keyboard.press("Backspace");
-  await page.keyboard.type("\nx");
-  await page.keyboard.press("Backspace");
+  await page.keyboard.type("\n");
   await page.keyboard.press("Backspace");
   await page.keyboard.type("y");
   await sees("The 你y");
@@ -65,23 +63,6 @@ test("what is typed, composed, corrected and erased arrives once and in order", 
   await sends("typeText ls");
   await insert("la");
   await sends("keyPress backspace", "typeText a");
-});
-
-test("an application gets the text and the keys", async () => {
-  const terminal = await Terminal.open();
-  try {
-    await page.keyboard.type("Grüße, ");
-    await insert("Ελλάδα 你好 👍🏽\n" + "äöü ЖЩЫ ".repeat(20));
-    await page.click("[data-key=escape]");
-    await page.keyboard.press("Enter");
-    await page.click("#panel-keyboard [data-modifier=control]");
-    await page.keyboard.type("d");
-    await page.click("#panel-keyboard [data-modifier=control]");
-    await page.keyboard.type("Z");
-    await terminal.gets(`Grüße, Ελλάδα 你好 👍🏽\r${"äöü ЖЩЫ ".repeat(20)}\x1b\r\x04Z`);
-  } finally {
-    terminal.close();
-  }
 });
 
 test("a long text goes in pieces, one at a time, and can be stopped", async () => {
@@ -119,10 +100,8 @@ test("modifiers hold until they are tapped again, or the page is left", async ()
 
   await page.click("#tab-keyboard");
   await page.click("[data-shortcut=copy]");
-  await page.click("[data-shortcut=switch]");
   await control.click();
-  await sends("keyDown control", "keyPress c", "keyUp control", "keyDown option", "keyPress tab",
-    "keyUp option", "keyDown control");
+  await sends("keyDown control", "keyPress c", "keyUp control", "keyDown control");
   await page.evaluate(() => window.dispatchEvent(new Event("blur")));
   await sends("keyUp control");
   await control.click();
@@ -138,7 +117,6 @@ test("a key repeats for as long as a finger is on it", async () => {
   const { length } = line.calls;
   await sleep(200);
   assert.equal(line.calls.length, length);
-  assert.ok(line.calls.every((call) => call === "keyPress up"));
   assert.ok(await field.evaluate((area) => area === document.activeElement));
 });
 

@@ -4,9 +4,8 @@
 import assert from "node:assert/strict";
 import { after, afterEach, before, beforeEach } from "node:test";
 
-import { Fingers, Host, launchBrowser, openPhone, putPointer, Witness } from "./desktop.js";
-
-export const CONNECTED = "body[data-state=connected]";
+import { CONNECTED, Fingers, Host, launchBrowser, openPhone, putPointer, Witness }
+  from "./desktop.js";
 
 export let host;
 export let browser;

@@ -40,11 +40,6 @@ class ChildProcess {
   GSubprocess* _process;
 };
 
-/// `eventually` by its other name.
-inline bool loopUntil(const std::function<bool()>& holds) {
-  return eventually(holds);
-}
-
 /// Runs a command to its end and takes its standard output.
 std::string outputOf(const std::vector<std::string>& arguments);
 

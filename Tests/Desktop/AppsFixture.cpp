@@ -54,7 +54,7 @@ namespace {
 constexpr const char* kSchema = R"(<schemalist>
   <schema id="org.gnome.shell" path="/org/gnome/shell/">
     <key name="favorite-apps" type="as">
-      <default>['favourite.desktop', 'gone.desktop', 'zebra.desktop']</default>
+      <default>['favourite.desktop', 'gone.desktop']</default>
     </key>
   </schema>
 </schemalist>)";

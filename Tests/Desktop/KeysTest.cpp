@@ -2,10 +2,15 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
+#include <xkbcommon/xkbcommon-x11.h>
+#include <xkbcommon/xkbcommon.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <random>
+#include <sstream>
+#include <stdexcept>
 
 #include "Platform/Events.h"
 #include "Platform/Linux/Permissions.h"
@@ -14,7 +19,7 @@
 #include "Runner/Input/MediaKeys.h"
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/KeysListener.h"
+#include "Tests/Desktop/Observer.h"
 #include "Tests/Desktop/TypingKeyboard.h"
 
 namespace tapdeck::testing {
@@ -23,64 +28,92 @@ namespace {
 using ::testing::ElementsAre;
 using Lines = std::vector<std::string>;
 
-struct Named {
-  const char* name;
-  const char* keysym;
+/// A window with the keyboard focus. Translates the keys that it hears as applications do, by the
+/// server's map and each event's state, with a library of its own.
+class KeysListener {
+ public:
+  explicit KeysListener(Observer& observer) : _observer(observer) {
+    const xcb_window_t window = _observer.coverScreen();
+    const uint32_t events = XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_KEY_RELEASE |
+                            XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE;
+    xcb_change_window_attributes(_observer.get(), window, XCB_CW_EVENT_MASK, &events);
+    xcb_set_input_focus(_observer.get(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    _observer.sync();
+    if (xkb_x11_setup_xkb_extension(
+            _observer.get(), XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+            XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, nullptr, nullptr) == 0) {
+      throw std::runtime_error("no X keyboard extension");
+    }
+  }
+
+  /// Waits for so many presses and releases, of keys and buttons, and gives them as "down Shift_L",
+  /// "up Control+c" (with the modifiers that act on it) and "button 1".
+  std::vector<std::string> heard(size_t count) {
+    std::vector<std::string> lines;
+    eventually([&] {
+      while (lines.size() < count) {
+        const auto event = Observer::owned(xcb_poll_for_event(_observer.get()));
+        if (event == nullptr) return false;
+        if (const std::string line = lineFor(*event); !line.empty()) lines.push_back(line);
+      }
+      return true;
+    });
+    return lines;
+  }
+
+ private:
+  std::string lineFor(const xcb_generic_event_t& event) {
+    // the kinds of event are laid out alike
+    const auto& input = reinterpret_cast<const xcb_key_press_event_t&>(event);
+    const auto kind = event.response_type;
+    if (kind == XCB_BUTTON_PRESS) return "button " + std::to_string(input.detail);
+    if (kind != XCB_KEY_PRESS && kind != XCB_KEY_RELEASE) return {};
+    return (kind == XCB_KEY_PRESS ? "down " : "up ") + keyText(input.detail, input.state);
+  }
+
+  std::string keyText(uint8_t code, uint16_t state) {
+    const std::shared_ptr<xkb_context> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS),
+                                               &xkb_context_unref);
+    const std::shared_ptr<xkb_keymap> keymap(
+        xkb_x11_keymap_new_from_device(context.get(), _observer.get(),
+                                       xkb_x11_get_core_keyboard_device_id(_observer.get()),
+                                       XKB_KEYMAP_COMPILE_NO_FLAGS),
+        &xkb_keymap_unref);
+    const std::shared_ptr<xkb_state> keyboard(xkb_state_new(keymap.get()), &xkb_state_unref);
+    xkb_state_update_mask(keyboard.get(), state & 0xff, 0, 0, 0, 0, state >> 13 & 3);
+    const xkb_keysym_t keysym = xkb_state_key_get_one_sym(keyboard.get(), code);
+    char name[64] = "";
+    xkb_keysym_get_name(keysym, name, sizeof name);
+    std::string text;
+    const auto add = [&](uint16_t mask, const char* modifier) {
+      if ((state & mask) != 0) text += std::string(modifier) + "+";
+    };
+    add(XCB_MOD_MASK_CONTROL, "Control");
+    add(XCB_MOD_MASK_1, "Alt");
+    add(XCB_MOD_MASK_4, "Super");
+    return text + name;
+  }
+
+  Observer& _observer;
 };
-// with the letters and digits, which name themselves, all names that a key has
-constexpr Named kNamed[] = {
-    {"space", "space"},
-    {"return", "Return"},
-    {"enter", "Return"},
-    {"tab", "Tab"},
-    {"delete", "BackSpace"},
-    {"backspace", "BackSpace"},
-    {"escape", "Escape"},
-    {"esc", "Escape"},
-    {"left", "Left"},
-    {"right", "Right"},
-    {"down", "Down"},
-    {"up", "Up"},
-    {"arrowleft", "Left"},
-    {"arrowright", "Right"},
-    {"arrowdown", "Down"},
-    {"arrowup", "Up"},
-    {"f1", "F1"},
-    {"f2", "F2"},
-    {"f3", "F3"},
-    {"f4", "F4"},
-    {"f5", "F5"},
-    {"f6", "F6"},
-    {"f7", "F7"},
-    {"f8", "F8"},
-    {"f9", "F9"},
-    {"f10", "F10"},
-    {"f11", "F11"},
-    {"f12", "F12"},
-    {"shift", "Shift_L"},
-    {"control", "Control_L"},
-    {"option", "Alt_L"},
-    {"command", "Super_L"},
-    {"ctrl", "Control_L"},
-    {"alt", "Alt_L"},
-    {"cmd", "Super_L"},
-    {"home", "Home"},
-    {"end", "End"},
-    {"pageup", "Prior"},
-    {"pagedown", "Next"},
-    {"capslock", "Caps_Lock"},
-    {"-", "minus"},
-    {"=", "equal"},
-    {"[", "bracketleft"},
-    {"]", "bracketright"},
-    {"\\", "backslash"},
-    {";", "semicolon"},
-    {"'", "apostrophe"},
-    {",", "comma"},
-    {".", "period"},
-    {"/", "slash"},
-    {"`", "grave"},
-};
+
+/// Every name that a key has, and its keysym's. The last one makes those after it capital.
+std::vector<std::pair<std::string, std::string>> namedKeys() {
+  std::istringstream names(
+      "space space return Return enter Return tab Tab delete BackSpace backspace BackSpace "
+      "escape Escape esc Escape left Left right Right down Down up Up arrowleft Left "
+      "arrowright Right arrowdown Down arrowup Up shift Shift_L control Control_L ctrl Control_L "
+      "option Alt_L alt Alt_L command Super_L cmd Super_L home Home end End pageup Prior "
+      "pagedown Next - minus = equal [ bracketleft ] bracketright \\ backslash ; semicolon "
+      "' apostrophe , comma . period / slash ` grave f1 F1 f2 F2 f3 F3 f4 F4 f5 F5 f6 F6 f7 F7 "
+      "f8 F8 f9 F9 f10 F10 f11 F11 f12 F12 capslock Caps_Lock");
+  std::vector<std::pair<std::string, std::string>> keys;
+  for (const char each : std::string("abcdefghijklmnopqrstuvwxyz0123456789")) {
+    keys.emplace_back(std::string(1, each), std::string(1, each));
+  }
+  for (std::string name, keysym; names >> name >> keysym;) keys.emplace_back(name, keysym);
+  return keys;
+}
 
 void postMouse(CGEventType type, double x, double y, CGMouseButton button = kCGMouseButtonLeft) {
   const Owned event(CGEventCreateMouseEvent(nullptr, type, CGPointMake(x, y), button));
@@ -92,6 +125,7 @@ int holdAtRandom(unsigned seed, const std::string& end) {
   quartz::connectToWindowServer();
   // to start is all that the next one need do
   if (end == "nothing") return 0;
+  const auto names = namedKeys();
   std::mt19937 random(seed);
   for (int i = 0; i < 40; ++i) {
     const bool down = random() % 3 != 0;
@@ -109,7 +143,7 @@ int holdAtRandom(unsigned seed, const std::string& end) {
         typeUnicodeText(i % 2 == 0 ? "\u0436\u03C9" : "ok");
         break;
       default:
-        postKey(keyCodeForName(kNamed[random() % std::size(kNamed)].name), down);
+        postKey(keyCodeForName(names[random() % names.size()].first), down);
     }
   }
   // when the pointer has come, so has all before it
@@ -185,14 +219,10 @@ class KeysTest : public ::testing::Test {
 };
 
 TEST_F(KeysTest, EveryNameGivesItsKeyUnderEveryLayout) {
-  std::vector<std::pair<std::string, std::string>> names;
-  for (const char* each = "abcdefghijklmnopqrstuvwxyz0123456789"; *each != '\0'; ++each) {
-    names.emplace_back(std::string(1, *each), std::string(1, *each));
-  }
-  for (const auto& [name, keysym] : kNamed) names.emplace_back(name, keysym);
+  const auto names = namedKeys();
   ASSERT_EQ(names.size(), 87U);
-  const std::pair<const char*, uint8_t> layouts[] = {{"us", 0}, {"de", 0},    {"fr", 0},
-                                                     {"ru", 0}, {"us,ru", 0}, {"us,ru", 1}};
+  const std::pair<const char*, uint8_t> layouts[] = {
+      {"us", 0}, {"fr", 0}, {"us,ru", 0}, {"us,ru", 1}};
   for (const auto& [layout, group] : layouts) {
     connect(layout, group);
     for (const auto& [name, keysym] : names) {
@@ -225,9 +255,9 @@ TEST_F(KeysTest, ModifiersActOnEveryKindOfKey) {
   tap("space", kCGEventFlagMaskCommand);
   EXPECT_THAT(listener.heard(4), ElementsAre("down Super_L", "down Super+space", "up Super+space",
                                              "up Super+Super_L"));
-  postMediaKey(MediaKey::playPause);
-  postMediaKey(MediaKey::next);
-  postMediaKey(MediaKey::previous);
+  for (const MediaKey key : {MediaKey::playPause, MediaKey::next, MediaKey::previous}) {
+    postMediaKey(key);
+  }
   EXPECT_THAT(listener.heard(6),
               ElementsAre("down XF86AudioPlay", "up XF86AudioPlay", "down XF86AudioNext",
                           "up XF86AudioNext", "down XF86AudioPrev", "up XF86AudioPrev"));

@@ -65,8 +65,6 @@ TEST_F(LoginItemsTest, ReadsWhatTheUserMadeOfIt) {
                           "X-MATE-Autostart-enabled=false", "OnlyShowIn=Nowhere;"}) {
     EXPECT_EQ(statusOf(ours + off + "\n"), LoginItemStatus::requiresApproval) << off;
   }
-  EXPECT_EQ(statusOf(ours + "Hidden=false\nX-GNOME-Autostart-enabled=true\n"),
-            LoginItemStatus::enabled);
   const std::string entry = "[Desktop Entry]\nType=Application\nName=Tapdeck\n";
   for (const std::string& text : {std::string(), ours + "?\n", entry, entry + "Exec=true\n",
                                   entry + "Exec=\"\n", ours + "TryExec=/nowhere/tapdeck-host\n"}) {
@@ -86,7 +84,7 @@ TEST_F(LoginItemsTest, TheEntryStartsThisProgramWithItsOptions) {
   const std::string output = (folder.path / "words").string();
   g_setenv("LOGIN_TESTS_WORDS", output.c_str(), TRUE);
   launch(path);
-  EXPECT_TRUE(loopUntil([&output] { return contentsOf(output) == commandLineOf(getpid()); }))
+  EXPECT_TRUE(eventually([&output] { return contentsOf(output) == commandLineOf(getpid()); }))
       << contentsOf(path);
   g_unsetenv("LOGIN_TESTS_WORDS");
 }
@@ -107,7 +105,7 @@ TEST_F(LoginItemsTest, TheHostStartsAgainFromItsEntry) {
   const fs::path program = odd / "tapdeck-host";
   fs::copy_file(hostProgram, program);
   EXPECT_FALSE(platform::userDefaultsBool("LaunchAtLogin__hasMigrated"));
-  const auto isServing = [] { return loopUntil([] { return readSession().has_value(); }); };
+  const auto isServing = [] { return eventually([] { return readSession().has_value(); }); };
   std::string words;
   {
     ChildProcess host({program.string(), "--port=0", "-l", "::1"});
@@ -115,16 +113,6 @@ TEST_F(LoginItemsTest, TheHostStartsAgainFromItsEntry) {
     words = commandLineOf(host.id());
     EXPECT_EQ(call("launchAtStartupIsEnabled"), "false\n");
     EXPECT_TRUE(platform::userDefaultsBool("LaunchAtLogin__hasMigrated"));
-    std::ofstream(path.parent_path()) << "in the way";
-    EXPECT_EQ(set(true) + set(false), "null\nnull\n");
-    for (const char* failed : {"Failed to enable launch at login: ", "Failed to disable"}) {
-      EXPECT_NE(host.errors().find(failed), std::string::npos) << host.errors();
-    }
-    fs::remove(path.parent_path());
-    EXPECT_EQ(set(true), "null\n");
-    EXPECT_EQ(call("launchAtStartupIsEnabled"), "true\n");
-    std::ofstream(path, std::ios::app) << "X-GNOME-Autostart-enabled=false\n";
-    EXPECT_EQ(call("launchAtStartupIsEnabled"), "false\n");
     EXPECT_EQ(set(true), "null\n");
     EXPECT_EQ(call("launchAtStartupIsEnabled"), "true\n");
     host.send(SIGTERM);
@@ -137,7 +125,7 @@ TEST_F(LoginItemsTest, TheHostStartsAgainFromItsEntry) {
   EXPECT_EQ(set(false), "null\n");
   EXPECT_FALSE(fs::exists(path));
   kill(second, SIGTERM);
-  EXPECT_TRUE(loopUntil([] { return !fs::exists(sessionFilePath()); }));
+  EXPECT_TRUE(eventually([] { return !fs::exists(sessionFilePath()); }));
 }
 
 }  // namespace

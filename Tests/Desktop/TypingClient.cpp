@@ -43,8 +43,7 @@ std::vector<std::string> commandFor(TypingClient::Kind kind, const std::string& 
 std::string activeTitle(Observer& observer) {
   const auto cookie = xcb_get_property(observer.get(), 0, observer.activeWindow(), XCB_ATOM_WM_NAME,
                                        XCB_GET_PROPERTY_TYPE_ANY, 0, 256);
-  const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
-      xcb_get_property_reply(observer.get(), cookie, nullptr), &std::free);
+  const auto reply = Observer::owned(xcb_get_property_reply(observer.get(), cookie, nullptr));
   if (reply == nullptr) return {};
   return {static_cast<const char*>(xcb_get_property_value(reply.get())),
           static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
@@ -67,24 +66,21 @@ TypingClient::TypingClient(Kind kind, Observer& observer) : _kind(kind) {
 std::string TypingClient::received(const std::string& expected) {
   std::string wanted = expected;
   if (_kind == Kind::terminal) std::replace(wanted.begin(), wanted.end(), '\n', '\r');
-  std::string before;
+  std::string fresh;
   _changed = Clock::now();
-  while (true) {
-    const std::string all = contentsOf(_file);
-    std::string fresh = all.substr(std::min(_seen, all.size()));
-    if (fresh != before) _changed = Clock::now();
-    const bool isOver = Clock::now() - _changed > kSilence;
-    if (fresh == wanted || isOver) {
-      // something too much would come at once
-      if (!isOver) std::this_thread::sleep_for(milliseconds(30));
-      fresh = contentsOf(_file).substr(std::min(_seen, all.size()));
-      _seen += fresh.size();
-      if (_kind == Kind::terminal) std::replace(fresh.begin(), fresh.end(), '\r', '\n');
-      return fresh;
-    }
-    before = std::move(fresh);
+  do {
     std::this_thread::sleep_for(milliseconds(10));
-  }
+    std::string now = contentsOf(_file);
+    now.erase(0, _seen);
+    if (now != fresh) _changed = Clock::now();
+    fresh = std::move(now);
+  } while (fresh != wanted && Clock::now() - _changed < kSilence);
+  // something too much would come at once
+  std::this_thread::sleep_for(milliseconds(30));
+  fresh = contentsOf(_file).substr(_seen);
+  _seen += fresh.size();
+  if (_kind == Kind::terminal) std::replace(fresh.begin(), fresh.end(), '\r', '\n');
+  return fresh;
 }
 
 }  // namespace tapdeck::testing

@@ -18,14 +18,11 @@ class TypingClient {
   /// Starts it and waits until it has the focus.
   TypingClient(Kind kind, Observer& observer);
 
-  Kind kind() const { return _kind; }
   /// What came since the last call: waits until it is `expected`, or until nothing more has come
   /// for a long time. A terminal has a carriage return for each line end.
   std::string received(const std::string& expected);
   /// When the last of that came.
   std::chrono::steady_clock::time_point lastChange() const { return _changed; }
-  /// To stop its reading, and to let it read on.
-  void signal(int number) { _process->send(number); }
 
  private:
   Kind _kind;

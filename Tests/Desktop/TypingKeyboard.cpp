@@ -1,30 +1,16 @@
 #include "Tests/Desktop/TypingKeyboard.h"
 
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <stdexcept>
 
 #include "Platform/Linux/Quartz/Keyboard/XkbProtocol.h"
 #include "Runner/Owned.h"
+#include "Tests/Desktop/ApplicationProcess.h"
 
 namespace tapdeck::testing {
 namespace {
 
-template <typename Packet>
-std::unique_ptr<Packet, decltype(&std::free)> owned(Packet* packet) {
-  return {packet, &std::free};
-}
-
-std::string outputOf(const std::string& command) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command.c_str(), "r"), &::pclose);
-  if (pipe == nullptr) throw std::runtime_error(command);
-  std::string output;
-  for (int character; (character = std::fgetc(pipe.get())) != EOF;) {
-    output.push_back(static_cast<char>(character));
-  }
-  return output;
-}
+constexpr auto owned = [](auto* packet) { return Observer::owned(packet); };
 
 }  // namespace
 
@@ -68,7 +54,7 @@ std::string TypingKeyboard::pressedKeys() {
 }
 
 std::string TypingKeyboard::dump() {
-  const std::string text = outputOf("xkbcomp -w 0 -xkb $DISPLAY - 2>/dev/null");
+  const std::string text = outputOf({"sh", "-c", "xkbcomp -w 0 -xkb $DISPLAY -"});
   if (text.find("xkb_symbols") == std::string::npos) throw std::runtime_error("xkbcomp");
   return text;
 }

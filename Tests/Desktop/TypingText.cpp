@@ -50,20 +50,12 @@ std::string longText() {
   return text;
 }
 
-std::string shortText() {
-  std::string text = "aA zZ1!\"€@\\ éÖß ξΨ ёЖ ش漢字\n\t";
-  text += "👍🏽👨‍👩‍👧 e\u0301.\n";
-  return text;
-}
-
 std::string differenceOf(const std::string& sent, const std::string& received) {
   const auto [here, there] =
       std::mismatch(sent.begin(), sent.end(), received.begin(), received.end());
   const auto place = static_cast<size_t>(here - sent.begin());
-  const size_t from = place < 30 ? 0 : place - 30;
-  return "at byte " + std::to_string(place) + " of " + std::to_string(sent.size()) + " (" +
-         std::to_string(received.size()) + " came), after \"" + sent.substr(from, place - from) +
-         "\": sent \"" + sent.substr(place, 40) + "\", received \"" +
+  return "at byte " + std::to_string(place) + " of " + std::to_string(sent.size()) + ": sent \"" +
+         sent.substr(place, 40) + "\", received \"" +
          received.substr(static_cast<size_t>(there - received.begin()), 40) + "\"";
 }
 

@@ -8,9 +8,6 @@ namespace tapdeck::testing {
 /// than a keyboard's map has room for, and every one of ASCII's.
 std::string longText();
 
-/// A few of each kind.
-std::string shortText();
-
 /// Where and how they differ first, for people.
 std::string differenceOf(const std::string& sent, const std::string& received);
 

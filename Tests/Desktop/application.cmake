@@ -2,10 +2,8 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(APPLICATION_TESTS REQUIRED IMPORTED_TARGET gtkmm-3.0 xcb xcb-randr)
 
 add_executable(application_tests
-  ApplicationFrontsTest.cpp ApplicationHostTest.cpp ApplicationMain.cpp
-  ApplicationPasteboardTest.cpp ApplicationProcess.cpp ApplicationScreenTest.cpp
-  ApplicationSelectionOwner.cpp
-  Observer.cpp PrivateServer.cpp)
+  ApplicationFrontsTest.cpp ApplicationHostTest.cpp ApplicationPasteboardTest.cpp
+  ApplicationProcess.cpp ApplicationScreenTest.cpp Observer.cpp PrivateServer.cpp)
 target_link_libraries(application_tests PRIVATE
   tapdeck_runner tapdeck_application tapdeck_session PkgConfig::APPLICATION_TESTS GTest::gmock)
 add_dependencies(application_tests tapdeck-host tapdeck-call)

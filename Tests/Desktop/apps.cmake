@@ -7,11 +7,7 @@ target_link_libraries(apps_tests PRIVATE
 add_test(NAME apps_tests
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/../Support/with-desktop $<TARGET_FILE:apps_tests>)
 set_tests_properties(apps_tests PROPERTIES LABELS desktop TIMEOUT 120)
-set(slowness 1)
 if(TAPDECK_SANITIZE)
-  # the thorough unwinder takes its time at each allocation
-  set(slowness 40)
   set_tests_properties(apps_tests PROPERTIES ENVIRONMENT
     "ASAN_OPTIONS=fast_unwind_on_malloc=0;LSAN_OPTIONS=print_suppressions=0:suppressions=${CMAKE_CURRENT_SOURCE_DIR}/application-leaks.txt")
 endif()
-target_compile_definitions(apps_tests PRIVATE SLOWNESS=${slowness})

@@ -19,7 +19,7 @@ foreach(client textview terminal)
 endforeach()
 
 pkg_check_modules(KEYS_TESTS REQUIRED IMPORTED_TARGET xcb xcb-xkb xkbcommon xkbcommon-x11 glib-2.0)
-add_executable(keys_tests KeysListener.cpp KeysTest.cpp Observer.cpp TypingKeyboard.cpp)
+add_executable(keys_tests ApplicationProcess.cpp KeysTest.cpp Observer.cpp TypingKeyboard.cpp)
 target_link_libraries(keys_tests PRIVATE tapdeck_runner_input tapdeck_platform tapdeck_quartz
                                          PkgConfig::KEYS_TESTS GTest::gmock)
 add_test(NAME keys_tests

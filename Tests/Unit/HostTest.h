@@ -59,6 +59,14 @@ class HostTest : public ::testing::Test {
     script().eventLocation = CGPoint{x, y};
   }
 
+  /// The trace's line for a mouse event of this CGEventType.
+  static std::string mouse(int type, int x, int y, int button = 0, int clicks = 0,
+                           const std::string& source = "0") {
+    return "post mouse " + std::to_string(type) + " at (" + std::to_string(x) + "," +
+           std::to_string(y) + ") button " + std::to_string(button) + " source " + source +
+           (clicks > 0 ? " field 1 = " + std::to_string(clicks) : "");
+  }
+
   std::optional<Outcome> outcome(const std::string& method, Value arguments = Value()) {
     return engine->call("com.tapdeck/control", method, std::move(arguments));
   }

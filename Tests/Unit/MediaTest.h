@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "Tests/Support/Recording/Applications.h"
 #include "Tests/Unit/HostTest.h"
 
 namespace tapdeck {
@@ -16,18 +15,16 @@ class MediaTest : public HostTest {
   using Child = recording::Child;
 
   MediaTest() {
-    recording::applications() = {};
     script().media.childFor = [this](const std::string& program) {
       const auto found = answers.find({questionOf(program), playerOf(program)});
       return found != answers.end() ? found->second : Child();
     };
   }
-  ~MediaTest() override { recording::applications() = {}; }
 
   static void run(const std::vector<std::string>& names) {
-    recording::applications().running.clear();
+    script().applications.running.clear();
     for (const std::string& name : names) {
-      recording::applications().running.push_back(
+      script().applications.running.push_back(
           {platform::ActivationPolicy::regular, std::nullopt, name, 1});
     }
   }

@@ -29,11 +29,9 @@ class ReplyTest : public testing::Test {
 };
 
 TEST_F(ReplyTest, DiscardsSecondAnswer) {
-  {
-    Reply once = reply();
-    once.success(Value("first"));
-    once.error("LATE", "second");
-  }
+  Reply once = reply();
+  once.success(Value("first"));
+  once.error("LATE", "second");
   expect({Value("first")}, 1);
 }
 

@@ -9,16 +9,16 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-MethodCall call(const std::string& method) {
-  return {method, Value()};
+MethodCall call(const std::string& method, Value arguments = Value()) {
+  return {method, std::move(arguments)};
 }
 
 MethodCall key(const std::string& method, const std::string& name) {
-  return {method, Value(ValueMap{{"key", Value(name)}})};
+  return call(method, Value(ValueMap{{"key", Value(name)}}));
 }
 
 MethodCall button(const std::string& method, Value name) {
-  return {method, Value(ValueMap{{"button", std::move(name)}})};
+  return call(method, Value(ValueMap{{"button", std::move(name)}}));
 }
 
 void note(Holds& holds, Holds::Connection connection, const std::vector<MethodCall>& calls) {

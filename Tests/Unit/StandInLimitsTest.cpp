@@ -66,7 +66,6 @@ TEST_F(StandInLimits, MessageInEndlessFragments) {
   int sent = 0;
   while (sent < 64 && !engine->peers().empty() && client->write(fragment + pong)) ++sent;
   EXPECT_TRUE(waitForPeers(0));
-  // The kernel's buffers take some more than the engine does.
   EXPECT_LT(sent, 64);
   EXPECT_THAT(calls, ElementsAre("mouseDown", "mouseUp button=left"));
 }

@@ -1,22 +1,20 @@
 // Applications and their files, recorded.
 
-#include "Tests/Support/Recording/Applications.h"
-
 #include <algorithm>
-#include <utility>
 
 #include "Platform/Files.h"
 #include "Platform/PropertyLists.h"
 #include "Tests/Support/Recording/Recording.h"
 
-namespace tapdeck::recording {
+namespace tapdeck::platform {
 
-ApplicationsScript& applications() {
-  static ApplicationsScript current;
-  return current;
-}
+using recording::record;
 
 namespace {
+
+const recording::Applications& applications() {
+  return recording::script().applications;
+}
 
 template <typename Content>
 std::optional<Content> at(const std::map<std::string, Content>& all, const std::string& key) {
@@ -25,12 +23,6 @@ std::optional<Content> at(const std::map<std::string, Content>& all, const std::
 }
 
 }  // namespace
-}  // namespace tapdeck::recording
-
-namespace tapdeck::platform {
-
-using recording::applications;
-using recording::record;
 
 std::vector<RunningApplication> runningApplications() {
   return applications().running;
@@ -38,7 +30,7 @@ std::vector<RunningApplication> runningApplications() {
 
 std::optional<std::string> bundleIdentifierAt(const std::string& path) {
   record("bundle " + path);
-  return recording::at(applications().bundles, path);
+  return at(applications().bundles, path);
 }
 
 std::optional<std::string> pathForApplication(const std::string& bundleIdentifier) {
@@ -59,12 +51,12 @@ std::string homeDirectory() {
 
 std::vector<std::string> contentsOfDirectory(const std::string& path) {
   record("list " + path);
-  return recording::at(applications().folders, path).value_or(std::vector<std::string>());
+  return at(applications().folders, path).value_or(std::vector<std::string>());
 }
 
 std::optional<ValueMap> dictionaryFromFile(const std::string& path) {
   record("read " + path);
-  return recording::at(applications().propertyLists, path);
+  return at(applications().propertyLists, path);
 }
 
 }  // namespace tapdeck::platform

@@ -4,13 +4,10 @@
 
 #include <utility>
 
-#include "Platform/Applications.h"
-#include "Tests/Support/Recording/Applications.h"
 #include "Tests/Support/Recording/Recording.h"
 
 namespace tapdeck::platform {
 
-using recording::applications;
 using recording::describe;
 using recording::record;
 using recording::script;
@@ -26,12 +23,8 @@ struct Bitmap {
 namespace {
 
 std::shared_ptr<const Image> icon(std::string name) {
-  if (applications().iconFails) return nullptr;
+  if (script().applications.iconFails) return nullptr;
   return std::make_shared<const Image>(Image{std::move(name)});
-}
-
-std::string describe(CGSize size) {
-  return recording::describe(CGPointMake(size.width, size.height));
 }
 
 }  // namespace
@@ -55,25 +48,26 @@ CGSize sizeOf(const Image&) {
 }
 
 std::shared_ptr<Bitmap> createBitmap(int64_t width, int64_t height) {
-  if (applications().bitmapFails) return nullptr;
+  if (script().applications.bitmapFails) return nullptr;
   return std::make_shared<Bitmap>(
       Bitmap{std::to_string(width) + "x" + std::to_string(height) + " bitmap"});
 }
 
 void setPointSize(Bitmap& bitmap, CGSize size) {
-  record(bitmap.name + " is " + describe(size) + " points");
+  record(bitmap.name + " is " + describe({size.width, size.height}) + " points");
 }
 
 void copyOnto(Bitmap& bitmap, const Image& image, CGRect part) {
   const bool isWhole = part.size.width == 0 && part.size.height == 0;
-  const std::string of =
-      isWhole ? "" : describe(part.size) + " at " + recording::describe(part.origin) + " of ";
+  const std::string of = isWhole ? ""
+                                 : describe({part.size.width, part.size.height}) + " at " +
+                                       describe(part.origin) + " of ";
   record("copy " + of + image.name + " onto " + bitmap.name);
 }
 
 std::optional<std::vector<uint8_t>> pngOf(const Bitmap& bitmap, double compressionFactor) {
   record("PNG of " + bitmap.name + " compressed by " + std::to_string(compressionFactor));
-  return applications().png;
+  return script().applications.png;
 }
 
 std::optional<std::vector<uint8_t>> jpegOf(const Bitmap& bitmap, double compressionFactor) {

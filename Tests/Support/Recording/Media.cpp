@@ -15,10 +15,6 @@
 
 namespace tapdeck::recording {
 
-void endChildren() {
-  for (const auto& end : std::exchange(queued().childEnds, {})) end();
-}
-
 void completeDownloads() {
   for (const auto& complete : std::exchange(queued().downloads, {})) complete();
 }
@@ -41,7 +37,6 @@ struct Task::Process {
   std::vector<std::string> arguments;
   std::optional<Pipe> output;
   std::optional<Pipe> errors;
-  std::function<void(int32_t)> handler;
   recording::Child child;
   std::optional<double> end;
 
@@ -84,9 +79,7 @@ void Task::setStandardError(const Pipe& pipe) {
   _process->errors = pipe;
 }
 
-void Task::setTerminationHandler(std::function<void(int32_t status)> handler) {
-  _process->handler = std::move(handler);
-}
+void Task::setTerminationHandler(std::function<void(int32_t status)>) {}
 
 void Task::launch() {
   _process->executable = _process->launchPath;
@@ -101,11 +94,6 @@ std::optional<std::string> Task::launchAndReturnError() {
   _process->child = child;
   _process->end = script().uptime + child.seconds;
   if (_process->output) _process->output->_ends->data = child.output;
-  if (_process->errors) _process->errors->_ends->data = child.errors;
-  if (_process->handler) {
-    queued().childEnds.emplace_back(
-        [handler = _process->handler, status = child.status] { handler(status); });
-  }
   return std::nullopt;
 }
 

@@ -14,7 +14,6 @@ namespace tapdeck::recording {
 /// How a child process behaves.
 struct Child {
   std::string output = {};
-  std::string errors = {};
   int32_t status = 0;
   /// From its start to its end, by the script's clock.
   double seconds = 0;
@@ -37,9 +36,6 @@ struct Media {
   std::optional<CGSize> imageSize;
   std::optional<std::vector<uint8_t>> jpeg;
 };
-
-/// Ends the children that have termination handlers, in the order of their start.
-void endChildren();
 
 /// Hands over what is still to come of downloads.
 void completeDownloads();

@@ -13,7 +13,6 @@ struct Queued {
   std::vector<std::function<void()>> screenObservers;
   /// By their numbers, from 1.
   std::map<int, std::function<void()>> timers;
-  std::vector<std::function<void()>> childEnds;
   std::vector<std::function<void()>> downloads;
 };
 

@@ -1,21 +1,58 @@
 #pragma once
 
-#include <CoreGraphics/CoreGraphics.h>
+#include <ApplicationServices/ApplicationServices.h>
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "Engine/Value.h"
+#include "Platform/Applications.h"
+#include "Platform/LoginItems.h"
 #include "Platform/Screens.h"
-#include "Tests/Support/Recording/LoginItems.h"
 #include "Tests/Support/Recording/Media.h"
 #include "Tests/Support/Recording/ScreenImages.h"
-#include "Tests/Support/Recording/Windows.h"
 
 namespace tapdeck::recording {
+
+/// What the recording platform answers about applications.
+struct Applications {
+  std::vector<platform::RunningApplication> running;
+  std::map<std::string, ValueMap> propertyLists;
+  std::map<std::string, std::vector<std::string>> folders;
+  /// Bundle identifiers by the bundle's path.
+  std::map<std::string, std::string> bundles;
+  bool iconFails = false;
+  bool bitmapFails = false;
+  /// What every bitmap is encoded as; absent makes it fail.
+  std::optional<std::vector<uint8_t>> png = std::vector<uint8_t>{0x89, 'P', 'N', 'G'};
+};
+
+/// What the recording platform answers about login items, and what it remembers of them.
+struct LoginItems {
+  bool hasServices = true;
+  platform::LoginItemStatus status = platform::LoginItemStatus::notRegistered;
+  /// What each operation fails with; absent lets it succeed and changes the status.
+  std::optional<std::string> registrationError;
+  std::optional<std::string> unregistrationError;
+  std::optional<std::vector<platform::LaunchdJob>> jobs;
+  std::string bundleIdentifier = "com.example.app";
+  /// A user who has started the application before.
+  std::map<std::string, bool> userDefaults = {{"LaunchAtLogin__hasMigrated", true}};
+};
+
+/// What the recording platform answers about other applications' windows.
+struct OtherWindows {
+  std::map<uint32_t, CGRect> visibleFrames;
+  std::optional<int32_t> frontmostProcess = 321;
+  bool hasFocusedWindow = true;
+  /// What "AXFullScreen" reads as; null makes the read fail. Not owned.
+  CFTypeRef fullScreen = kCFBooleanFalse;
+  bool valueFails = false;
+  AXError positionError = kAXErrorSuccess;
+};
 
 /// What the recording platform answers, and what it lets fail. A test sets it before it calls.
 struct Script {
@@ -48,6 +85,7 @@ struct Script {
   std::map<std::string, std::string> environment;
   bool urlsParse = true;
 
+  Applications applications;
   LoginItems loginItems;
   OtherWindows windows;
   ScreenImages images;
@@ -63,8 +101,8 @@ void reset();
 /// Adds a line to the trace; for the other recording parts.
 void record(const std::string& line);
 
-/// The platform calls since the last time, in order, one line each. Calls that only read are not
-/// in it.
+/// The platform calls since the last time, in order, one line each. Calls that only read are
+/// not in it.
 std::vector<std::string> takeTrace();
 
 /// Runs what was queued so far on the global queues, or on the main queue, in order.
