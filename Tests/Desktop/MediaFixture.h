@@ -1,11 +1,16 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 
 #include "Tests/Desktop/ApplicationProcess.h"
 
 namespace tapdeck::testing {
+
+/// Whoever hangs does so for ever; how soon that is noticed also depends on how busy the machine
+/// is.
+inline constexpr std::chrono::seconds kForEver{10};
 
 /// The interpreter's executable, from the command line.
 extern std::string interpreterProgram;

@@ -22,6 +22,10 @@ using ::testing::Not;
 
 namespace fs = std::filesystem;
 
+/// Whoever hangs does so for ever; how soon that is noticed also depends on how busy the machine
+/// is.
+constexpr std::chrono::seconds kForEver{10};
+
 struct RunningHost : ChildProcess {
   RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
     EXPECT_TRUE(awaitLine()) << errors();
@@ -96,7 +100,7 @@ TEST(MediaHostTest, APlayerThatHangsHoldsNothingUpForLong) {
   const ScriptedPlayer other("vlc");
   const auto start = steady_clock::now();
   EXPECT_EQ(call("mediaNext"), "null\n");
-  EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(2500));
+  EXPECT_LT(steady_clock::now() - start, kForEver);
   EXPECT_TRUE(eventually([&] { return !other.calls().empty(); }));
   EXPECT_THAT(other.calls(), ElementsAre("Next()"));
   EXPECT_THAT(nowPlaying(), HasSubstr(R"("app":"VLC")"));
@@ -171,7 +175,7 @@ TEST(MediaHostTest, LocksAndPowersByTheLoginManager) {
   hangs = true;
   const auto start = steady_clock::now();
   EXPECT_EQ(call("sleepSystem"), "null\n");
-  EXPECT_LT(steady_clock::now() - start, std::chrono::milliseconds(2000));
+  EXPECT_LT(steady_clock::now() - start, kForEver);
   manager.reset();
   const BusPeer saver(std::getenv("DBUS_SESSION_BUS_ADDRESS"), "org.gnome.ScreenSaver",
                       [](const std::string&, GVariant*) { return g_variant_new("()"); });
