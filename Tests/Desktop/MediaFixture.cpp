@@ -4,7 +4,6 @@
 #include <gtkmm/main.h>
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string_view>
 
@@ -14,11 +13,6 @@
 namespace tapdeck::testing {
 
 std::string interpreterProgram;
-
-std::string contentsOf(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 RealPlayer::RealPlayer()
     : _player({"mpv", "--no-video", "--ao=null", "--no-terminal", makeTone().string()}) {

@@ -8,15 +8,11 @@
 
 namespace tapdeck::testing {
 
-/// Whoever hangs does so for ever; how soon that is noticed also depends on how busy the machine
-/// is.
+/// Whoever hangs does so for ever; how soon it is noticed also depends on how busy the machine is.
 inline constexpr std::chrono::seconds kForEver{10};
 
 /// The interpreter's executable, from the command line.
 extern std::string interpreterProgram;
-
-/// Empty when there is no such file.
-std::string contentsOf(const std::filesystem::path& path);
 
 /// A real media player, mpv, that plays a minute of silence by the name "tone.wav".
 class RealPlayer {
