@@ -2,7 +2,10 @@
 
 #include <utility>
 
-#include "Platform/Linux/Quartz/Images/Stages.h"
+#include "Platform/Linux/Pixels/AreaScaler.h"
+#include "Platform/Linux/Pixels/Jpeg.h"
+#include "Platform/Linux/X11/Capture/ScreenGrab.h"
+#include "Platform/Linux/X11/Connection.h"
 #include "Runner/Display/FrameComparison.h"
 
 namespace tapdeck::benchmarks {

@@ -12,7 +12,7 @@
 #include "Benchmarks/CaptureScene.h"
 #include "Benchmarks/Measuring.h"
 #include "Benchmarks/OtherPrograms.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Waking.h"
 
 namespace {

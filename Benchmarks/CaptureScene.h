@@ -5,8 +5,8 @@
 
 #include <optional>
 
-#include "Platform/Linux/Quartz/Connection.h"
-#include "Platform/Linux/Quartz/Images/SegmentPool.h"
+#include "Platform/Linux/X11/Capture/SegmentPool.h"
+#include "Platform/Linux/X11/Connection.h"
 
 namespace tapdeck::benchmarks {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Input/UnicodeText.h"
 #include "Tests/Desktop/TypingClient.h"

@@ -2,7 +2,7 @@
 #include <cstdint>
 #include <string>
 
-#include "Platform/Linux/AppleScript/Run.h"
+#include "Platform/Linux/AppleScript/AppleScript.h"
 #include "Platform/Linux/AppleScript/Value.h"
 
 namespace tapdeck::applescript {

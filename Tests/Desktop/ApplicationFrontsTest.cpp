@@ -11,8 +11,8 @@
 
 #include "Platform/Clock.h"
 #include "Platform/Linux/Application/BrowserName.h"
-#include "Platform/Linux/Permissions.h"
-#include "Platform/Linux/Queues.h"
+#include "Platform/Linux/Fronts/Queues.h"
+#include "Platform/Linux/Permissions/Permissions.h"
 #include "Platform/ProcessInfo.h"
 #include "Platform/Workspace.h"
 #include "Tests/Support/MainLoop.h"

@@ -6,8 +6,8 @@
 #include <filesystem>
 
 #include "Platform/Linux/Application/GtkConnection.h"
-#include "Platform/Linux/Permissions.h"
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
+#include "Platform/Linux/Permissions/Permissions.h"
 #include "Tests/Desktop/PrivateServer.h"
 #include "Tests/Support/MainLoop.h"
 

@@ -10,8 +10,8 @@
 #include <utility>
 #include <vector>
 
-#include "Platform/Linux/Pasteboard.h"
-#include "Platform/Linux/SelectionReader.h"
+#include "Platform/Linux/Fronts/Pasteboard.h"
+#include "Platform/Linux/Fronts/SelectionReader.h"
 #include "Platform/Queues.h"
 #include "Tests/Desktop/ApplicationProcess.h"
 #include "Tests/Desktop/Observer.h"

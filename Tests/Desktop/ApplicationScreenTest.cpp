@@ -3,8 +3,8 @@
 #include <memory>
 #include <string>
 
-#include "Platform/Linux/Quartz/DotShape.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/Fronts/DotShape.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Display/LaserPointer.h"
 #include "Runner/Display/WindowPlacement.h"
 #include "Tests/Desktop/ApplicationProcess.h"

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Apps/Catalogue.h"
 
 namespace tapdeck::testing {

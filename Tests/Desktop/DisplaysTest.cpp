@@ -6,8 +6,9 @@
 #include <sstream>
 
 #include "Platform/Events.h"
-#include "Platform/Linux/Permissions.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/Permissions/Permissions.h"
+#include "Platform/Linux/X11/Session/ServerSession.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Platform/Screens.h"
 #include "Runner/Owned.h"
 #include "Tests/Desktop/Observer.h"

@@ -7,9 +7,10 @@
 #include <future>
 #include <random>
 
-#include "Platform/Linux/Permissions.h"
-#include "Platform/Linux/Quartz/Images/AreaScaler.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/Permissions/Permissions.h"
+#include "Platform/Linux/Pixels/AreaScaler.h"
+#include "Platform/Linux/X11/Session/ServerSession.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Display/ScreenCapture.h"
 #include "Runner/Owned.h"
 #include "Tests/Desktop/Observer.h"

@@ -13,8 +13,8 @@
 #include <stdexcept>
 
 #include "Platform/Events.h"
-#include "Platform/Linux/Permissions.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/Permissions/Permissions.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Input/MediaKeys.h"
 #include "Runner/Input/TextTyping.h"

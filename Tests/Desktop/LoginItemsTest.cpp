@@ -7,7 +7,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/LoginItems.h"
 #include "Platform/UserDefaults.h"
 #include "Tests/Desktop/ApplicationProcess.h"

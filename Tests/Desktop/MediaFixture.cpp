@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "Platform/Linux/AppleScript/Players.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/Media/Players.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 
 namespace tapdeck::testing {
 

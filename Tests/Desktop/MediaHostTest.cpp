@@ -7,7 +7,7 @@
 
 #include "Engine/StandardCodec.h"
 #include "Platform/Linux/Call/HostConnection.h"
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Tests/Desktop/MediaBusPeer.h"
 #include "Tests/Desktop/MediaFixture.h"
 

@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "Platform/Events.h"
-#include "Platform/Linux/Permissions.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/Permissions/Permissions.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Owned.h"
 #include "Tests/Desktop/Observer.h"
 

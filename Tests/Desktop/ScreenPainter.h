@@ -3,8 +3,8 @@
 #include <random>
 #include <vector>
 
-#include "Platform/Linux/Quartz/Connection.h"
-#include "Platform/Linux/Quartz/Images/SegmentPool.h"
+#include "Platform/Linux/X11/Capture/SegmentPool.h"
+#include "Platform/Linux/X11/Connection.h"
 
 namespace tapdeck::testing {
 

@@ -8,7 +8,9 @@
 #include <iterator>
 
 #include "Platform/Events.h"
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/X11/Session/ServerSession.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
+#include "Platform/Linux/X11/WindowServerError.h"
 #include "Platform/Screens.h"
 #include "Runner/Owned.h"
 #include "Tests/Desktop/Observer.h"
@@ -131,7 +133,7 @@ TEST(CursorTest, ShowsAgainAfterAsManyShowsAsHides) {
   CGDisplayHideCursor(0);
   CGDisplayShowCursor(0);
   // the server draws the cursor when it has run out of requests, so before it takes the second
-  for (int i = 0; i < 2; ++i) CGMainDisplayID();
+  for (int i = 0; i < 2; ++i) quartz::pointerPixel();
   EXPECT_TRUE(isHidden());
   CGDisplayShowCursor(0);
   EXPECT_TRUE(eventually(isShown));

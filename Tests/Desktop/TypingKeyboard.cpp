@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#include "Platform/Linux/Quartz/Keyboard/XkbProtocol.h"
+#include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 #include "Runner/Owned.h"
 #include "Tests/Desktop/ApplicationProcess.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "Platform/Linux/Quartz/WindowServer.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Input/UnicodeText.h"
 #include "Runner/Owned.h"

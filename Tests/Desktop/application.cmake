@@ -5,7 +5,7 @@ add_executable(application_tests
   ApplicationFrontsTest.cpp ApplicationHostTest.cpp ApplicationPasteboardTest.cpp
   ApplicationProcess.cpp ApplicationScreenTest.cpp Observer.cpp PrivateServer.cpp)
 target_link_libraries(application_tests PRIVATE
-  tapdeck_runner tapdeck_application tapdeck_session PkgConfig::APPLICATION_TESTS GTest::gmock)
+  tapdeck_runner tapdeck_application tapdeck_engine_protocol PkgConfig::APPLICATION_TESTS GTest::gmock)
 add_dependencies(application_tests tapdeck-host tapdeck-call)
 
 add_test(NAME application_tests

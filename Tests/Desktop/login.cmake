@@ -1,5 +1,5 @@
 add_executable(login_tests ApplicationProcess.cpp LoginItemsTest.cpp)
-target_link_libraries(login_tests PRIVATE tapdeck_platform tapdeck_session GTest::gtest)
+target_link_libraries(login_tests PRIVATE tapdeck_platform tapdeck_engine_protocol GTest::gtest)
 add_dependencies(login_tests tapdeck-host tapdeck-call)
 
 # the options after the programs are for the login item to repeat

@@ -2,10 +2,9 @@ pkg_check_modules(PLAYERS_TESTS REQUIRED IMPORTED_TARGET gtkmm-3.0 libsoup-3.0)
 
 add_executable(players_tests
   ApplicationProcess.cpp MediaBusPeer.cpp MediaFixture.cpp MediaHostTest.cpp
-  MediaInterpreterTest.cpp
-  ${CMAKE_SOURCE_DIR}/Platform/Linux/Call/HostConnection.cpp)
+  MediaInterpreterTest.cpp)
 target_link_libraries(players_tests PRIVATE
-  tapdeck_runner_media tapdeck_platform tapdeck_session PkgConfig::PLAYERS_TESTS GTest::gmock)
+  tapdeck_runner_media tapdeck_platform tapdeck_call PkgConfig::PLAYERS_TESTS GTest::gmock)
 add_dependencies(players_tests tapdeck-host tapdeck-call tapdeck-osascript)
 
 add_test(NAME players_tests

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Platform/Linux/AppleScript/Run.h"
+#include "Platform/Linux/AppleScript/AppleScript.h"
 #include "Platform/Linux/AppleScript/Value.h"
 
 namespace tapdeck::applescript {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <random>
 
-#include "Platform/Linux/Quartz/Images/AreaScaler.h"
+#include "Platform/Linux/Pixels/AreaScaler.h"
 
 namespace tapdeck::quartz {
 namespace {

@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Platform/Linux/Quartz/Keyboard/Journal.h"
-#include "Platform/Linux/Quartz/Keyboard/KeyPlan.h"
-#include "Platform/Linux/Quartz/Keyboard/Keysyms.h"
-#include "Platform/Linux/Quartz/Keyboard/TextPlan.h"
+#include "Platform/Linux/X11/Keyboard/Journal.h"
+#include "Platform/Linux/X11/Keyboard/KeyPlan.h"
+#include "Platform/Linux/X11/Keyboard/Keysyms.h"
+#include "Platform/Linux/X11/Keyboard/TextPlan.h"
 
 namespace tapdeck::quartz {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <tuple>
 
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Tests/Support/Surroundings.h"
 
 namespace tapdeck {

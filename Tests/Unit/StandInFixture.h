@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Engine/StandardCodec.h"
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
 #include "Tests/Support/MainLoop.h"

@@ -17,7 +17,7 @@
 #include <thread>
 #include <vector>
 
-#include "Platform/Linux/Queues.h"
+#include "Platform/Linux/Fronts/Queues.h"
 #include "Platform/Scripts.h"
 #include "Runner/Media/Scripts.h"
 #include "Tests/Support/MainLoop.h"

@@ -4,8 +4,6 @@
 
 #include "Platform/Linux/AppleScript/Evaluator.h"
 #include "Platform/Linux/AppleScript/Parser.h"
-#include "Platform/Linux/AppleScript/Run.h"
-#include "Platform/Linux/AppleScript/SystemDesktop.h"
 
 namespace tapdeck::applescript {
 namespace {
@@ -29,11 +27,6 @@ Result run(const std::string& source, Desktop& desktop) {
   } catch (ScriptError& error) {
     return {.text = std::nullopt, .error = describe(std::move(error))};
   }
-}
-
-Result run(const std::string& source) {
-  SystemDesktop desktop;
-  return run(source, desktop);
 }
 
 }  // namespace tapdeck::applescript

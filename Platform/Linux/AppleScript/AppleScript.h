@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "Platform/Linux/AppleScript/Desktop.h"
+
 namespace tapdeck::applescript {
 
 /// Why a script was not compiled or did not run to its end.
@@ -28,9 +30,7 @@ struct Result {
   std::optional<Error> error;
 };
 
-/// Compiles and runs the source, UTF-8, on this machine: media players of the session bus, the
-/// sound server, the login manager. Waits for them, for about a second each at the most. Any
-/// thread; leaves the thread's main loop alone.
-Result run(const std::string& source);
+/// Compiles and runs the source, UTF-8, on this desktop.
+Result run(const std::string& source, Desktop& desktop);
 
 }  // namespace tapdeck::applescript

@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "Platform/Linux/Quartz/WindowServer.h"
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
+#include "Platform/Linux/X11/WindowServerError.h"
 
 namespace tapdeck {
 

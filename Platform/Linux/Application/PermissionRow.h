@@ -4,7 +4,7 @@
 #include <gtkmm/label.h>
 #include <gtkmm/switch.h>
 
-#include "Platform/Linux/Permissions.h"
+#include "Platform/Linux/Permissions/Permissions.h"
 
 namespace tapdeck {
 

@@ -1,11 +1,12 @@
 #include "Platform/Linux/Applications/BundleFolders.h"
 
+#include <glib.h>
+
 #include <map>
 #include <set>
 #include <string_view>
 #include <utility>
 
-#include "Platform/Files.h"
 #include "Platform/Linux/Applications/DesktopEntries.h"
 
 namespace tapdeck::applications {
@@ -14,7 +15,7 @@ namespace {
 constexpr const char* kSystemFolder = "/Applications";
 
 std::string userFolder() {
-  return platform::homeDirectory() + "/Applications";
+  return std::string(g_get_home_dir()) + "/Applications";
 }
 
 /// Desktop file ids by path.

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Platform/Linux/Applications/DesktopFiles.h"
-#include "Platform/Linux/Applications/Handles.h"
+#include "Platform/Linux/Support/GObjects.h"
 
 namespace tapdeck::applications {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Platform/Linux/FileStamp.h"
+#include "Platform/Linux/Support/FileStamp.h"
 
 namespace tapdeck::applications {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
-#include "Platform/Linux/Quartz/Session.h"
-#include "Platform/Linux/Quartz/WindowManager.h"
+#include "Platform/Linux/X11/Session/ServerSession.h"
+#include "Platform/Linux/X11/WindowManager.h"
 
 namespace tapdeck::applications {
 namespace {

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "Engine/StandardCodec.h"
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
 
 namespace tapdeck {
 

@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "Engine/StandardCodec.h"
+#include "Platform/Linux/EngineProtocol/Protocol.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
-#include "Platform/Linux/StandInEngine/Protocol.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
 
 namespace tapdeck::standin {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "Platform/Linux/SessionFile.h"
+#include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/Linux/StandInEngine/Access.h"
 #include "Platform/Linux/StandInEngine/Addresses.h"
 

@@ -4,7 +4,7 @@
 // ScreenGrab::grab of a connection of its own, AreaScaler::scale, JpegEncoder::encode. Nothing here
 // knows of damage or keeps what it has done.
 
-#include "Platform/Linux/Quartz/Connection.h"
-#include "Platform/Linux/Quartz/Images/AreaScaler.h"
-#include "Platform/Linux/Quartz/Images/Jpeg.h"
-#include "Platform/Linux/Quartz/Images/ScreenGrab.h"
+#include "Platform/Linux/Pixels/AreaScaler.h"
+#include "Platform/Linux/Pixels/Jpeg.h"
+#include "Platform/Linux/X11/Capture/ScreenGrab.h"
+#include "Platform/Linux/X11/Connection.h"

@@ -1,0 +1,81 @@
+#include <gio/gio.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <iterator>
+
+#include "Platform/Linux/Media/Bus.h"
+
+namespace tapdeck::platform {
+namespace {
+
+using applescript::Shared;
+using applescript::Variant;
+
+constexpr int kLimit = 3000;
+
+/// One way to have the screen locked.
+struct Locker {
+  GBusType bus;
+  const char* name;
+  const char* path;
+  const char* interface;
+};
+
+// The login manager tells whichever locker the desktop has. The session is named by the path that
+// stands for the caller's own, which it also knows for what runs outside of every session.
+constexpr Locker kLockers[] = {
+    {G_BUS_TYPE_SYSTEM, "org.freedesktop.login1", "/org/freedesktop/login1/session/auto",
+     "org.freedesktop.login1.Session"},
+    {G_BUS_TYPE_SESSION, "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
+     "org.freedesktop.ScreenSaver"},
+    {G_BUS_TYPE_SESSION, "org.gnome.ScreenSaver", "/org/gnome/ScreenSaver",
+     "org.gnome.ScreenSaver"},
+    {G_BUS_TYPE_SESSION, "org.mate.ScreenSaver", "/org/mate/ScreenSaver", "org.mate.ScreenSaver"},
+    {G_BUS_TYPE_SESSION, "org.xfce.ScreenSaver", "/org/xfce/ScreenSaver", "org.xfce.ScreenSaver"},
+    {G_BUS_TYPE_SESSION, "org.cinnamon.ScreenSaver", "/org/cinnamon/ScreenSaver",
+     "org.cinnamon.ScreenSaver"},
+};
+
+void ask(const Locker* locker);
+
+/// Goes on with the next one unless this has locked.
+void finish(GObject* connection, GAsyncResult* result, gpointer data) {
+  const auto* locker = static_cast<const Locker*>(data);
+  const Variant reply(
+      g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));
+  if (reply == nullptr) ask(std::next(locker));
+}
+
+void callLock(GObject*, GAsyncResult* result, gpointer data) {
+  const auto* locker = static_cast<const Locker*>(data);
+  const Shared<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
+  if (connection == nullptr) {
+    ask(std::next(locker));
+    return;
+  }
+  g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
+  g_dbus_connection_call(connection.get(), locker->name, locker->path, locker->interface, "Lock",
+                         nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kLimit, nullptr, finish,
+                         data);
+}
+
+void ask(const Locker* locker) {
+  while (locker != std::end(kLockers) && !applescript::hasBus(locker->bus)) ++locker;
+  if (locker == std::end(kLockers)) {
+    std::fputs("tapdeck: nothing on this desktop locks the screen.\n", stderr);
+    return;
+  }
+  g_bus_get(locker->bus, nullptr, callLock, const_cast<Locker*>(locker));
+}
+
+}  // namespace
+}  // namespace tapdeck::platform
+
+/// Locks the screen, by the name that this has on the Mac, where the host looks it up at run time.
+/// Returns at once, and the outcome is not reported; main thread only.
+extern "C" int SACLockScreenImmediate();
+extern "C" int SACLockScreenImmediate() {
+  tapdeck::platform::ask(tapdeck::platform::kLockers);
+  return 0;
+}

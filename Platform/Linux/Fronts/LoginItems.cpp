@@ -1,0 +1,160 @@
+// The login item is an autostart entry of the desktop (XDG autostart): a file in the user's
+// configuration that starts this very executable, with the options that this process was given, so
+// that the host listens tomorrow where it listens today.
+
+#include "Platform/LoginItems.h"
+
+#include <gio/gdesktopappinfo.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string_view>
+
+#include "Platform/Linux/Support/KeyFile.h"
+
+namespace tapdeck::platform {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kGroup = G_KEY_FILE_DESKTOP_GROUP;
+/// By these the settings of the desktops switch an entry off without removing it.
+constexpr std::array kDesktopSwitches = {"X-GNOME-Autostart-enabled", "X-MATE-Autostart-enabled"};
+
+struct Freeing {
+  void operator()(char* text) const { g_free(text); }
+  void operator()(char** list) const { g_strfreev(list); }
+  void operator()(GDesktopAppInfo* info) const { g_object_unref(info); }
+};
+using Text = std::unique_ptr<char, Freeing>;
+using Words = std::unique_ptr<char*, Freeing>;
+using AppInfo = std::unique_ptr<GDesktopAppInfo, Freeing>;
+
+fs::path entryPath() {
+  return fs::path(g_get_user_config_dir()) / "autostart" / "tapdeck.desktop";
+}
+
+/// Where this process's executable is; after an upgrade, where the new one is.
+std::string runningProgram() {
+  constexpr std::string_view gone = " (deleted)";
+  std::error_code unreadable;
+  std::string path = fs::read_symlink("/proc/self/exe", unreadable).string();
+  if (path.ends_with(gone) && !fs::exists(path, unreadable)) path.resize(path.size() - gone.size());
+  return path;
+}
+
+/// What this process was started with, after its name.
+std::vector<std::string> runningOptions() {
+  std::ifstream file("/proc/self/cmdline", std::ios::binary);
+  std::vector<std::string> words;
+  for (std::string word; std::getline(file, word, '\0');) words.push_back(word);
+  if (!words.empty()) words.erase(words.begin());
+  return words;
+}
+
+/// The word as a desktop entry's command line has it.
+std::string quoted(const std::string& word) {
+  constexpr std::string_view special = "\"`$\\";
+  std::string text = "\"";
+  for (const char character : word) {
+    if (special.find(character) != std::string_view::npos) text += '\\';
+    text += character;
+    if (character == '%') text += '%';
+  }
+  return text + '"';
+}
+
+bool isUtf8(const std::string& text) {
+  return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
+}
+
+bool isSwitchedOff(const KeyFile& entry) {
+  if (g_key_file_get_boolean(entry.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_HIDDEN, nullptr)) {
+    return true;
+  }
+  return std::any_of(kDesktopSwitches.begin(), kDesktopSwitches.end(), [&entry](const char* key) {
+    const Text value(g_key_file_get_value(entry.get(), kGroup, key, nullptr));
+    return value && std::string_view(value.get()) == "false";
+  });
+}
+
+bool startsThisProgram(GDesktopAppInfo* info) {
+  const char* command = g_app_info_get_commandline(G_APP_INFO(info));
+  char** words = nullptr;
+  if (command == nullptr || !g_shell_parse_argv(command, nullptr, &words, nullptr)) return false;
+  const Words owned(words);
+  const Text program(g_find_program_in_path(*words));
+  std::error_code missing;
+  return program && fs::equivalent(program.get(), runningProgram(), missing);
+}
+
+}  // namespace
+
+bool hasLoginItemServices() {
+  return true;
+}
+
+/// Whoever switched the entry off by hand is asked for approval, in the Mac's terms. An entry that
+/// starts another program, or that no desktop can read, is none of ours.
+LoginItemStatus mainAppServiceStatus() {
+  KeyFile entry;
+  if (entry.load(entryPath())) return LoginItemStatus::notRegistered;
+  if (isSwitchedOff(entry)) return LoginItemStatus::requiresApproval;
+  const AppInfo info(g_desktop_app_info_new_from_keyfile(entry.get()));
+  if (!info || !startsThisProgram(info.get())) return LoginItemStatus::notRegistered;
+  return g_desktop_app_info_get_show_in(info.get(), nullptr) ? LoginItemStatus::enabled
+                                                             : LoginItemStatus::requiresApproval;
+}
+
+/// Takes the place of whatever entry there is, a switched-off one too.
+std::optional<std::string> registerMainAppService() {
+  const std::string program = runningProgram();
+  std::string command = quoted(program);
+  for (const auto& option : runningOptions()) command += ' ' + quoted(option);
+  // desktops look for the program before they undo the doubling of its per cent signs
+  if (program.find('%') != std::string::npos || !isUtf8(command)) {
+    return "No autostart entry can hold the command " + command + ".";
+  }
+
+  const KeyFile entry;
+  const std::pair<const char*, std::string> contents[] = {
+      {G_KEY_FILE_DESKTOP_KEY_TYPE, G_KEY_FILE_DESKTOP_TYPE_APPLICATION},
+      {G_KEY_FILE_DESKTOP_KEY_NAME, "Tapdeck"},
+      {G_KEY_FILE_DESKTOP_KEY_COMMENT, "Lets a phone's browser control this desktop"},
+      {G_KEY_FILE_DESKTOP_KEY_TRY_EXEC, program},
+      {G_KEY_FILE_DESKTOP_KEY_EXEC, command},
+      {G_KEY_FILE_DESKTOP_KEY_TERMINAL, "false"},
+  };
+  for (const auto& [key, value] : contents) {
+    g_key_file_set_string(entry.get(), kGroup, key, value.c_str());
+  }
+  return entry.save(entryPath());
+}
+
+std::optional<std::string> unregisterMainAppService() {
+  std::error_code failure;
+  fs::remove(entryPath(), failure);
+  if (!failure) return std::nullopt;
+  return entryPath().string() + ": " + failure.message();
+}
+
+// Here no older version has ever had a helper application.
+
+std::optional<std::string> unregisterLoginItemService(const std::string& identifier) {
+  return "There is no login item " + identifier + ".";
+}
+
+bool setLoginItemEnabled(const std::string&, bool) {
+  return false;
+}
+
+std::optional<std::vector<LaunchdJob>> userLaunchdJobs() {
+  return std::nullopt;
+}
+
+}  // namespace tapdeck::platform

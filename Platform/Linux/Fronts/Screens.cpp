@@ -1,0 +1,90 @@
+#include "Platform/Screens.h"
+
+#include <algorithm>
+
+#include "Platform/Linux/X11/PointSpace.h"
+#include "Platform/Linux/X11/Session/ServerSession.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
+#include "Platform/Linux/X11/WindowManager.h"
+#include "Platform/Linux/X11/WorkArea.h"
+
+namespace tapdeck::platform {
+namespace {
+
+using quartz::Connection;
+using quartz::Monitor;
+
+struct Place {
+  int x, y;
+};
+
+/// In pixels of the root window.
+std::optional<Place> centreOfActiveWindow(Connection& connection) {
+  const xcb_window_t window = quartz::activeWindow(connection);
+  if (window == XCB_WINDOW_NONE) return std::nullopt;
+  const auto geometry =
+      connection.wait(xcb_get_geometry(connection.get(), window), xcb_get_geometry_reply);
+  if (geometry == nullptr) return std::nullopt;
+  const auto centre =
+      connection.wait(xcb_translate_coordinates(connection.get(), window, connection.root(),
+                                                static_cast<int16_t>(geometry->width / 2),
+                                                static_cast<int16_t>(geometry->height / 2)),
+                      xcb_translate_coordinates_reply);
+  if (centre == nullptr) return std::nullopt;
+  return Place{centre->dst_x, centre->dst_y};
+}
+
+bool contains(const Monitor& monitor, Place place) {
+  return place.x >= monitor.x && place.x < monitor.x + monitor.width && place.y >= monitor.y &&
+         place.y < monitor.y + monitor.height;
+}
+
+std::vector<Screen> screensOf(const std::vector<Monitor>& monitors) {
+  if (monitors.empty()) return {};
+  const double scale = quartz::pixelsPerPoint();
+  const quartz::PointSpace space(monitors, scale);
+  const CGFloat primaryHeight = CGRectGetHeight(space.rectOf(monitors.front()));
+  std::vector<Screen> screens;
+  for (const Monitor& monitor : monitors) {
+    CGRect frame = space.rectOf(monitor);
+    frame.origin.y = primaryHeight - CGRectGetMaxY(frame);
+    screens.push_back({monitor.number, monitor.name, frame, scale});
+  }
+  return screens;
+}
+
+}  // namespace
+
+std::vector<Screen> screens() {
+  return screensOf(quartz::monitors());
+}
+
+std::optional<Screen> mainScreen() {
+  const auto monitors = quartz::monitors();
+  if (monitors.empty()) return std::nullopt;
+  auto place = monitors.begin();
+  if (const auto centre = centreOfActiveWindow(quartz::session()->connection)) {
+    place = std::find_if(monitors.begin(), monitors.end(),
+                         [&](const Monitor& monitor) { return contains(monitor, *centre); });
+  }
+  const auto index = place == monitors.end() ? 0 : place - monitors.begin();
+  return screensOf(monitors)[static_cast<size_t>(index)];
+}
+
+CGRect visibleFrame(const Screen& screen) {
+  const auto monitors = quartz::monitors();
+  const auto monitor = std::ranges::find(monitors, screen.number, &Monitor::number);
+  if (monitor == monitors.end()) return screen.frame;
+  const auto area = quartz::workArea(quartz::session()->connection, *monitor, monitors.size() == 1);
+  const double scale = quartz::pixelsPerPoint();
+  const double fromLeft = (area.left - monitor->x) / scale;
+  const double fromBottom = (monitor->y + monitor->height - area.bottom) / scale;
+  return CGRectMake(screen.frame.origin.x + fromLeft, screen.frame.origin.y + fromBottom,
+                    (area.right - area.left) / scale, (area.bottom - area.top) / scale);
+}
+
+void observeScreenParameters(std::function<void()> changed) {
+  quartz::observeMonitors(std::move(changed));
+}
+
+}  // namespace tapdeck::platform

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <gio/gio.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Platform/Linux/Support/GObjects.h"
+
+namespace tapdeck::applescript {
+
+template <typename T>
+using Shared = applications::Object<T>;
+
+struct VariantRelease {
+  void operator()(GVariant* variant) const { g_variant_unref(variant); }
+};
+using Variant = std::unique_ptr<GVariant, VariantRelease>;
+
+/// Cancels what runs with it when the time is up; until then for as long as it lives.
+class Deadline {
+ public:
+  explicit Deadline(std::chrono::milliseconds atMost);
+
+  GCancellable* cancellable() const { return _cancellable.get(); }
+
+ private:
+  Shared<GCancellable> _cancellable{g_cancellable_new()};
+  std::mutex _mutex;
+  std::condition_variable_any _ended;
+  std::jthread _thread;
+};
+
+/// Whether there is such a bus to connect to. GIO itself would start one for the session.
+bool hasBus(GBusType type);
+
+/// One of the machine's two message buses. Any thread; every call is bounded in time.
+class Bus {
+ public:
+  /// Absent when there is no such bus or it does not answer. None is started.
+  static std::optional<Bus> connect(GBusType type);
+
+  /// The names on the bus, in order; none when it does not answer.
+  std::vector<std::string> names() const;
+
+  /// Calls a method and waits for its reply, a tuple of this type, for at most a second. Takes the
+  /// arguments. Throws ScriptError: -600 when nobody bears the name (any more), -1712 when the
+  /// reply does not come, -10000 for an error as the reply.
+  Variant call(const std::string& name, const char* path, const char* interface, const char* method,
+               GVariant* arguments, const char* replyType) const;
+
+  /// Asks each of the names for one property of text, all at once; empty for what does not answer
+  /// within a quarter of a second.
+  std::vector<std::string> askAll(const std::vector<std::string>& names, const char* path,
+                                  const char* interface, const char* property) const;
+
+ private:
+  explicit Bus(GDBusConnection* connection) : _connection(connection, g_object_unref) {}
+
+  std::shared_ptr<GDBusConnection> _connection;
+};
+
+}  // namespace tapdeck::applescript

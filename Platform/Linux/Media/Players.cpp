@@ -1,0 +1,198 @@
+#include "Platform/Linux/Media/Players.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "Platform/Linux/AppleScript/Value.h"
+
+namespace tapdeck::applescript {
+namespace {
+
+constexpr const char* kPath = "/org/mpris/MediaPlayer2";
+constexpr const char* kInterface = "org.mpris.MediaPlayer2.Player";
+constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
+
+/// Whose player bears this name on the bus; absent for what is no player of its own.
+std::optional<Application> ownerOf(std::string_view name) {
+  constexpr std::string_view kPrefix = "org.mpris.MediaPlayer2.";
+  if (!name.starts_with(kPrefix)) return std::nullopt;
+  name.remove_prefix(kPrefix.size());
+  const auto player = name.substr(0, name.find('.'));
+  if (player == "playerctld") return std::nullopt;  // speaks for one of the others
+  if (player == "spotify") return Application::spotify;
+  if (player == "vlc") return Application::vlc;
+  return Application::music;
+}
+
+Variant lookUp(GVariant* dictionary, const char* key) {
+  return Variant(g_variant_lookup_value(dictionary, key, nullptr));
+}
+
+/// Of a text, an object path or a list of texts; empty for anything else.
+std::string text(GVariant* dictionary, const char* key) {
+  const Variant value = lookUp(dictionary, key);
+  if (value == nullptr) return {};
+  if (g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING_ARRAY) != FALSE) {
+    const std::unique_ptr<const char*, decltype(&g_free)> parts(
+        g_variant_get_strv(value.get(), nullptr), g_free);
+    const std::unique_ptr<char, decltype(&g_free)> joined(
+        g_strjoinv(", ", const_cast<char**>(parts.get())), g_free);
+    return joined.get();
+  }
+  const bool isText = g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING) != FALSE ||
+                      g_variant_is_of_type(value.get(), G_VARIANT_TYPE_OBJECT_PATH) != FALSE;
+  return isText ? g_variant_get_string(value.get(), nullptr) : "";
+}
+
+/// Players give times in any type of number.
+std::optional<int64_t> microseconds(GVariant* dictionary, const char* key) {
+  constexpr double kLongest = 1e15;
+  const Variant value = lookUp(dictionary, key);
+  if (value == nullptr) return std::nullopt;
+  double number = 0;
+  switch (g_variant_classify(value.get())) {
+    case G_VARIANT_CLASS_INT64:
+      number = static_cast<double>(g_variant_get_int64(value.get()));
+      break;
+    case G_VARIANT_CLASS_UINT64:
+      number = static_cast<double>(g_variant_get_uint64(value.get()));
+      break;
+    case G_VARIANT_CLASS_INT32:
+      number = g_variant_get_int32(value.get());
+      break;
+    case G_VARIANT_CLASS_UINT32:
+      number = g_variant_get_uint32(value.get());
+      break;
+    case G_VARIANT_CLASS_DOUBLE:
+      number = g_variant_get_double(value.get());
+      break;
+    default:
+      return std::nullopt;
+  }
+  return number > 0 ? static_cast<int64_t>(std::min(number, kLongest)) : 0;
+}
+
+Constant statusOf(std::string_view word) {
+  if (word == "Playing") return Constant::playing;
+  return word == "Paused" ? Constant::paused : Constant::stopped;
+}
+
+std::optional<Track> trackOf(GVariant* metadata) {
+  Track track{.title = text(metadata, "xesam:title"),
+              .artist = text(metadata, "xesam:artist"),
+              .album = text(metadata, "xesam:album"),
+              .id = text(metadata, "mpris:trackid"),
+              .url = text(metadata, "xesam:url"),
+              .artUrl = text(metadata, "mpris:artUrl"),
+              .length = microseconds(metadata, "mpris:length")};
+  const bool isThere =
+      !track.title.empty() || !track.url.empty() || (!track.id.empty() && track.id != kNoTrack);
+  return isThere ? std::optional(std::move(track)) : std::nullopt;
+}
+
+const char* methodOf(Command command) {
+  switch (command) {
+    case Command::next:
+      return "Next";
+    case Command::previous:
+      return "Previous";
+    case Command::play:
+      return "Play";
+    case Command::pause:
+      return "Pause";
+    case Command::playPause:
+      return "PlayPause";
+    default:
+      return "Stop";
+  }
+}
+
+class BusPlayer : public Player {
+ public:
+  BusPlayer(Bus bus, std::string name) : _bus(std::move(bus)), _name(std::move(name)) {}
+
+  PlayerState read() override {
+    const Variant reply = call("org.freedesktop.DBus.Properties", "GetAll",
+                               g_variant_new("(s)", kInterface), "(a{sv})");
+    const Variant all(g_variant_get_child_value(reply.get(), 0));
+    PlayerState state{.status = statusOf(text(all.get(), "PlaybackStatus")),
+                      .track = std::nullopt,
+                      .position = microseconds(all.get(), "Position").value_or(0)};
+    const Variant metadata(g_variant_lookup_value(all.get(), "Metadata", G_VARIANT_TYPE_VARDICT));
+    if (metadata != nullptr && state.status != Constant::stopped) {
+      state.track = trackOf(metadata.get());
+    }
+    return state;
+  }
+
+  void perform(Command command) override { call(kInterface, methodOf(command), nullptr, "()"); }
+
+  void seek(int64_t position) override {
+    const PlayerState state = read();
+    if (!state.track) throw ScriptError{kNotFound, "No track is loaded.", ""};
+    const int64_t length = state.track->length.value_or(0);
+    if (length > 0) position = std::min(position, length);
+    const std::string& id = state.track->id;
+    if (g_variant_is_object_path(id.c_str()) != FALSE && id != kNoTrack) {
+      call(kInterface, "SetPosition", g_variant_new("(ox)", id.c_str(), gint64{position}), "()");
+    } else {
+      call(kInterface, "Seek", g_variant_new("(x)", gint64{position - state.position}), "()");
+    }
+  }
+
+ private:
+  Variant call(const char* interface, const char* method, GVariant* arguments,
+               const char* replyType) {
+    const Variant owned(arguments != nullptr ? g_variant_ref_sink(arguments) : nullptr);
+    if (_failure) throw ScriptError(*_failure);
+    try {
+      return _bus.call(_name, kPath, interface, method, owned.get(), replyType);
+    } catch (const ScriptError& error) {
+      if (error.number == kTimedOut) _failure = error;
+      throw;
+    }
+  }
+
+  Bus _bus;
+  std::string _name;
+  /// That it does not answer.
+  std::optional<ScriptError> _failure;
+};
+
+size_t rank(std::string_view status) {
+  constexpr std::array<std::string_view, 3> kOrder{"Playing", "Paused", "Stopped"};
+  return static_cast<size_t>(std::ranges::find(kOrder, status) - kOrder.begin());
+}
+
+}  // namespace
+
+std::vector<std::string> runningPlayers() {
+  std::vector<std::string> players;
+  const auto bus = Bus::connect(G_BUS_TYPE_SESSION);
+  if (!bus) return players;
+  for (const auto& name : bus->names()) {
+    const auto owner = ownerOf(name);
+    if (!owner) continue;
+    const std::string player(nameOf(*owner));
+    if (std::ranges::find(players, player) == players.end()) players.push_back(player);
+  }
+  return players;
+}
+
+std::unique_ptr<Player> findPlayer(const Bus& bus, Application application) {
+  std::vector<std::string> names = bus.names();
+  std::erase_if(names, [application](const auto& name) { return ownerOf(name) != application; });
+  if (names.empty()) return nullptr;
+  size_t best = 0;
+  if (names.size() > 1) {
+    const auto statuses = bus.askAll(names, kPath, kInterface, "PlaybackStatus");
+    const auto first = std::ranges::min_element(statuses, {}, rank);
+    best = static_cast<size_t>(first - statuses.begin());
+  }
+  return std::make_unique<BusPlayer>(bus, names[best]);
+}
+
+}  // namespace tapdeck::applescript

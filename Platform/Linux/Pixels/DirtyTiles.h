@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "Platform/Linux/Pixels/Pixels.h"
+
+namespace tapdeck::quartz {
+
+/// Which parts of a picture are out of date, to the nearest tile, so that there is a bound to how
+/// many there can be, however long it collects.
+class DirtyTiles {
+ public:
+  DirtyTiles(int width, int height);
+
+  void add(const Area& area);
+  void add(std::span<const Area> areas);
+  void addAll();
+  void clear();
+
+  bool isEmpty() const { return _dirtyCount == 0; }
+  /// 0 to 1.
+  double share() const;
+  /// The dirty tiles as few rectangles that do not overlap; they may hold a clean tile between two
+  /// dirty ones.
+  std::vector<Area> areas() const;
+
+ private:
+  std::vector<Area> runsOf(int row) const;
+
+  int _width, _height;
+  int _columns, _rows;
+  std::vector<uint8_t> _isDirty;
+  int _dirtyCount = 0;
+};
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,106 @@
+#include <ApplicationServices/ApplicationServices.h>
+
+#include <cstring>
+
+#include "Platform/Linux/CoreFoundation/Object.h"
+#include "Platform/Linux/X11/ManagedWindow.h"
+#include "Platform/Linux/X11/PointSpace.h"
+#include "Platform/Linux/X11/Session/ServerSession.h"
+#include "Platform/Linux/X11/WindowManager.h"
+
+namespace quartz = tapdeck::quartz;
+using tapdeck::cf::Object;
+
+struct __AXUIElement final : Object {
+  explicit __AXUIElement(pid_t application) : process(application) {}
+  explicit __AXUIElement(xcb_window_t ofApplication) : window(ofApplication) {}
+  const pid_t process = -1;
+  /// XCB_WINDOW_NONE for an application.
+  const xcb_window_t window = XCB_WINDOW_NONE;
+};
+
+struct __AXValue final : Object {
+  explicit __AXValue(CGPoint content) : point(content) {}
+  const CGPoint point;
+};
+
+namespace {
+
+bool names(CFStringRef attribute, const char* name) {
+  CFStringRef text = CFStringCreateWithCString(nullptr, name, kCFStringEncodingUTF8);
+  const bool same = CFEqual(attribute, text) != 0;
+  CFRelease(text);
+  return same;
+}
+
+AXError copyFocusedWindow(quartz::Connection& connection, pid_t process, CFTypeRef* value) {
+  const xcb_window_t window = quartz::activeWindow(connection);
+  if (window == XCB_WINDOW_NONE || quartz::processOf(connection, window) != process) {
+    return kAXErrorNoValue;
+  }
+  *value = new __AXUIElement(window);
+  return kAXErrorSuccess;
+}
+
+AXError copyPosition(quartz::Connection& connection, xcb_window_t window, CFTypeRef* value) {
+  const auto corner = quartz::visibleCorner(connection, window);
+  if (!corner) return kAXErrorInvalidUIElement;
+  *value = new __AXValue(quartz::currentPointSpace().pointAt(corner->x, corner->y));
+  return kAXErrorSuccess;
+}
+
+AXError setPosition(quartz::Connection& connection, xcb_window_t window, CFTypeRef value) {
+  const auto* position = dynamic_cast<const __AXValue*>(static_cast<const Object*>(value));
+  const auto pixel =
+      position != nullptr ? quartz::currentPointSpace().pixelAt(position->point) : std::nullopt;
+  if (!pixel) return kAXErrorIllegalArgument;
+  quartz::moveVisibleCorner(connection, window, *pixel);
+  return kAXErrorSuccess;
+}
+
+}  // namespace
+
+AXUIElementRef AXUIElementCreateApplication(pid_t process) {
+  return new __AXUIElement(process);
+}
+
+AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                      CFTypeRef* value) {
+  if (AXIsProcessTrusted() == 0) return kAXErrorAPIDisabled;
+  quartz::Connection& connection = quartz::session()->connection;
+  if (element->window == XCB_WINDOW_NONE) {
+    return names(attribute, "AXFocusedWindow")
+               ? copyFocusedWindow(connection, element->process, value)
+               : kAXErrorAttributeUnsupported;
+  }
+  if (!quartz::exists(connection, element->window)) return kAXErrorInvalidUIElement;
+  if (names(attribute, "AXPosition")) return copyPosition(connection, element->window, value);
+  if (!names(attribute, "AXFullScreen")) return kAXErrorAttributeUnsupported;
+  *value = CFRetain(quartz::isFullScreen(connection, element->window) ? kCFBooleanTrue
+                                                                      : kCFBooleanFalse);
+  return kAXErrorSuccess;
+}
+
+AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute,
+                                     CFTypeRef value) {
+  if (AXIsProcessTrusted() == 0) return kAXErrorAPIDisabled;
+  quartz::Connection& connection = quartz::session()->connection;
+  if (element->window == XCB_WINDOW_NONE) return kAXErrorAttributeUnsupported;
+  if (!quartz::exists(connection, element->window)) return kAXErrorInvalidUIElement;
+  if (names(attribute, "AXPosition")) return setPosition(connection, element->window, value);
+  if (!names(attribute, "AXFullScreen")) return kAXErrorAttributeUnsupported;
+  if (value != kCFBooleanTrue && value != kCFBooleanFalse) return kAXErrorIllegalArgument;
+  quartz::setFullScreen(connection, element->window, value == kCFBooleanTrue);
+  return kAXErrorSuccess;
+}
+
+AXValueRef AXValueCreate(AXValueType type, const void* structure) {
+  if (type != kAXValueTypeCGPoint) return nullptr;
+  return new __AXValue(*static_cast<const CGPoint*>(structure));
+}
+
+Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* structure) {
+  if (type != kAXValueTypeCGPoint) return 0;
+  std::memcpy(structure, &value->point, sizeof value->point);
+  return 1;
+}

@@ -1,0 +1,53 @@
+#include <CoreGraphics/CoreGraphics.h>
+
+#include "Platform/Linux/X11/PointSpace.h"
+#include "Platform/Linux/X11/Session/ServerSession.h"
+
+using tapdeck::quartz::PointSpace;
+using tapdeck::quartz::session;
+
+CGDirectDisplayID CGMainDisplayID() {
+  const auto monitors = tapdeck::quartz::monitors();
+  return monitors.empty() ? kCGNullDirectDisplay : monitors.front().number;
+}
+
+CGRect CGDisplayBounds(CGDirectDisplayID display) {
+  const auto monitors = tapdeck::quartz::monitors();
+  for (const auto& monitor : monitors) {
+    if (monitor.number != display) continue;
+    return PointSpace(monitors, tapdeck::quartz::pixelsPerPoint()).rectOf(monitor);
+  }
+  return CGRectMake(0, 0, 0, 0);
+}
+
+CGError CGDisplayHideCursor(CGDirectDisplayID) {
+  if (session() == nullptr) return kCGErrorFailure;
+  session()->cursor.hide();
+  return session()->connection.isAlive() ? kCGErrorSuccess : kCGErrorFailure;
+}
+
+CGError CGDisplayShowCursor(CGDirectDisplayID) {
+  if (session() == nullptr) return kCGErrorFailure;
+  session()->cursor.show();
+  return session()->connection.isAlive() ? kCGErrorSuccess : kCGErrorFailure;
+}
+
+CGError CGWarpMouseCursorPosition(CGPoint position) {
+  if (session() == nullptr) return kCGErrorFailure;
+  const auto pixel = tapdeck::quartz::currentPointSpace().pixelAt(position);
+  if (!pixel) return kCGErrorIllegalArgument;
+  const auto& connection = session()->connection;
+  xcb_warp_pointer(connection.get(), XCB_WINDOW_NONE, connection.root(), 0, 0, 0, 0, pixel->x,
+                   pixel->y);
+  connection.flush();
+  return connection.isAlive() ? kCGErrorSuccess : kCGErrorFailure;
+}
+
+int32_t CGShieldingWindowLevel() {
+  return 1;
+}
+
+CGImageRef CGDisplayCreateImage(CGDirectDisplayID display) {
+  if (!CGPreflightScreenCaptureAccess()) return nullptr;
+  return session()->displayImages.create(display, session()->state.monitors());
+}

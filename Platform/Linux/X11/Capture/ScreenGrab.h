@@ -1,0 +1,39 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "Platform/Linux/Pixels/Pixels.h"
+#include "Platform/Linux/X11/Capture/RootFormat.h"
+#include "Platform/Linux/X11/Capture/SegmentPool.h"
+#include "Platform/Linux/X11/Connection.h"
+
+namespace tapdeck::quartz {
+
+/// Reads the root window, the cursor left out: through shared memory where the server offers it,
+/// else through the connection. Areas are in pixels of the root window.
+class ScreenGrab {
+ public:
+  explicit ScreenGrab(Connection& connection)
+      : _connection(connection), _format(RootFormat::of(connection)), _segments(connection) {}
+
+  /// Null when the server refuses (part of the area is off the screen), is gone, or keeps its
+  /// pixels in some other way than RootFormat knows.
+  PixelBuffer grab(const Area& area);
+  /// Brings parts of an earlier grab of `area` up to date; false as above, and then no telling
+  /// which of them are.
+  bool refresh(const PixelBuffer& picture, const Area& area, std::span<const Area> parts);
+
+ private:
+  PixelBuffer grabInto(const Segment& segment, const Area& area);
+  bool refreshShared(const Segment& segment, const PixelBuffer& picture, const Area& area,
+                     std::span<const Area> parts);
+  bool refreshPlain(const PixelBuffer& picture, const Area& area, std::span<const Area> parts);
+  void put(const uint8_t* from, const PixelBuffer& picture, const Area& place) const;
+
+  Connection& _connection;
+  std::optional<RootFormat> _format;
+  SegmentPool _segments;
+};
+
+}  // namespace tapdeck::quartz

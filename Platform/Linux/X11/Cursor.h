@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Platform/Linux/X11/Connection.h"
+
+namespace tapdeck::quartz {
+
+/// The cursor's visibility on the whole X screen. The server counts hides too, but answers one show
+/// too many with an error; here it does no harm.
+class Cursor {
+ public:
+  explicit Cursor(Connection& connection) : _connection(connection) {}
+  ~Cursor() { showAtOnce(); }
+  Cursor(const Cursor&) = delete;
+  Cursor& operator=(const Cursor&) = delete;
+
+  void hide();
+  /// Takes back one hide.
+  void show();
+  /// Takes back every hide.
+  void showAtOnce();
+
+ private:
+  Connection& _connection;
+  uint64_t _hides = 0;
+};
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,202 @@
+#include "Platform/Linux/X11/Keyboard/ClientAnswer.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <iostream>
+#include <thread>
+
+namespace tapdeck::quartz {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+// an application at work on a loaded machine may be that far behind
+constexpr milliseconds kLongestWait{5000};
+// for one that let that pass already
+constexpr milliseconds kShortWait{100};
+// for one of which it is not known whether it knows how to answer, and from then on if it does not
+constexpr milliseconds kFirstWait{2000};
+constexpr milliseconds kBlindWait{300};
+constexpr milliseconds kSettleTime{500};
+constexpr milliseconds kTurn{10};
+
+}  // namespace
+
+ClientAnswer::~ClientAnswer() {
+  if (_own != XCB_WINDOW_NONE) xcb_destroy_window(_connection.get(), _own);
+}
+
+xcb_window_t ClientAnswer::noteFocus() {
+  const auto focus =
+      _connection.wait(xcb_get_input_focus(_connection.get()), xcb_get_input_focus_reply);
+  if (focus == nullptr) return XCB_WINDOW_NONE;
+  note(focus->focus);
+  return focus->focus;
+}
+
+void ClientAnswer::settle() {
+  const xcb_window_t window = applicationWindow(noteFocus());
+  if (window == XCB_WINDOW_NONE || isOwn(window) || !takesPing(window)) return;
+  if (_silent.contains(window)) return;
+  // two answers: one whole turn of its main loop in between
+  const Deadline deadline = Clock::now() + kSettleTime;
+  for (int round = 0; round < 2 && ping(window, deadline); ++round) {
+    std::this_thread::sleep_for(kTurn);
+  }
+}
+
+void ClientAnswer::await() {
+  noteFocus();
+  const auto windows = std::move(_typedInto);
+  _typedInto.clear();
+  std::set<xcb_window_t> asked;
+  for (const xcb_window_t window : windows) {
+    const xcb_window_t application = applicationWindow(window);
+    if (application == XCB_WINDOW_NONE || isOwn(application)) continue;
+    if (asked.insert(application).second) awaitApplicationOf(application);
+  }
+}
+
+void ClientAnswer::awaitApplicationOf(xcb_window_t window) {
+  const bool isPinged = takesPing(window);
+  const bool wasSilent = _silent.contains(window);
+  const bool isSureToKnow = isPinged || _answering.contains(window);
+  const milliseconds longest = wasSilent ? kShortWait : isSureToKnow ? kLongestWait : kFirstWait;
+  const Deadline deadline = Clock::now() + longest;
+  if (isPinged ? ping(window, deadline) : askToolkit(window, deadline)) {
+    _silent.erase(window);
+    _answering.insert(window);
+    return;
+  }
+  _silent.insert(window);
+  if (isSureToKnow && !wasSilent) {
+    std::clog << "tapdeck: the application that is typed into does not answer; some of what is "
+                 "typed may get lost there.\n";
+  } else if (!isSureToKnow) {
+    std::this_thread::sleep_for(kBlindWait);
+  }
+}
+
+// The focus may be on a window inside; the one that the window manager knows has the protocols.
+xcb_window_t ClientAnswer::applicationWindow(xcb_window_t focused) {
+  const xcb_atom_t state = _connection.atom("WM_STATE");
+  xcb_window_t window = focused;
+  // XCB_INPUT_FOCUS_POINTER_ROOT and NONE are no windows
+  while (window > XCB_INPUT_FOCUS_POINTER_ROOT && window != _connection.root()) {
+    if (!_connection.property(window, state, state).empty()) return window;
+    const auto tree =
+        _connection.wait(xcb_query_tree(_connection.get(), window), xcb_query_tree_reply);
+    if (tree == nullptr) return XCB_WINDOW_NONE;
+    window = tree->parent;
+  }
+  return XCB_WINDOW_NONE;
+}
+
+// This process's own windows answer from the thread that may be waiting here.
+bool ClientAnswer::isOwn(xcb_window_t window) {
+  const auto bytes =
+      _connection.property(window, _connection.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
+  uint32_t process = 0;
+  if (bytes.size() >= sizeof process) std::memcpy(&process, bytes.data(), sizeof process);
+  return process == static_cast<uint32_t>(::getpid());
+}
+
+bool ClientAnswer::takesPing(xcb_window_t window) {
+  const auto bytes = _connection.property(window, _connection.atom("WM_PROTOCOLS"), XCB_ATOM_ATOM);
+  std::vector<xcb_atom_t> protocols(bytes.size() / sizeof(xcb_atom_t));
+  if (!protocols.empty()) {
+    std::memcpy(protocols.data(), bytes.data(), protocols.size() * sizeof(xcb_atom_t));
+  }
+  return std::find(protocols.begin(), protocols.end(), _connection.atom("_NET_WM_PING")) !=
+         protocols.end();
+}
+
+// The answer goes to the root window, as that of a window manager's question does.
+bool ClientAnswer::ping(xcb_window_t window, Deadline deadline) {
+  const xcb_atom_t protocols = _connection.atom("WM_PROTOCOLS");
+  const xcb_atom_t pingAtom = _connection.atom("_NET_WM_PING");
+  const uint32_t number = ++_number;
+  const auto listen = [this](uint32_t mask) {
+    xcb_change_window_attributes(_connection.get(), _connection.root(), XCB_CW_EVENT_MASK, &mask);
+  };
+  listen(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+  send(window, protocols, {pingAtom, number, window, 0, 0});
+  const bool answered = awaitEvent(
+      [&](const xcb_generic_event_t& event) {
+        if ((event.response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
+        const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+        return message.type == protocols && message.data.data32[0] == pingAtom &&
+               message.data.data32[1] == number;
+      },
+      deadline);
+  listen(XCB_EVENT_MASK_NO_EVENT);
+  xcb_flush(_connection.get());
+  return answered;
+}
+
+// Programs on the X toolkit answer the resource editor (the Editres protocol): they ask for the
+// selection that its message names. To be asked is the answer; the selection is then refused.
+bool ClientAnswer::askToolkit(xcb_window_t window, Deadline deadline) {
+  constexpr uint32_t protocolVersion = 5;
+  const xcb_atom_t selection = _connection.atom("TAPDECK_QUESTION");
+  if (_own == XCB_WINDOW_NONE) {
+    _own = xcb_generate_id(_connection.get());
+    xcb_create_window(_connection.get(), XCB_COPY_FROM_PARENT, _own, _connection.root(), -1, -1, 1,
+                      1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+  }
+  xcb_set_selection_owner(_connection.get(), _own, selection, XCB_CURRENT_TIME);
+  send(window, _connection.atom("Editres"),
+       {XCB_CURRENT_TIME, selection, ++_number & 0xff, protocolVersion, 0});
+  const bool answered = awaitEvent(
+      [&](const xcb_generic_event_t& event) {
+        if ((event.response_type & 0x7f) != XCB_SELECTION_REQUEST) return false;
+        const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(event);
+        xcb_selection_notify_event_t refusal{};
+        refusal.response_type = XCB_SELECTION_NOTIFY;
+        refusal.time = request.time;
+        refusal.requestor = request.requestor;
+        refusal.selection = request.selection;
+        refusal.target = request.target;
+        refusal.property = XCB_ATOM_NONE;
+        xcb_send_event(_connection.get(), 0, request.requestor, 0,
+                       reinterpret_cast<const char*>(&refusal));
+        return request.selection == selection;
+      },
+      deadline);
+  xcb_set_selection_owner(_connection.get(), XCB_WINDOW_NONE, selection, XCB_CURRENT_TIME);
+  xcb_flush(_connection.get());
+  return answered;
+}
+
+void ClientAnswer::send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]) {
+  xcb_client_message_event_t message{};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = type;
+  std::copy(std::begin(data), std::end(data), message.data.data32);
+  // without a mask it goes to the window's owner
+  xcb_send_event(_connection.get(), 0, window, XCB_EVENT_MASK_NO_EVENT,
+                 reinterpret_cast<const char*>(&message));
+}
+
+template <typename Matches>
+bool ClientAnswer::awaitEvent(Matches matches, Deadline deadline) {
+  xcb_flush(_connection.get());
+  while (_connection.isAlive()) {
+    while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_connection.get())}) {
+      if (matches(*event)) return true;
+    }
+    const auto left = std::chrono::duration_cast<milliseconds>(deadline - Clock::now()).count();
+    if (left <= 0) return false;
+    pollfd readable = {xcb_get_file_descriptor(_connection.get()), POLLIN, 0};
+    ::poll(&readable, 1, static_cast<int>(left));
+  }
+  return false;
+}
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,85 @@
+#include "Platform/Linux/X11/Keyboard/InputSender.h"
+
+#include <xcb/xtest.h>
+
+namespace tapdeck::quartz {
+
+InputSender::InputSender(Connection& connection) : _connection(connection) {
+  if (auto left = _journal.takeLeftOver()) {
+    _leftOver = std::move(*left);
+    _held = _leftOver;
+    releaseAll();
+  }
+}
+
+void InputSender::move(Pixel pixel) {
+  fake(XCB_MOTION_NOTIFY, 0, pixel);
+}
+
+void InputSender::pressKey(Keycode code) {
+  if (!_held.keys.test(code)) {
+    _held.keys.set(code);
+    _journal.write(_held);
+  }
+  fake(XCB_KEY_PRESS, code);
+}
+
+void InputSender::releaseKey(Keycode code) {
+  fake(XCB_KEY_RELEASE, code);
+  if (!_held.keys.test(code)) return;
+  _connection.finish();
+  _held.keys.reset(code);
+  _journal.write(_held);
+}
+
+void InputSender::tapKey(Keycode code) {
+  fake(XCB_KEY_PRESS, code);
+  fake(XCB_KEY_RELEASE, code);
+}
+
+void InputSender::pressButton(uint8_t button) {
+  if (!_held.buttons.test(button)) {
+    _held.buttons.set(button);
+    _journal.write(_held);
+  }
+  fake(XCB_BUTTON_PRESS, button);
+}
+
+void InputSender::releaseButton(uint8_t button) {
+  fake(XCB_BUTTON_RELEASE, button);
+  if (!_held.buttons.test(button)) return;
+  _connection.finish();
+  _held.buttons.reset(button);
+  _journal.write(_held);
+}
+
+void InputSender::tapButton(uint8_t button) {
+  fake(XCB_BUTTON_PRESS, button);
+  fake(XCB_BUTTON_RELEASE, button);
+}
+
+void InputSender::releaseAll() {
+  if (_held.keys.none() && _held.buttons.none()) return;
+  for (size_t code = 0; code < _held.keys.size(); ++code) {
+    if (_held.keys.test(code)) fake(XCB_KEY_RELEASE, static_cast<uint8_t>(code));
+  }
+  for (size_t button = 0; button < _held.buttons.size(); ++button) {
+    if (_held.buttons.test(button)) fake(XCB_BUTTON_RELEASE, static_cast<uint8_t>(button));
+  }
+  _connection.finish();
+  _held.keys.reset();
+  _held.buttons.reset();
+  _journal.write(_held);
+}
+
+void InputSender::keepMeanings(const KeyMeanings& meanings) {
+  _held.meanings = meanings;
+  _journal.write(_held);
+}
+
+void InputSender::fake(uint8_t type, uint8_t detail, Pixel pixel) {
+  xcb_test_fake_input(_connection.get(), type, detail, XCB_CURRENT_TIME, _connection.root(),
+                      pixel.x, pixel.y, 0);
+}
+
+}  // namespace tapdeck::quartz

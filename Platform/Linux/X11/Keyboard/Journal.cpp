@@ -1,0 +1,176 @@
+#include "Platform/Linux/X11/Keyboard/Journal.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+
+namespace tapdeck::quartz {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint8_t kFormat = 1;
+constexpr size_t kLongestFile = size_t{256} << 10;
+
+/// Numbers, the most significant byte first.
+class Writer {
+ public:
+  void add(uint32_t value, int size) {
+    for (int i = size - 1; i >= 0; --i) bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
+  }
+  void add(const std::bitset<256>& bits) {
+    for (size_t first = 0; first < bits.size(); first += 8) {
+      uint32_t byte = 0;
+      for (size_t bit = 0; bit < 8; ++bit) byte |= bits[first + bit] ? 1U << bit : 0;
+      add(byte, 1);
+    }
+  }
+  std::vector<uint8_t> bytes;
+};
+
+class Reader {
+ public:
+  explicit Reader(const std::vector<uint8_t>& bytes) : _bytes(bytes) {}
+  bool isGood() const { return _good; }
+  bool isAtEnd() const { return _at == _bytes.size(); }
+  uint32_t number(int size) {
+    _good = _good && _bytes.size() - _at >= static_cast<size_t>(size);
+    uint32_t value = 0;
+    for (int i = 0; i < size && _good; ++i) value = value << 8 | _bytes[_at++];
+    return value;
+  }
+  uint8_t byte() { return static_cast<uint8_t>(number(1)); }
+  std::bitset<256> bits() {
+    std::bitset<256> bits;
+    for (size_t first = 0; first < bits.size(); first += 8) {
+      const uint32_t byte = number(1);
+      for (size_t bit = 0; bit < 8; ++bit) bits[first + bit] = (byte >> bit & 1) != 0;
+    }
+    return bits;
+  }
+
+ private:
+  const std::vector<uint8_t>& _bytes;
+  size_t _at = 0;
+  bool _good = true;
+};
+
+/// Without actions: keys that have some are not borrowed.
+void addMeaning(Writer& writer, Keycode code, const KeyMeaning& meaning) {
+  writer.add(code, 1);
+  for (const uint8_t type : meaning.types) writer.add(type, 1);
+  writer.add(meaning.groupInfo, 1);
+  writer.add(meaning.width, 1);
+  for (const Keysym keysym : meaning.keysyms) writer.add(keysym, 4);
+}
+
+KeyMeaning readMeaning(Reader& reader) {
+  KeyMeaning meaning;
+  for (uint8_t& type : meaning.types) type = reader.byte();
+  meaning.groupInfo = reader.byte();
+  meaning.width = reader.byte();
+  for (int left = meaning.groups() * meaning.width; left > 0 && reader.isGood(); --left) {
+    meaning.keysyms.push_back(reader.number(4));
+  }
+  return meaning;
+}
+
+/// A folder of this user's alone: under the shared temporary directory anybody may have been first.
+bool claim(const fs::path& folder) {
+  ::mkdir(folder.c_str(), 0700);
+  struct stat status = {};
+  return ::lstat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode) &&
+         status.st_uid == ::geteuid() && (status.st_mode & 0077) == 0;
+}
+
+fs::path folder() {
+  const auto named = [](const char* variable) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value == '/' ? fs::path(value) : fs::path();
+  };
+  if (const auto runtime = named("XDG_RUNTIME_DIR"); !runtime.empty()) return runtime / "tapdeck";
+  const fs::path temporary = named("TMPDIR");
+  return (temporary.empty() ? "/tmp" : temporary) / ("tapdeck-" + std::to_string(::geteuid()));
+}
+
+std::string fileName() {
+  const char* variable = std::getenv("DISPLAY");
+  std::string display = variable == nullptr ? "" : variable;
+  // the screen's number is of no account: all screens have one keyboard
+  if (const auto dot = display.rfind('.'); dot != std::string::npos && dot > display.rfind(':')) {
+    display.resize(dot);
+  }
+  std::replace_if(
+      display.begin(), display.end(),
+      [](unsigned char character) { return std::isalnum(character) == 0; }, '-');
+  return "held" + display;
+}
+
+}  // namespace
+
+std::vector<uint8_t> writeHeld(const Held& held) {
+  Writer writer;
+  writer.add(kFormat, 1);
+  writer.add(held.keys);
+  writer.add(held.buttons);
+  writer.add(static_cast<uint32_t>(held.meanings.size()), 2);
+  for (const auto& [code, meaning] : held.meanings) addMeaning(writer, code, meaning);
+  return writer.bytes;
+}
+
+std::optional<Held> readHeld(const std::vector<uint8_t>& bytes) {
+  Reader reader(bytes);
+  if (reader.byte() != kFormat) return std::nullopt;
+  Held held;
+  held.keys = reader.bits();
+  held.buttons = reader.bits();
+  for (uint32_t left = reader.number(2); left > 0 && reader.isGood(); --left) {
+    const Keycode code = reader.byte();
+    held.meanings[code] = readMeaning(reader);
+  }
+  if (!reader.isGood() || !reader.isAtEnd()) return std::nullopt;
+  return held;
+}
+
+Journal::Journal() {
+  const fs::path place = folder();
+  if (!claim(place)) return;
+  _path = place / fileName();
+  _file = ::open(_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (_file >= 0 && ::flock(_file, LOCK_EX | LOCK_NB) != 0) {
+    ::close(_file);
+    _file = -1;
+  }
+}
+
+Journal::~Journal() {
+  if (_file < 0) return;
+  struct stat status = {};
+  if (::fstat(_file, &status) == 0 && status.st_size == 0) ::unlink(_path.c_str());
+  ::close(_file);
+}
+
+std::optional<Held> Journal::takeLeftOver() const {
+  if (_file < 0) return std::nullopt;
+  std::vector<uint8_t> bytes(kLongestFile);
+  const ssize_t count = ::pread(_file, bytes.data(), bytes.size(), 0);
+  if (count <= 0) return std::nullopt;
+  bytes.resize(static_cast<size_t>(count));
+  return readHeld(bytes);
+}
+
+void Journal::write(const Held& held) const {
+  if (_file < 0) return;
+  const auto bytes = held.isNothing() ? std::vector<uint8_t>() : writeHeld(held);
+  // one write: a kill leaves the old state or the new
+  if (::pwrite(_file, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size())) {
+    ::ftruncate(_file, static_cast<off_t>(bytes.size()));
+  }
+}
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Platform/Linux/X11/Keyboard/KeymapChange.h"
+
+namespace tapdeck::quartz {
+
+/// What the X server holds for this process: it keeps all of that when the process ends.
+struct Held {
+  std::bitset<256> keys;
+  std::bitset<256> buttons;
+  /// What the keys meant that typing uses.
+  KeyMeanings meanings;
+
+  bool isNothing() const { return keys.none() && buttons.none() && meanings.empty(); }
+};
+
+std::vector<uint8_t> writeHeld(const Held& held);
+/// Absent when the bytes do not hold together.
+std::optional<Held> readHeld(const std::vector<uint8_t>& bytes);
+
+/// A small file beside the session's, one for each X display, that says what is held there: what a
+/// process that was killed could not give back, the next one does. Written before the server is
+/// asked. Any thread, one at a time. Where there is no place for the file nothing is kept.
+class Journal {
+ public:
+  /// Of the display that DISPLAY names.
+  Journal();
+  ~Journal();
+  Journal(const Journal&) = delete;
+  Journal& operator=(const Journal&) = delete;
+
+  /// What a process left that is no longer; once.
+  std::optional<Held> takeLeftOver() const;
+  void write(const Held& held) const;
+
+ private:
+  std::filesystem::path _path;
+  /// Locked while this process lives; -1 when there is none, or another process has it.
+  int _file = -1;
+};
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <map>
+
+#include "Platform/Linux/X11/Keyboard/Keymap.h"
+
+namespace tapdeck::quartz {
+
+/// New meanings for some keys.
+using KeyMeanings = std::map<Keycode, KeyMeaning>;
+
+// Every client is told of every change and reads the map anew, so that a change of many keys is as
+// dear as one of one key. Each of these sends one change of the core keyboard's map, for all of the
+// `meanings` (one at least) at once. `now` is the map as it stands, and becomes what it is
+// afterwards. The caller flushes.
+//
+// The server holds the number of a key's actions against the number of keysyms that it had before
+// the request: keysyms and actions cannot change together. It refuses more actions than keysyms.
+
+void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings);
+void sendActions(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings);
+
+}  // namespace tapdeck::quartz

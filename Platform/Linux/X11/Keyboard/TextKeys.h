@@ -1,0 +1,30 @@
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "Platform/Linux/X11/Keyboard/Keymap.h"
+
+namespace tapdeck::quartz {
+
+// A text key is a keycode that means four characters of typed text, one in each group. No modifier
+// chooses among them. Its action (RedirectKey) has the server deliver the key without any modifier:
+// neither the Caps Lock that is on nor a Control that is held, by this program or by a person,
+// reaches the application, while nothing of the keyboard's state changes.
+//
+// Groups, not levels: levels that held modifiers cannot disturb would need a key type of their own,
+// and programs on Xlib do not read a changed type again.
+
+inline constexpr int kTextGroups = 4;
+
+/// One character of a text key. It may have the server deliver another key in place of the text key
+/// (the real Return key, say).
+struct TextMeaning {
+  Keysym keysym = kNoKeysym;
+  std::optional<Keycode> deliveredAs;
+};
+KeyMeaning textKey(Keycode code, const std::array<TextMeaning, kTextGroups>& groups);
+/// Whether that made it, perhaps in a process before this one.
+bool isTextKey(const KeyMeaning& key);
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,117 @@
+#include "Platform/Linux/X11/ManagedWindow.h"
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <thread>
+
+#include "Platform/Linux/X11/WindowManager.h"
+
+namespace tapdeck::quartz {
+namespace {
+
+using std::chrono::milliseconds;
+using Clock = std::chrono::steady_clock;
+
+constexpr const char* kState = "_NET_WM_STATE";
+constexpr const char* kFullScreen = "_NET_WM_STATE_FULLSCREEN";
+constexpr const char* kMaximisedUpright = "_NET_WM_STATE_MAXIMIZED_VERT";
+constexpr const char* kMaximisedAcross = "_NET_WM_STATE_MAXIMIZED_HORZ";
+constexpr milliseconds kLongestWait{500};
+constexpr milliseconds kTurn{5};
+
+/// Left, right, top, bottom.
+struct Extents {
+  int left = 0, right = 0, top = 0, bottom = 0;
+};
+
+std::optional<Extents> extentsOf(Connection& connection, xcb_window_t window,
+                                 const char* property) {
+  const auto numbers = numbersOf(connection, window, property, XCB_ATOM_CARDINAL);
+  if (numbers.size() < 4) return std::nullopt;
+  return Extents{static_cast<int>(numbers[0]), static_cast<int>(numbers[1]),
+                 static_cast<int>(numbers[2]), static_cast<int>(numbers[3])};
+}
+
+/// The shadow that an application which draws its own frame keeps around it.
+std::optional<Extents> shadowOf(Connection& connection, xcb_window_t window) {
+  return extentsOf(connection, window, "_GTK_FRAME_EXTENTS");
+}
+
+void waitUntil(const std::function<bool()>& holds) {
+  const auto deadline = Clock::now() + kLongestWait;
+  while (!holds() && Clock::now() < deadline) std::this_thread::sleep_for(kTurn);
+}
+
+void changeState(Connection& connection, xcb_window_t window, bool wanted, const char* first,
+                 const char* second = nullptr) {
+  const xcb_atom_t other = second != nullptr ? connection.atom(second) : xcb_atom_t{XCB_ATOM_NONE};
+  ask(connection, window, kState, {wanted ? 1U : 0U, connection.atom(first), other, kFromPager, 0});
+}
+
+bool fillsScreen(Connection& connection, xcb_window_t window) {
+  return holdsAny(connection, window, kState, {kFullScreen, kMaximisedUpright, kMaximisedAcross});
+}
+
+/// A window that fills the screen has neither frame nor shadow; both come back with its own size.
+void giveOwnSizeBack(Connection& connection, xcb_window_t window) {
+  changeState(connection, window, false, kMaximisedUpright, kMaximisedAcross);
+  waitUntil([&] {
+    if (fillsScreen(connection, window)) return false;
+    const auto shadow = shadowOf(connection, window);
+    return !shadow || shadow->left + shadow->right + shadow->top + shadow->bottom > 0;
+  });
+}
+
+/// Moves the outer corner of the frame, as NorthWest gravity has it.
+void moveFrame(Connection& connection, xcb_window_t window, int x, int y) {
+  constexpr const char* kMoveResize = "_NET_MOVERESIZE_WINDOW";
+  const auto values = {static_cast<uint32_t>(x), static_cast<uint32_t>(y)};
+  if (holdsAny(connection, connection.root(), "_NET_SUPPORTED", {kMoveResize})) {
+    constexpr uint32_t kHasX = 1 << 8;
+    constexpr uint32_t kHasY = 1 << 9;
+    constexpr uint32_t kSourceShift = 12;
+    ask(connection, window, kMoveResize,
+        {XCB_GRAVITY_NORTH_WEST | kHasX | kHasY | kFromPager << kSourceShift, values.begin()[0],
+         values.begin()[1], 0, 0});
+    return;
+  }
+  xcb_configure_window(connection.get(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
+                       values.begin());
+  connection.flush();
+}
+
+}  // namespace
+
+bool exists(Connection& connection, xcb_window_t window) {
+  return connection.wait(xcb_get_geometry(connection.get(), window), xcb_get_geometry_reply) !=
+         nullptr;
+}
+
+bool isFullScreen(Connection& connection, xcb_window_t window) {
+  return holdsAny(connection, window, kState, {kFullScreen});
+}
+
+void setFullScreen(Connection& connection, xcb_window_t window, bool wanted) {
+  changeState(connection, window, wanted, kFullScreen);
+  waitUntil([&] { return isFullScreen(connection, window) == wanted; });
+}
+
+std::optional<Pixel> visibleCorner(Connection& connection, xcb_window_t window) {
+  const auto corner =
+      connection.wait(xcb_translate_coordinates(connection.get(), window, connection.root(), 0, 0),
+                      xcb_translate_coordinates_reply);
+  if (corner == nullptr) return std::nullopt;
+  const auto frame = extentsOf(connection, window, "_NET_FRAME_EXTENTS").value_or(Extents{});
+  const auto shadow = shadowOf(connection, window).value_or(Extents{});
+  return Pixel{static_cast<int16_t>(corner->dst_x - frame.left + shadow.left),
+               static_cast<int16_t>(corner->dst_y - frame.top + shadow.top)};
+}
+
+void moveVisibleCorner(Connection& connection, xcb_window_t window, Pixel corner) {
+  if (fillsScreen(connection, window)) giveOwnSizeBack(connection, window);
+  const auto shadow = shadowOf(connection, window).value_or(Extents{});
+  moveFrame(connection, window, corner.x - shadow.left, corner.y - shadow.top);
+}
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <CoreGraphics/CoreGraphics.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "Platform/Linux/X11/Monitors.h"
+
+namespace tapdeck::quartz {
+
+/// A pixel of the root window.
+struct Pixel {
+  int16_t x, y;
+};
+
+/// How global display coordinates (points, origin at the primary monitor's top-left corner) lie on
+/// the root window (pixels, origin at its own top-left corner) at one moment.
+class PointSpace {
+ public:
+  PointSpace(const std::vector<Monitor>& monitors, double pixelsPerPoint);
+
+  CGPoint pointAt(int pixelX, int pixelY) const;
+  CGRect rectOf(const Monitor& monitor) const;
+  /// The nearest pixel that the protocol can name; absent when the point is not finite.
+  std::optional<Pixel> pixelAt(CGPoint point) const;
+
+ private:
+  int _originX = 0;
+  int _originY = 0;
+  double _pixelsPerPoint;
+};
+
+}  // namespace tapdeck::quartz

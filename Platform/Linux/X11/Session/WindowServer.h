@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+
+namespace tapdeck::quartz {
+
+/// Opens the connection to the X server of $DISPLAY and checks the extensions that the host needs
+/// (XTEST, XFIXES, RANDR 1.5). Before anything else of Quartz, which until then answers as if the
+/// server were gone; main thread, as all of this. A further call lets go, closes the connection and
+/// opens another, without the observers of the first. Throws WindowServerError.
+void connectToWindowServer();
+
+/// Calls `changed` after the list of monitors or the scale changed, once per change, from the GLib
+/// main loop.
+void observeMonitors(std::function<void()> changed);
+
+/// Releases every key and button that events posted here still hold pressed, and shows the cursor.
+/// Returns when the server has done so. The end of the process by exit does it too.
+void letGo();
+
+}  // namespace tapdeck::quartz

@@ -1,0 +1,56 @@
+#include "Platform/Linux/X11/WindowManager.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace tapdeck::quartz {
+
+std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
+                                xcb_atom_t type) {
+  const auto bytes = connection.property(window, connection.atom(property), type);
+  std::vector<uint32_t> values(bytes.size() / sizeof(uint32_t));
+  if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(uint32_t));
+  return values;
+}
+
+bool holdsAny(Connection& connection, xcb_window_t window, const char* property,
+              std::initializer_list<const char*> names) {
+  const auto atoms = numbersOf(connection, window, property, XCB_ATOM_ATOM);
+  return std::any_of(names.begin(), names.end(), [&](const char* name) {
+    return std::find(atoms.begin(), atoms.end(), connection.atom(name)) != atoms.end();
+  });
+}
+
+std::vector<xcb_window_t> managedClients(Connection& connection) {
+  auto clients =
+      numbersOf(connection, connection.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW);
+  if (!clients.empty()) return clients;
+  return numbersOf(connection, connection.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW);
+}
+
+xcb_window_t activeWindow(Connection& connection) {
+  const auto windows =
+      numbersOf(connection, connection.root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW);
+  return windows.empty() ? xcb_window_t{XCB_WINDOW_NONE} : windows.front();
+}
+
+int32_t processOf(Connection& connection, xcb_window_t window) {
+  const auto process = numbersOf(connection, window, "_NET_WM_PID", XCB_ATOM_CARDINAL);
+  return process.empty() ? -1 : static_cast<int32_t>(process.front());
+}
+
+void ask(Connection& connection, xcb_window_t window, const char* wish,
+         const std::array<uint32_t, 5>& details) {
+  xcb_client_message_event_t message{};
+  message.response_type = XCB_CLIENT_MESSAGE;
+  message.format = 32;
+  message.window = window;
+  message.type = connection.atom(wish);
+  std::copy(details.begin(), details.end(), message.data.data32);
+  xcb_send_event(connection.get(), 0, connection.root(),
+                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                 reinterpret_cast<const char*>(&message));
+  connection.flush();
+}
+
+}  // namespace tapdeck::quartz
