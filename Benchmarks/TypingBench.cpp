@@ -10,8 +10,8 @@
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Input/UnicodeText.h"
-#include "Tests/Desktop/TypingClient.h"
-#include "Tests/Desktop/TypingText.h"
+#include "Tests/Support/Desktop/TypingClient.h"
+#include "Tests/Support/Desktop/TypingText.h"
 
 namespace {
 

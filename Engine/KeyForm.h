@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Engine/StandardWriter.h"
+#include "Engine/StandardFormat.h"
 #include "Engine/Value.h"
 
 namespace tapdeck::codec {

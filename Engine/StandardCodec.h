@@ -7,6 +7,7 @@
 
 #include "Engine/MethodCall.h"
 #include "Engine/Reply.h"
+#include "Engine/StandardFormat.h"
 #include "Engine/Value.h"
 
 namespace tapdeck::codec {
@@ -17,8 +18,6 @@ namespace tapdeck::codec {
 /// to nothing. Encoding knows no depth limit; it throws std::length_error for what is too long to
 /// have an encoding (4 Gi elements). Of equal keys in a map the last one's value counts.
 using Bytes = std::vector<uint8_t>;
-
-inline constexpr int kDepthLimit = 64;
 
 Bytes encodeMessage(const Value& value);
 std::optional<Value> decodeMessage(std::span<const uint8_t> message);

@@ -4,7 +4,7 @@
 #include <map>
 #include <utility>
 
-#include "Engine/StandardCodec.h"
+#include "Engine/StandardFormat.h"
 #include "Engine/Utf8.h"
 
 namespace tapdeck::codec {

@@ -5,36 +5,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "Engine/StandardFormat.h"
 #include "Engine/Value.h"
 
 namespace tapdeck::codec {
 
 static_assert(std::endian::native == std::endian::little,
               "numbers are copied as they lie in memory, and the wire is little-endian");
-
-/// The byte that stands before each value and names its type.
-enum class Tag : uint8_t {
-  null = 0,
-  yes = 1,
-  no = 2,
-  int32 = 3,
-  int64 = 4,
-  /// An integer of any size as hexadecimal text.
-  largeInt = 5,
-  float64 = 6,
-  string = 7,
-  bytes = 8,
-  int32List = 9,
-  int64List = 10,
-  float64List = 11,
-  list = 12,
-  map = 13,
-  float32List = 14,
-};
-
-/// A size below the first mark stands in one byte; the marks announce two and four bytes of size.
-inline constexpr uint8_t kSizeIn16Bits = 254;
-inline constexpr uint8_t kSizeIn32Bits = 255;
 
 /// Writes values one after another into one message; alignment counts from the message's start.
 class Writer {

@@ -8,7 +8,7 @@
 #include "Platform/Linux/Application/GtkConnection.h"
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/Linux/Permissions/Permissions.h"
-#include "Tests/Desktop/PrivateServer.h"
+#include "Tests/Support/Desktop/PrivateServer.h"
 #include "Tests/Support/MainLoop.h"
 
 namespace tapdeck::testing {

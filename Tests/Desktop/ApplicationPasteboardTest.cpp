@@ -13,8 +13,8 @@
 #include "Platform/Linux/Fronts/Pasteboard.h"
 #include "Platform/Linux/Fronts/SelectionReader.h"
 #include "Platform/Queues.h"
-#include "Tests/Desktop/ApplicationProcess.h"
-#include "Tests/Desktop/Observer.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
+#include "Tests/Support/Desktop/Observer.h"
 
 namespace tapdeck::testing {
 namespace {

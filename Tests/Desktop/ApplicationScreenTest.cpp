@@ -7,8 +7,8 @@
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Display/LaserPointer.h"
 #include "Runner/Display/WindowPlacement.h"
-#include "Tests/Desktop/ApplicationProcess.h"
-#include "Tests/Desktop/Observer.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
+#include "Tests/Support/Desktop/Observer.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -6,7 +6,7 @@
 #include "Platform/Linux/Applications/ManagedWindows.h"
 #include "Runner/Apps/Launching.h"
 #include "Tests/Desktop/AppsFixture.h"
-#include "Tests/Desktop/Observer.h"
+#include "Tests/Support/Desktop/Observer.h"
 
 namespace tapdeck::testing {
 namespace {

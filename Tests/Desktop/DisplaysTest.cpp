@@ -11,8 +11,8 @@
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Platform/Screens.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/Observer.h"
-#include "Tests/Desktop/PrivateServer.h"
+#include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Desktop/PrivateServer.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -13,9 +13,9 @@
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Display/ScreenCapture.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/Observer.h"
-#include "Tests/Desktop/PrivateServer.h"
-#include "Tests/Desktop/ScreenPainter.h"
+#include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Desktop/PrivateServer.h"
+#include "Tests/Support/Desktop/ScreenPainter.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -19,8 +19,8 @@
 #include "Runner/Input/MediaKeys.h"
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/Observer.h"
-#include "Tests/Desktop/TypingKeyboard.h"
+#include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Desktop/TypingKeyboard.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -10,7 +10,7 @@
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/LoginItems.h"
 #include "Platform/UserDefaults.h"
-#include "Tests/Desktop/ApplicationProcess.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
 
 namespace tapdeck::testing {
 namespace {

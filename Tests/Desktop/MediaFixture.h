@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-#include "Tests/Desktop/ApplicationProcess.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
 
 namespace tapdeck::testing {
 

@@ -8,8 +8,8 @@
 #include "Engine/StandardCodec.h"
 #include "Platform/Linux/Call/HostConnection.h"
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
-#include "Tests/Desktop/MediaBusPeer.h"
 #include "Tests/Desktop/MediaFixture.h"
+#include "Tests/Support/Desktop/MediaBusPeer.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -8,9 +8,9 @@
 
 #include "Platform/Applications.h"
 #include "Runner/Media/PlayerScripts.h"
-#include "Tests/Desktop/MediaBusPeer.h"
 #include "Tests/Desktop/MediaFixture.h"
 #include "Tests/Support/CoverServer.h"
+#include "Tests/Support/Desktop/MediaBusPeer.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -7,7 +7,7 @@
 #include "Platform/Linux/Permissions/Permissions.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/Observer.h"
+#include "Tests/Support/Desktop/Observer.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -13,8 +13,8 @@
 #include "Platform/Linux/X11/WindowServerError.h"
 #include "Platform/Screens.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/Observer.h"
-#include "Tests/Desktop/PrivateServer.h"
+#include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Desktop/PrivateServer.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -6,9 +6,9 @@
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Input/UnicodeText.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/TypingClient.h"
-#include "Tests/Desktop/TypingKeyboard.h"
-#include "Tests/Desktop/TypingText.h"
+#include "Tests/Support/Desktop/TypingClient.h"
+#include "Tests/Support/Desktop/TypingKeyboard.h"
+#include "Tests/Support/Desktop/TypingText.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -1,7 +1,5 @@
 // Child processes, scripts, downloads and files, recorded.
 
-#include "Tests/Support/Recording/Media.h"
-
 #include <stdexcept>
 #include <utility>
 
@@ -10,6 +8,7 @@
 #include "Platform/Queues.h"
 #include "Platform/Scripts.h"
 #include "Platform/Tasks.h"
+#include "Tests/Support/Recording/MediaAnswers.h"
 #include "Tests/Support/Recording/Queued.h"
 #include "Tests/Support/Recording/Recording.h"
 

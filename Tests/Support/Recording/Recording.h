@@ -12,8 +12,8 @@
 #include "Platform/Applications.h"
 #include "Platform/LoginItems.h"
 #include "Platform/Screens.h"
-#include "Tests/Support/Recording/Media.h"
-#include "Tests/Support/Recording/ScreenImages.h"
+#include "Tests/Support/Recording/MediaAnswers.h"
+#include "Tests/Support/Recording/ScreenAnswers.h"
 
 namespace tapdeck::recording {
 

@@ -1,7 +1,5 @@
 // Display images, bitmap contexts and the encoder, recorded.
 
-#include "Tests/Support/Recording/ScreenImages.h"
-
 #include <ImageIO/ImageIO.h>
 
 #include <algorithm>
@@ -10,6 +8,7 @@
 
 #include "Tests/Support/Recording/Objects.h"
 #include "Tests/Support/Recording/Recording.h"
+#include "Tests/Support/Recording/ScreenAnswers.h"
 
 using tapdeck::recording::contentOf;
 using tapdeck::recording::makeObject;

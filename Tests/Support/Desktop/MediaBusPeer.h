@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Desktop/ApplicationProcess.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
 
 namespace tapdeck::testing {
 

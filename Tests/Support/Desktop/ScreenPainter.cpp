@@ -1,4 +1,4 @@
-#include "Tests/Desktop/ScreenPainter.h"
+#include "Tests/Support/Desktop/ScreenPainter.h"
 
 #include <xcb/render.h>
 #include <xcb/shm.h>

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "Tests/Desktop/Observer.h"
+#include "Tests/Support/Desktop/Observer.h"
 
 namespace tapdeck::testing {
 

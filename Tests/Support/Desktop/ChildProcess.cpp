@@ -1,4 +1,4 @@
-#include "Tests/Desktop/ApplicationProcess.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
 
 #include <stdexcept>
 

@@ -1,4 +1,4 @@
-#include "Tests/Desktop/TypingClient.h"
+#include "Tests/Support/Desktop/TypingClient.h"
 
 #include <algorithm>
 #include <chrono>

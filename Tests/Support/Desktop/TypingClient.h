@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "Tests/Desktop/ApplicationProcess.h"
-#include "Tests/Desktop/Observer.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
+#include "Tests/Support/Desktop/Observer.h"
 
 namespace tapdeck::testing {
 

@@ -1,4 +1,4 @@
-#include "Tests/Desktop/TypingText.h"
+#include "Tests/Support/Desktop/TypingText.h"
 
 #include <algorithm>
 

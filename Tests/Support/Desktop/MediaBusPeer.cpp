@@ -1,4 +1,4 @@
-#include "Tests/Desktop/MediaBusPeer.h"
+#include "Tests/Support/Desktop/MediaBusPeer.h"
 
 #include <memory>
 #include <stdexcept>

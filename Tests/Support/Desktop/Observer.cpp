@@ -1,4 +1,4 @@
-#include "Tests/Desktop/Observer.h"
+#include "Tests/Support/Desktop/Observer.h"
 
 #include <xcb/randr.h>
 

@@ -1,4 +1,4 @@
-#include "Tests/Desktop/PrivateServer.h"
+#include "Tests/Support/Desktop/PrivateServer.h"
 
 #include <stdexcept>
 

@@ -1,11 +1,11 @@
-#include "Tests/Desktop/TypingKeyboard.h"
+#include "Tests/Support/Desktop/TypingKeyboard.h"
 
 #include <cstdlib>
 #include <stdexcept>
 
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 #include "Runner/Owned.h"
-#include "Tests/Desktop/ApplicationProcess.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
 
 namespace tapdeck::testing {
 namespace {

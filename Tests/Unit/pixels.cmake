@@ -1,3 +1,0 @@
-add_executable(pixels_tests AreaScalerTest.cpp)
-target_link_libraries(pixels_tests PRIVATE tapdeck_pixels GTest::gtest_main)
-gtest_discover_tests(pixels_tests)
