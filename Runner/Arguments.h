@@ -16,9 +16,6 @@ class Arguments {
  public:
   explicit Arguments(const Value& arguments);
 
-  /// Whether the arguments are a map with string keys at all.
-  bool isMap() const { return _map != nullptr; }
-
   /// A string.
   std::optional<std::string> string(std::string_view key) const;
   /// A number that a double represents exactly; a boolean is no number.

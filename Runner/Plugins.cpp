@@ -24,10 +24,6 @@ constexpr const char* kPluginClassNames[] = {
 
 }  // namespace
 
-std::span<const char* const> pluginClassNames() {
-  return kPluginClassNames;
-}
-
 void registerPlugins(UIEngine& engine) {
   for (const char* name : kPluginClassNames) engine.registerPlugin(name);
 }

@@ -86,10 +86,6 @@ void CFRelease(CFTypeRef object) {
   objectOf(object).release();
 }
 
-CFIndex CFGetRetainCount(CFTypeRef object) {
-  return objectOf(object).retainCount();
-}
-
 Boolean CFEqual(CFTypeRef a, CFTypeRef b) {
   return static_cast<Boolean>(objectOf(a).equals(objectOf(b)));
 }

@@ -1,7 +1,5 @@
 #include <ApplicationServices/ApplicationServices.h>
 
-#include <cstring>
-
 #include "Platform/Linux/CoreFoundation/Object.h"
 #include "Platform/Linux/X11/ManagedWindow.h"
 #include "Platform/Linux/X11/PointSpace.h"
@@ -42,13 +40,6 @@ AXError copyFocusedWindow(quartz::Connection& connection, pid_t process, CFTypeR
   return kAXErrorSuccess;
 }
 
-AXError copyPosition(quartz::Connection& connection, xcb_window_t window, CFTypeRef* value) {
-  const auto corner = quartz::visibleCorner(connection, window);
-  if (!corner) return kAXErrorInvalidUIElement;
-  *value = new __AXValue(quartz::currentPointSpace().pointAt(corner->x, corner->y));
-  return kAXErrorSuccess;
-}
-
 AXError setPosition(quartz::Connection& connection, xcb_window_t window, CFTypeRef value) {
   const auto* position = dynamic_cast<const __AXValue*>(static_cast<const Object*>(value));
   const auto pixel =
@@ -74,7 +65,6 @@ AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attrib
                : kAXErrorAttributeUnsupported;
   }
   if (!quartz::exists(connection, element->window)) return kAXErrorInvalidUIElement;
-  if (names(attribute, "AXPosition")) return copyPosition(connection, element->window, value);
   if (!names(attribute, "AXFullScreen")) return kAXErrorAttributeUnsupported;
   *value = CFRetain(quartz::isFullScreen(connection, element->window) ? kCFBooleanTrue
                                                                       : kCFBooleanFalse);
@@ -97,10 +87,4 @@ AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribu
 AXValueRef AXValueCreate(AXValueType type, const void* structure) {
   if (type != kAXValueTypeCGPoint) return nullptr;
   return new __AXValue(*static_cast<const CGPoint*>(structure));
-}
-
-Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* structure) {
-  if (type != kAXValueTypeCGPoint) return 0;
-  std::memcpy(structure, &value->point, sizeof value->point);
-  return 1;
 }

@@ -75,9 +75,8 @@ CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode key, bool keyD
 CGEventRef CGEventCreateScrollWheelEvent2(CGEventSourceRef, CGScrollEventUnit units,
                                           uint32_t wheelCount, int32_t wheel1, int32_t wheel2,
                                           int32_t) {
-  if (wheelCount < 1 || wheelCount > 3) return nullptr;
+  if (units != kCGScrollEventUnitPixel || wheelCount < 1 || wheelCount > 3) return nullptr;
   auto* event = new __CGEvent(kCGEventScrollWheel);
-  event->scrollUnits = units;
   event->verticalScroll = wheel1;
   if (wheelCount > 1) event->horizontalScroll = wheel2;
   return event;

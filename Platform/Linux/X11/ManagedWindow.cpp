@@ -97,17 +97,6 @@ void setFullScreen(Connection& connection, xcb_window_t window, bool wanted) {
   waitUntil([&] { return isFullScreen(connection, window) == wanted; });
 }
 
-std::optional<Pixel> visibleCorner(Connection& connection, xcb_window_t window) {
-  const auto corner =
-      connection.wait(xcb_translate_coordinates(connection.get(), window, connection.root(), 0, 0),
-                      xcb_translate_coordinates_reply);
-  if (corner == nullptr) return std::nullopt;
-  const auto frame = extentsOf(connection, window, "_NET_FRAME_EXTENTS").value_or(Extents{});
-  const auto shadow = shadowOf(connection, window).value_or(Extents{});
-  return Pixel{static_cast<int16_t>(corner->dst_x - frame.left + shadow.left),
-               static_cast<int16_t>(corner->dst_y - frame.top + shadow.top)};
-}
-
 void moveVisibleCorner(Connection& connection, xcb_window_t window, Pixel corner) {
   if (fillsScreen(connection, window)) giveOwnSizeBack(connection, window);
   const auto shadow = shadowOf(connection, window).value_or(Extents{});

@@ -19,13 +19,9 @@ bool isFullScreen(Connection& connection, xcb_window_t window);
 /// fraction of a second.
 void setFullScreen(Connection& connection, xcb_window_t window, bool wanted);
 
-/// The top-left corner of what the user sees of the window: its frame, or, where the application
-/// draws the frame itself, the window without its shadow. In pixels of the root window; absent when
-/// the window is gone.
-std::optional<Pixel> visibleCorner(Connection& connection, xcb_window_t window);
-
-/// Moves that corner; a maximised window is given its own size back first, which may take a
-/// fraction of a second.
+/// Moves the top-left corner of what the user sees of the window: its frame, or, where the
+/// application draws the frame itself, the window without its shadow. In pixels of the root window.
+/// A maximised window is given its own size back first, which may take a fraction of a second.
 void moveVisibleCorner(Connection& connection, xcb_window_t window, Pixel corner);
 
 }  // namespace tapdeck::quartz

@@ -6,12 +6,6 @@
 namespace tapdeck::quartz {
 namespace {
 
-const xcb_screen_t& screenOf(const Connection& connection) {
-  auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection.get()));
-  for (int i = 0; i < connection.screenNumber(); ++i) xcb_screen_next(&screens);
-  return *screens.data;
-}
-
 const xcb_visualtype_t* rootVisual(const xcb_screen_t& screen) {
   for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0;
        xcb_depth_next(&depth)) {
@@ -47,7 +41,7 @@ RootFormat::RootFormat(const xcb_visualtype_t& visual)
 
 std::optional<RootFormat> RootFormat::of(const Connection& connection) {
   const xcb_setup_t* setup = xcb_get_setup(connection.get());
-  const xcb_screen_t& screen = screenOf(connection);
+  const xcb_screen_t& screen = connection.screen();
   const auto* visual = rootVisual(screen);
   const bool isDirect = visual != nullptr && visual->_class == XCB_VISUAL_CLASS_TRUE_COLOR &&
                         std::popcount(visual->red_mask) >= 8 &&

@@ -17,7 +17,6 @@ struct __CGEvent final : tapdeck::cf::Object {
   /// time stamps.
   int64_t clickState = 0;
   uint32_t button = kCGMouseButtonLeft;
-  CGScrollEventUnit scrollUnits = kCGScrollEventUnitPixel;
   int32_t verticalScroll = 0;
   int32_t horizontalScroll = 0;
   CGKeyCode keyCode = 0;

@@ -135,12 +135,8 @@ void EventPoster::release(uint8_t button) {
 }
 
 void EventPoster::scroll(const __CGEvent& event) {
-  const bool byLine = event.scrollUnits == kCGScrollEventUnitLine;
-  const int32_t up = event.verticalScroll;
-  const int32_t left = event.horizontalScroll;
-  turnWheel(byLine ? _vertical.addLines(up) : _vertical.addPixels(up), kWheelUp, kWheelDown);
-  turnWheel(byLine ? _horizontal.addLines(left) : _horizontal.addPixels(left), kWheelLeft,
-            kWheelRight);
+  turnWheel(_vertical.addPixels(event.verticalScroll), kWheelUp, kWheelDown);
+  turnWheel(_horizontal.addPixels(event.horizontalScroll), kWheelLeft, kWheelRight);
 }
 
 void EventPoster::turnWheel(int steps, uint8_t positive, uint8_t negative) {

@@ -11,9 +11,4 @@ int ScrollSteps::addPixels(int32_t pixels) {
   return static_cast<int>(std::clamp<int64_t>(total / kPixelsPerStep, -kMostSteps, kMostSteps));
 }
 
-int ScrollSteps::addLines(int32_t lines) {
-  _left = 0;
-  return std::clamp(lines, -kMostSteps, kMostSteps);
-}
-
 }  // namespace tapdeck::quartz

@@ -16,8 +16,6 @@ class ScrollSteps {
 
   /// Points, positive and negative being the two directions; gives whole steps of the same sign.
   int addPixels(int32_t pixels);
-  /// One line is one step, as one notch of a wheel is one line.
-  int addLines(int32_t lines);
 
  private:
   int64_t _left = 0;

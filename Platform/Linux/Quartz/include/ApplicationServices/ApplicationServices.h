@@ -38,17 +38,16 @@ inline constexpr uint32_t kAXValueCGPointType = kAXValueTypeCGPoint;
 /// The application of this process, which need not exist.
 AXUIElementRef AXUIElementCreateApplication(pid_t process);
 /// An application has "AXFocusedWindow", absent (kAXErrorNoValue) unless it is the front one; a
-/// window has "AXFullScreen", a boolean, and "AXPosition", the point of its frame's top-left corner
-/// in global display coordinates. `value` is the caller's own, and untouched when there is an
-/// error.
+/// window has "AXFullScreen", a boolean. `value` is the caller's own, and untouched when there is
+/// an error.
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                       CFTypeRef* value);
-/// For a window's attributes. Returns when the window manager has been told: what it makes of the
+/// A window's "AXFullScreen", and its "AXPosition": the point of its frame's top-left corner in
+/// global display coordinates. Returns when the window manager has been told: what it makes of the
 /// wish is its own affair.
 AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                      CFTypeRef value);
 /// Copies the structure; null for another type than a point.
 AXValueRef AXValueCreate(AXValueType type, const void* structure);
-Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* structure);
 
 }  // extern "C"

@@ -43,7 +43,6 @@ enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
 
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
-CFIndex CFGetRetainCount(CFTypeRef object);
 Boolean CFEqual(CFTypeRef a, CFTypeRef b);
 
 /// Null when the text is not UTF-8; `encoding` must be UTF-8.

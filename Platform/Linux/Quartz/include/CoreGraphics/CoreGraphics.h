@@ -170,7 +170,7 @@ enum CGMouseButton : uint32_t {
 
 enum CGEventField : uint32_t { kCGMouseEventClickState = 1 };
 
-enum CGScrollEventUnit : uint32_t { kCGScrollEventUnitPixel = 0, kCGScrollEventUnitLine = 1 };
+enum CGScrollEventUnit : uint32_t { kCGScrollEventUnitPixel = 0 };
 
 CGEventSourceRef CGEventSourceCreate(CGEventSourceStateID state);
 
