@@ -10,7 +10,7 @@ tapdeck_library(tapdeck_usersettings
 
 # The fronts of the Objective-C frameworks.
 tapdeck_library(tapdeck_platform
-  SOURCES Applications.cpp Applications/BundleFolders.cpp Applications/DesktopEntries.cpp
+  SOURCES Activity.cpp Applications.cpp Applications/BundleFolders.cpp Applications/DesktopEntries.cpp
           Applications/DesktopFiles.cpp Applications/Launch.cpp Applications/ManagedWindows.cpp
           Clock.cpp Downloads.cpp Files.cpp Images.cpp Log.cpp LoginItems.cpp MainBundle.cpp
           Pasteboard.cpp ProcessInfo.cpp PropertyLists.cpp Queues.cpp RepeatingTimer.cpp Scripts.cpp
