@@ -46,10 +46,12 @@ void handleControlCall(const std::weak_ptr<MainFlutterWindow>& window, const Met
 }
 
 void installControlChannel(const std::shared_ptr<MainFlutterWindow>& window,
-                           const std::shared_ptr<UIEngine>& engine) {
+                           const std::shared_ptr<UIEngine>& engine,
+                           const std::shared_ptr<ChannelActivity>& activity) {
   auto channel = std::make_unique<MethodChannel>(kControlChannelName, engine);
   channel->setMethodCallHandler(
-      [weak = std::weak_ptr(window)](const MethodCall& call, Reply reply) {
+      [weak = std::weak_ptr(window), activity](const MethodCall& call, Reply reply) {
+        activity->noteCall();
         handleControlCall(weak, call, std::move(reply));
       });
   window->_controlChannel = std::move(channel);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "Engine/MethodChannel.h"
+#include "Runner/ChannelActivity.h"
 #include "Runner/MainFlutterWindow.h"
 
 namespace tapdeck {
@@ -17,10 +18,11 @@ inline constexpr const char* kControlChannelName = "com.tapdeck/control";
 void handleControlCall(const std::weak_ptr<MainFlutterWindow>& window, const MethodCall& call,
                        Reply reply);
 
-/// Creates the control channel on the engine, with a handler that holds the window weakly, and
-/// stores it in `_controlChannel`.
+/// Creates the control channel on the engine, with a handler that holds the window weakly and notes
+/// each call, and stores it in `_controlChannel`.
 void installControlChannel(const std::shared_ptr<MainFlutterWindow>& window,
-                           const std::shared_ptr<UIEngine>& engine);
+                           const std::shared_ptr<UIEngine>& engine,
+                           const std::shared_ptr<ChannelActivity>& activity);
 
 /// Sends the UI engine "displaysChanged" with the present list of displays, if the window still
 /// exists and has its control channel.

@@ -214,8 +214,8 @@ void openAccessibilitySettingsRow(const ControlCall&, Reply reply) {
 // ---- what works in the background
 
 /// Runs `work` on a background queue and replies from the main one. The window is held only while
-/// the work runs and is let go of on the main thread, where its fields live; when it is gone, the
-/// reply is null and `work` does not run.
+/// the work runs and is let go of by the work on the main queue, whose thread its fields belong to;
+/// when it is gone, the reply is null and `work` does not run.
 void replyFromBackground(QualityOfService quality, const ControlCall& call, Reply reply,
                          std::function<Value()> work) {
   auto pending = std::make_shared<Reply>(std::move(reply));
@@ -223,9 +223,11 @@ void replyFromBackground(QualityOfService quality, const ControlCall& call, Repl
                                     work = std::move(work)]() mutable {
     std::shared_ptr<MainFlutterWindow> window = weak.lock();
     Value result = window ? work() : Value();
-    platform::asyncOnMain(
-        [window = std::move(window), pending = std::move(pending),
-         result = std::move(result)]() mutable { pending->success(std::move(result)); });
+    platform::asyncOnMain([window = std::move(window), pending = std::move(pending),
+                           result = std::move(result)]() mutable {
+      pending->success(std::move(result));
+      window.reset();  // not left to whoever destroys this closure
+    });
   });
 }
 

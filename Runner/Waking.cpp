@@ -1,9 +1,12 @@
 #include "Runner/Waking.h"
 
+#include <utility>
+
 #include "Engine/MethodChannel.h"
 #include "LaunchAtLogin/Channel.h"
 #include "LaunchAtLogin/LaunchAtLogin.h"
 #include "Platform/Screens.h"
+#include "Runner/ChannelActivity.h"
 #include "Runner/ControlChannel.h"
 #include "Runner/Plugins.h"
 
@@ -12,9 +15,14 @@ namespace tapdeck {
 void wakeMainWindow(const std::shared_ptr<MainFlutterWindow>& window,
                     const std::shared_ptr<UIEngine>& engine) {
   LaunchAtLogin::shared().migrateIfNeeded();  // before anybody can ask
-  MethodChannel("launch_at_startup", engine).setMethodCallHandler(handleLaunchAtStartupCall);
+  const auto activity = std::make_shared<ChannelActivity>();
+  MethodChannel("launch_at_startup", engine)
+      .setMethodCallHandler([activity](const MethodCall& call, Reply reply) {
+        activity->noteCall();
+        handleLaunchAtStartupCall(call, std::move(reply));
+      });
   registerPlugins(*engine);
-  installControlChannel(window, engine);
+  installControlChannel(window, engine, activity);
   platform::observeScreenParameters([weak = std::weak_ptr(window)] { sendDisplaysChanged(weak); });
 }
 

@@ -18,5 +18,6 @@ endforeach()
 
 get_target_property(frameworks tapdeck_flutter TAPDECK_FRAMEWORKS)
 tapdeck_embed_frameworks(Tapdeck ${frameworks})
-tapdeck_seal(Tapdeck)
-tapdeck_archive(Tapdeck ${frameworks})
+tapdeck_entitlements_to_sign(entitlements)
+tapdeck_seal(Tapdeck ${entitlements})
+tapdeck_archive(Tapdeck ${entitlements} ${frameworks})

@@ -31,7 +31,21 @@ function(tapdeck_is_static framework result)
   endif()
 endfunction()
 
+# Archives of Swift code tell which of Swift's libraries they need, not where these lie.
+if(CMAKE_HOST_APPLE AND NOT DEFINED TAPDECK_SWIFT_LIBRARY_DIRS)
+  execute_process(COMMAND xcrun --find swiftc OUTPUT_VARIABLE compiler OUTPUT_STRIP_TRAILING_WHITESPACE
+                  COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND xcrun --show-sdk-path OUTPUT_VARIABLE sdk OUTPUT_STRIP_TRAILING_WHITESPACE
+                  COMMAND_ERROR_IS_FATAL ANY)
+  cmake_path(APPEND compiler ../../lib/swift/macosx)
+  cmake_path(NORMAL_PATH compiler)
+  set(TAPDECK_SWIFT_LIBRARY_DIRS "${compiler};${sdk}/usr/lib/swift")
+endif()
+
 add_library(tapdeck_flutter INTERFACE)
+foreach(folder ${TAPDECK_SWIFT_LIBRARY_DIRS})
+  target_link_options(tapdeck_flutter INTERFACE "-L${folder}")
+endforeach()
 target_link_libraries(tapdeck_flutter INTERFACE "-framework FlutterMacOS")
 # nothing refers to the plug-ins' classes, nor to the login item's views: they are looked up by name
 target_link_options(tapdeck_flutter INTERFACE "-ObjC")
@@ -43,7 +57,7 @@ foreach(framework ${frameworks})
   if(NOT is_static)
     list(APPEND embedded ${framework})
   endif()
-  target_compile_options(tapdeck_flutter INTERFACE "SHELL:-iframework ${folder}")
+  target_compile_options(tapdeck_flutter INTERFACE "-iframework${folder}")
   target_link_options(tapdeck_flutter INTERFACE "-F${folder}")
   if(name STREQUAL "App")
     continue() # the engine itself loads it

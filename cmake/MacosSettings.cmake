@@ -19,5 +19,7 @@ set(TAPDECK_ENTITLEMENTS "${CMAKE_SOURCE_DIR}/Runner/Resources/Tapdeck.entitleme
     "What the application asks the system to be allowed")
 set(TAPDECK_EXTRA_RESOURCES "" CACHE STRING
     "Files that the plug-ins want in the application's resources, such as GoogleService-Info.plist")
+set(TAPDECK_PLUGIN_LIBRARIES "" CACHE STRING
+    "Of the system's, what plug-ins in archives link: a framework's name (Security), a path (/usr/lib/swift/*)")
 set(TAPDECK_FLUTTER_DIR "" CACHE PATH
     "Folder of a Flutter build: FlutterMacOS, App and the plug-ins as .framework or .xcframework")

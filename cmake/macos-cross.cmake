@@ -4,7 +4,9 @@
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR arm64)
 set(CMAKE_OSX_ARCHITECTURES arm64)
-set(CMAKE_OSX_DEPLOYMENT_TARGET 11.0)
+if(NOT CMAKE_OSX_DEPLOYMENT_TARGET)
+  set(CMAKE_OSX_DEPLOYMENT_TARGET 11.0)
+endif()
 
 set(MACOS_SYSROOT "$ENV{MACOS_SYSROOT}" CACHE PATH "macOS SDK, laid out as a sysroot")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES MACOS_SYSROOT)
@@ -32,7 +34,7 @@ tapdeck_cross_tool(CMAKE_NM llvm-nm-19)
 tapdeck_cross_tool(CMAKE_STRIP llvm-strip-19)
 tapdeck_cross_tool(CMAKE_INSTALL_NAME_TOOL llvm-install-name-tool-19)
 foreach(language C CXX OBJCXX)
-  set(CMAKE_${language}_COMPILER_TARGET arm64-apple-macos11.0)
+  set(CMAKE_${language}_COMPILER_TARGET arm64-apple-macos${CMAKE_OSX_DEPLOYMENT_TARGET})
 endforeach()
 
 # the SDK's C++ library, not the one beside the compiler: it knows what macOS 11 lacks

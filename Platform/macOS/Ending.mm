@@ -12,9 +12,15 @@ namespace {
 
 std::atomic<void (*)()> preparation = nullptr;
 
+bool isIgnored(int number) {
+  struct sigaction action {};
+  return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 // A handler of a signal itself may call almost nothing, so a source on the main queue does the
 // work.
 void prepareEndingOn(int number) {
+  if (isIgnored(number)) return;  // as nohup wants it
   // unlike an ignored signal, a handled one is back to its default in the processes started here
   std::signal(number, [](int) {});
   dispatch_source_t source = dispatch_source_create(

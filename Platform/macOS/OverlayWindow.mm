@@ -30,6 +30,8 @@ NSWindow* newWindow(const OverlayStyle& style) {
                                                  styleMask:style.styleMask
                                                    backing:NSBackingStoreBuffered
                                                      defer:NO];
+  // hiding the application must not hide what points at others
+  window.canHide = NO;
   // ARC owns it
   window.releasedWhenClosed = NO;
   window.opaque = style.isOpaque;

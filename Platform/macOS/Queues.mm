@@ -5,10 +5,15 @@
 namespace tapdeck::platform {
 namespace {
 
-dispatch_block_t blockOf(std::function<void()> work) {
+/// Takes the work away, so that what it holds goes where it ran: the queuing thread and the block,
+/// which the system may let go of anywhere, keep nothing of it.
+dispatch_block_t blockTaking(std::function<void()>& work) {
+  const auto waiting = std::make_shared<std::function<void()>>();
+  waiting->swap(work);
   return ^{
     @autoreleasepool {
-      work();
+      (*waiting)();
+      *waiting = nullptr;
     }
   };
 }
@@ -25,11 +30,11 @@ qos_class_t qosClass(QualityOfService quality) {
 }  // namespace
 
 void asyncOnMain(std::function<void()> work) {
-  dispatch_async(dispatch_get_main_queue(), blockOf(std::move(work)));
+  dispatch_async(dispatch_get_main_queue(), blockTaking(work));
 }
 
 void asyncOnGlobal(QualityOfService quality, std::function<void()> work) {
-  dispatch_async(dispatch_get_global_queue(qosClass(quality), 0), blockOf(std::move(work)));
+  dispatch_async(dispatch_get_global_queue(qosClass(quality), 0), blockTaking(work));
 }
 
 struct Semaphore::Count {

@@ -14,9 +14,15 @@ std::optional<uint32_t> numberOf(NSScreen* screen) {
 
 Screen describe(NSScreen* screen) {
   return {.number = numberOf(screen),
-          .localizedName = utf8FromString(screen.localizedName),
           .frame = screen.frame,
           .backingScaleFactor = screen.backingScaleFactor};
+}
+
+NSScreen* attachedScreen(const Screen& screen) {
+  for (NSScreen* attached in NSScreen.screens) {
+    if (numberOf(attached) == screen.number) return attached;
+  }
+  return nil;
 }
 
 }  // namespace
@@ -33,11 +39,13 @@ std::optional<Screen> mainScreen() {
   return describe(screen);
 }
 
+std::string localizedName(const Screen& screen) {
+  return utf8FromString(attachedScreen(screen).localizedName);
+}
+
 CGRect visibleFrame(const Screen& screen) {
-  for (NSScreen* attached in NSScreen.screens) {
-    if (numberOf(attached) == screen.number) return attached.visibleFrame;
-  }
-  return screen.frame;
+  NSScreen* attached = attachedScreen(screen);
+  return attached != nil ? attached.visibleFrame : screen.frame;
 }
 
 void observeScreenParameters(std::function<void()> changed) {

@@ -63,16 +63,20 @@ void Task::setStandardError(const Pipe& pipe) {
 }
 
 void Task::setTerminationHandler(std::function<void(int32_t status)> handler) {
-  _process->task.terminationHandler = ^(NSTask* ended) {
+  // nobody else may hold the task by then, and one that is gone may not tell of its end
+  __block NSTask* kept = _process->task;
+  kept.terminationHandler = ^(NSTask* ended) {
     @autoreleasepool {
       handler(ended.terminationStatus);
     }
+    kept = nil;
   };
 }
 
 std::optional<std::string> Task::launchAndReturnError() {
   NSError* error = nil;
   if ([_process->task launchAndReturnError:&error]) return std::nullopt;
+  _process->task.terminationHandler = nil;  // never runs, and holds the task
   return utf8FromString(error.description);
 }
 

@@ -62,7 +62,7 @@ ValueMap displayRecord(size_t index, const platform::Screen& screen, double pivo
   return ValueMap{
       {"id",
        Value(screen.number ? std::to_string(*screen.number) : "screen-" + std::to_string(index))},
-      {"name", Value(screen.localizedName)},
+      {"name", Value(platform::localizedName(screen))},
       {"x", whole(frame.origin.x, "display x")},
       {"y", whole(frame.origin.y, "display y")},
       {"w", whole(frame.size.width, "display width")},

@@ -28,6 +28,8 @@ class HostTest : public ::testing::Test {
     Reply::setMisuseHandler([](const char* what) { ADD_FAILURE() << what; });
     wakeMainWindow(window, engine);
     wakingTrace = recording::takeTrace();
+    outcome("the first call");
+    firstCallTrace = recording::takeTrace();
   }
   ~HostTest() override {
     Reply::setMisuseHandler(nullptr);
@@ -39,7 +41,7 @@ class HostTest : public ::testing::Test {
 
   /// A screen whose Quartz bounds follow from its AppKit frame.
   static platform::Screen screen(uint32_t number, CGRect frame, double scale = 1.0) {
-    return {number, "Display " + std::to_string(number), frame, scale};
+    return {number, frame, scale};
   }
   static void attach(std::vector<platform::Screen> screens) {
     script().screens = std::move(screens);
@@ -85,7 +87,7 @@ class HostTest : public ::testing::Test {
   std::shared_ptr<recording::RecordingEngine> engine =
       std::make_shared<recording::RecordingEngine>();
   std::shared_ptr<MainFlutterWindow> window = std::make_shared<MainFlutterWindow>();
-  Trace wakingTrace;
+  Trace wakingTrace, firstCallTrace;
 };
 
 }  // namespace tapdeck

@@ -47,6 +47,21 @@ TEST_F(WakingTest, TellsTheEngineOfEachDisplayChange) {
   EXPECT_THAT(trace(), IsEmpty());
 }
 
+TEST_F(WakingTest, KeepsTheSystemFromSlowingItDownUntilMinutesAfterTheLastCall) {
+  const auto begun = ElementsAre("activity begins", "timer every 180 s");
+  EXPECT_THAT(firstCallTrace, begun);
+  recording::fireTimers();
+  reply("supportsWindowMove");
+  recording::fireTimers();
+  EXPECT_THAT(trace(), IsEmpty());
+  recording::fireTimers();
+  EXPECT_THAT(trace(), ElementsAre("timer ended", "activity ends"));
+
+  engine->call("launch_at_startup", "launchAtStartupIsEnabled");
+  reply("supportsWindowMove");
+  EXPECT_THAT(trace(), begun);
+}
+
 TEST_F(WakingTest, BecomingKeyShowsTheCursorAgain) {
   script().mainDisplay = 5;
   reply("hideCursor");

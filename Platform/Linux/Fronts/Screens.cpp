@@ -48,7 +48,7 @@ std::vector<Screen> screensOf(const std::vector<Monitor>& monitors) {
   for (const Monitor& monitor : monitors) {
     CGRect frame = space.rectOf(monitor);
     frame.origin.y = primaryHeight - CGRectGetMaxY(frame);
-    screens.push_back({monitor.number, monitor.name, frame, scale});
+    screens.push_back({monitor.number, frame, scale});
   }
   return screens;
 }
@@ -69,6 +69,12 @@ std::optional<Screen> mainScreen() {
   }
   const auto index = place == monitors.end() ? 0 : place - monitors.begin();
   return screensOf(monitors)[static_cast<size_t>(index)];
+}
+
+std::string localizedName(const Screen& screen) {
+  const auto monitors = quartz::monitors();
+  const auto monitor = std::ranges::find(monitors, screen.number, &Monitor::number);
+  return monitor != monitors.end() ? monitor->name : "";
 }
 
 CGRect visibleFrame(const Screen& screen) {

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "Platform/Activity.h"
 #include "Platform/Clock.h"
 #include "Platform/Events.h"
 #include "Platform/Pasteboard.h"
@@ -25,6 +26,10 @@ std::vector<Screen> screens() {
 
 std::optional<Screen> mainScreen() {
   return script().mainScreen;
+}
+
+std::string localizedName(const Screen& screen) {
+  return "Display " + std::to_string(screen.number.value_or(0));
 }
 
 CGRect visibleFrame(const Screen& screen) {
@@ -54,6 +59,16 @@ CGEventRef createSystemDefinedEvent(uint32_t modifierFlags, int16_t subtype, int
                 modifierFlags, subtype, static_cast<unsigned long long>(data1),
                 static_cast<long long>(data2));
   return recording::makeDescribedEvent(text);
+}
+
+struct Activity::Token {};
+
+Activity::Activity(const std::string&) {
+  record("activity begins");
+}
+
+Activity::~Activity() {
+  record("activity ends");
 }
 
 double systemUptime() {

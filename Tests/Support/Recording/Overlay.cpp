@@ -75,7 +75,7 @@ struct RepeatingTimer::Timer {
 };
 
 RepeatingTimer::RepeatingTimer(double interval, std::function<void()> fired)
-    : _timer(std::make_unique<Timer>(Timer{static_cast<int>(queued().timers.size()) + 1})) {
+    : _timer(std::make_unique<Timer>(Timer{++queued().timersMade})) {
   char text[64];
   std::snprintf(text, sizeof text, "timer every %.6g s", interval);
   record(text);

@@ -13,6 +13,7 @@ struct Queued {
   std::vector<std::function<void()>> screenObservers;
   /// By their numbers, from 1.
   std::map<int, std::function<void()>> timers;
+  int timersMade = 0;
   std::vector<std::function<void()>> downloads;
 };
 
