@@ -14,11 +14,14 @@ class Samples {
  public:
   void add(double milliseconds) { _all.push_back(milliseconds); }
   double least() const { return *std::min_element(_all.begin(), _all.end()); }
-  double median() const {
+  double median() const { return percentile(0.5); }
+  /// The least value that this share of the samples does not exceed.
+  double percentile(double share) const {
     std::vector<double> sorted = _all;
-    const auto middle = sorted.begin() + static_cast<ptrdiff_t>(sorted.size() / 2);
-    std::nth_element(sorted.begin(), middle, sorted.end());
-    return *middle;
+    const auto index = static_cast<ptrdiff_t>(share * static_cast<double>(sorted.size()));
+    const auto place = sorted.begin() + std::min<ptrdiff_t>(index, std::ssize(sorted) - 1);
+    std::nth_element(sorted.begin(), place, sorted.end());
+    return *place;
   }
 
  private:

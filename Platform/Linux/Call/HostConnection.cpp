@@ -5,10 +5,11 @@
 #include <csignal>
 #include <utility>
 
+#include "Platform/Linux/EngineProtocol/Protocol.h"
+
 namespace tapdeck {
 namespace {
 
-constexpr char kProtocol[] = "tapdeck.engine.v1";
 /// Above the most that the host lets wait for one connection.
 constexpr guint64 kLargestMessage = guint64{64} << 20;
 
@@ -96,7 +97,7 @@ void HostConnection::connect(const Session& session, Deadline deadline) {
       soup_message_new(SOUP_METHOD_GET, engineAddress(session).c_str()));
   if (!message) throw ConnectionError("The session file names no usable address: " + session.url);
   const Object<GCancellable> cancellable(g_cancellable_new());
-  const char* protocols[] = {kProtocol, nullptr};
+  const char* protocols[] = {standin::kSubprotocol, nullptr};
   Attempt attempt;
   soup_session_websocket_connect_async(_session.get(), message.get(), nullptr,
                                        const_cast<char**>(protocols), G_PRIORITY_DEFAULT,

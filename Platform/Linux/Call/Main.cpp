@@ -10,6 +10,7 @@
 #include "Platform/Linux/Call/CallJson.h"
 #include "Platform/Linux/Call/CommandLine.h"
 #include "Platform/Linux/Call/HostConnection.h"
+#include "Platform/Linux/EngineProtocol/Protocol.h"
 
 namespace tapdeck {
 namespace {
@@ -21,34 +22,6 @@ constexpr int kWrongUsage = 64;
 constexpr std::chrono::seconds kPatience{30};
 /// Any number above 0 will do: this connection makes one call.
 constexpr int64_t kCallId = 1;
-/// What the host sends unasked.
-constexpr int64_t kUnasked = 0;
-
-/// The three parts of a message between the host and a page.
-struct Frame {
-  int64_t id;
-  std::string channel;
-  std::optional<codec::Bytes> payload;
-};
-
-std::optional<Frame> frameFrom(const codec::Bytes& message) {
-  const auto value = codec::decodeMessage(message);
-  const auto* parts = value ? value->getIf<Value::List>() : nullptr;
-  if (parts == nullptr || parts->size() != 3) return std::nullopt;
-  const auto* id = (*parts)[0].getIf<int64_t>();
-  const auto* channel = (*parts)[1].getIf<std::string>();
-  const auto* payload = (*parts)[2].getIf<Value::Bytes>();
-  if (id == nullptr || channel == nullptr) return std::nullopt;
-  if (payload == nullptr && !(*parts)[2].isNull()) return std::nullopt;
-  return Frame{*id, *channel, payload ? std::optional(*payload) : std::nullopt};
-}
-
-codec::Bytes messageOf(const CommandLine& line) {
-  const auto payload = codec::encodeMethodCall({line.method, line.arguments});
-  return codec::encodeMessage(
-      Value(Value::List{Value(kCallId), Value(line.channel), Value(payload)}));
-}
-
 void printLine(const nlohmann::ordered_json& json) {
   std::printf("%s\n", lineOf(json).c_str());
   std::fflush(stdout);
@@ -62,7 +35,7 @@ Session currentSession() {
 
 Outcome awaitReply(HostConnection& host, HostConnection::Deadline deadline) {
   while (const auto message = host.receive(deadline)) {
-    const auto frame = frameFrom(*message);
+    const auto frame = standin::decodeFrame(*message);
     if (!frame || frame->id != kCallId) continue;
     const auto outcome = codec::decodeEnvelope(frame->payload);
     if (!outcome) throw ConnectionError("The host's reply cannot be read.");
@@ -76,7 +49,7 @@ Outcome awaitReply(HostConnection& host, HostConnection::Deadline deadline) {
 int call(const CommandLine& line) {
   const auto deadline = std::chrono::steady_clock::now() + kPatience;
   HostConnection host(currentSession(), deadline);
-  host.send(messageOf(line));
+  host.send(standin::encodeCall(kCallId, line.channel, {line.method, line.arguments}));
   const Outcome outcome = awaitReply(host, deadline);
   printLine(jsonFromOutcome(outcome));
   if (std::holds_alternative<MethodError>(outcome)) return kErrorReply;
@@ -87,8 +60,8 @@ int listen() {
   HostConnection host(currentSession(), std::chrono::steady_clock::now() + kPatience);
   std::fputs("Listening; Ctrl-C ends it.\n", stderr);
   while (const auto message = host.receive(std::nullopt)) {
-    const auto frame = frameFrom(*message);
-    if (!frame || frame->id != kUnasked || !frame->payload) continue;
+    const auto frame = standin::decodeFrame(*message);
+    if (!frame || frame->id != standin::kHostCallId || !frame->payload) continue;
     const auto sent = codec::decodeMethodCall(*frame->payload);
     if (!sent) continue;
     printLine({{"channel", frame->channel},

@@ -15,22 +15,36 @@ codec::Bytes encode(int64_t id, const std::string& channel, std::optional<codec:
   return codec::encodeMessage(Value(std::move(message)));
 }
 
+std::optional<Frame> frameIn(const Value& message) {
+  const auto* parts = message.getIf<Value::List>();
+  if (parts == nullptr || parts->size() != 3) return std::nullopt;
+  const auto* id = (*parts)[0].getIf<int64_t>();
+  const auto* channel = (*parts)[1].getIf<std::string>();
+  const auto* payload = (*parts)[2].getIf<Value::Bytes>();
+  if (id == nullptr || channel == nullptr) return std::nullopt;
+  if (payload == nullptr && !(*parts)[2].isNull()) return std::nullopt;
+  return Frame{*id, *channel, payload != nullptr ? std::optional(*payload) : std::nullopt};
+}
+
 }  // namespace
 
 std::variant<Request, Refusal> parseRequest(std::span<const uint8_t> message) {
-  const std::optional<Value> value = codec::decodeMessage(message);
+  const auto value = codec::decodeMessage(message);
   if (!value) return Refusal::badData;
-  const auto* list = value->getIf<Value::List>();
-  if (list == nullptr || list->size() != 3) return Refusal::protocolError;
-  const auto* id = (*list)[0].getIf<int64_t>();
-  const auto* channel = (*list)[1].getIf<std::string>();
-  const auto* payload = (*list)[2].getIf<Value::Bytes>();
-  if (id == nullptr || *id <= 0 || channel == nullptr || payload == nullptr) {
-    return Refusal::protocolError;
-  }
-  std::optional<MethodCall> call = codec::decodeMethodCall(*payload);
+  const auto frame = frameIn(*value);
+  if (!frame || frame->id <= 0 || !frame->payload) return Refusal::protocolError;
+  auto call = codec::decodeMethodCall(*frame->payload);
   if (!call) return Refusal::badData;
-  return Request{*id, *channel, *std::move(call)};
+  return Request{frame->id, frame->channel, *std::move(call)};
+}
+
+std::optional<Frame> decodeFrame(std::span<const uint8_t> message) {
+  const auto value = codec::decodeMessage(message);
+  return value ? frameIn(*value) : std::nullopt;
+}
+
+codec::Bytes encodeCall(int64_t id, const std::string& channel, const MethodCall& call) {
+  return encode(id, channel, codec::encodeMethodCall(call));
 }
 
 codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& outcome) {
@@ -38,7 +52,7 @@ codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& 
 }
 
 codec::Bytes encodeHostCall(const std::string& channel, const MethodCall& call) {
-  return encode(0, channel, codec::encodeMethodCall(call));
+  return encode(kHostCallId, channel, codec::encodeMethodCall(call));
 }
 
 }  // namespace tapdeck::standin

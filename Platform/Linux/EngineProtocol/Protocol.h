@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
@@ -25,8 +26,24 @@ struct Request {
 /// Why a message is no request, as a WebSocket close code (RFC 6455, 7.4.1).
 enum class Refusal : uint16_t { protocolError = 1002, badData = 1007 };
 
+/// A message's three parts; the payload is absent for the not-implemented reply.
+struct Frame {
+  int64_t id;
+  std::string channel;
+  std::optional<codec::Bytes> payload;
+};
+
+/// What the host sends unasked bears this id.
+inline constexpr int64_t kHostCallId = 0;
+
+// The server's side.
 std::variant<Request, Refusal> parseRequest(std::span<const uint8_t> message);
 codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& outcome);
 codec::Bytes encodeHostCall(const std::string& channel, const MethodCall& call);
+
+// A client's side.
+codec::Bytes encodeCall(int64_t id, const std::string& channel, const MethodCall& call);
+/// Nothing for what is not a message.
+std::optional<Frame> decodeFrame(std::span<const uint8_t> message);
 
 }  // namespace tapdeck::standin

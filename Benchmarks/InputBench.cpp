@@ -1,0 +1,154 @@
+// What a call costs, from a client over the socket to the reply: the round trips to the X server
+// that it waits for, and its time beside a bare echo of the same bytes; once as it is, once with
+// replies of the X server 2 ms late.
+
+#include <cstdio>
+#include <exception>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Benchmarks/DelayingDisplay.h"
+#include "Benchmarks/EchoServer.h"
+#include "Benchmarks/Measuring.h"
+#include "Platform/Linux/Call/HostConnection.h"
+#include "Platform/Linux/EngineProtocol/Protocol.h"
+#include "Tests/Support/Desktop/ChildProcess.h"
+#include "Tests/Support/Desktop/Observer.h"
+
+namespace {
+
+using namespace tapdeck;
+using namespace tapdeck::benchmarks;
+
+constexpr int kWarmUp = 20;
+constexpr int kRounds = 300;
+constexpr std::chrono::milliseconds kDelay{2};
+
+struct Row {
+  const char* name;
+  /// The calls that are one round of this row; each is measured.
+  std::vector<MethodCall> calls;
+};
+
+std::vector<Row> rows() {
+  const Value left = Value(ValueMap{{"button", Value("left")}});
+  const Value key = Value(ValueMap{{"key", Value("shift")}});
+  return {
+      {"moveMouseAbs",
+       {{"moveMouseAbs", Value(ValueMap{{"x", Value(0.97)}, {"y", Value(0.97)}})},
+        {"moveMouseAbs", Value(ValueMap{{"x", Value(0.98)}, {"y", Value(0.97)}})}}},
+      {"moveMouse",
+       {{"moveMouse", Value(ValueMap{{"dx", Value(3.0)}, {"dy", Value(0.0)}})},
+        {"moveMouse", Value(ValueMap{{"dx", Value(-3.0)}, {"dy", Value(0.0)}})}}},
+      {"click", {{"click", left}}},
+      {"mouseDown, mouseUp", {{"mouseDown", left}, {"mouseUp", left}}},
+      {"scroll", {{"scroll", Value(ValueMap{{"direction", Value(1)}, {"amount", Value(50)}})}}},
+      {"keyDown, keyUp", {{"keyDown", key}, {"keyUp", key}}},
+      {"screenCursor", {{"screenCursor", Value()}}},
+      {"getDisplays", {{"getDisplays", Value()}}},
+      {"captureScreen, still", {{"captureScreen", Value()}}},
+  };
+}
+
+/// One client of a server that takes the engine's messages.
+class Client {
+ public:
+  explicit Client(const Session& session) : _connection(session, inTime()) {}
+
+  double call(const MethodCall& call) {
+    const auto message = standin::encodeCall(++_lastId, "com.tapdeck/control", call);
+    return millisecondsOf([&] {
+      _connection.send(message);
+      if (!_connection.receive(inTime())) throw std::runtime_error("no answer");
+    });
+  }
+  Samples repeat(const Row& row, int rounds) {
+    Samples samples;
+    for (int i = 0; i < rounds; ++i) {
+      for (const MethodCall& each : row.calls) samples.add(call(each));
+    }
+    return samples;
+  }
+
+ private:
+  static HostConnection::Deadline inTime() {
+    return std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  }
+
+  HostConnection _connection;
+  int64_t _lastId = 0;
+};
+
+struct Result {
+  Samples samples;
+  double roundTrips = 0;
+};
+
+/// The host on this display, each row in turn (the first puts the pointer into a corner). Where the
+/// pointer is and what has the focus is none of the host's own windows, whose toolkit would ask the
+/// X server too.
+std::vector<Result> measure(const std::string& host, const DelayingDisplay* display) {
+  const std::string name = display != nullptr ? display->name() : std::getenv("DISPLAY");
+  const EnvironmentVariable variable("DISPLAY", name.c_str());
+  testing::ChildProcess process({host, "--port", "0"});
+  if (!process.awaitLine()) throw std::runtime_error("the host did not start: " + process.errors());
+  testing::Observer observer;
+  const xcb_window_t window = observer.openManagedWindow(20, 20);
+  if (!eventually([&] { return observer.activeWindow() == window; })) {
+    throw std::runtime_error("the window manager gives no window the focus");
+  }
+  Client client(readSession().value());
+  std::vector<Result> results;
+  for (const Row& row : rows()) {
+    client.repeat(row, kWarmUp);
+    const uint64_t before = display != nullptr ? display->roundTrips() : 0;
+    Result result{client.repeat(row, kRounds)};
+    const auto calls = static_cast<double>(row.calls.size() * kRounds);
+    if (display != nullptr) {
+      result.roundTrips = static_cast<double>(display->roundTrips() - before) / calls;
+    }
+    results.push_back(std::move(result));
+  }
+  return results;
+}
+
+void print(const std::vector<Result>& direct, const std::vector<Result>& late,
+           const std::vector<Samples>& echoed) {
+  std::printf("%-22s %6s | %9s %9s %9s %7s | %9s %9s\n", "", "round", "median", "p99", "echo",
+              "x echo", "2 ms late", "");
+  std::printf("%-22s %6s | %9s %9s %9s %7s | %9s %9s\n", "method", "trips", "ms", "ms", "ms", "",
+              "median", "p99");
+  for (size_t i = 0; i < direct.size(); ++i) {
+    const Samples& samples = direct[i].samples;
+    std::printf("%-22s %6.2f | %9.3f %9.3f %9.3f %7.2f | %9.3f %9.3f\n", rows()[i].name,
+                late[i].roundTrips, samples.median(), samples.percentile(0.99), echoed[i].median(),
+                samples.median() / echoed[i].median(), late[i].samples.median(),
+                late[i].samples.percentile(0.99));
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: bench_input HOST_EXECUTABLE\n");
+    return 64;
+  }
+  try {
+    const auto direct = measure(argv[1], nullptr);
+    const DelayingDisplay delaying(std::getenv("DISPLAY"), kDelay);
+    const auto late = measure(argv[1], &delaying);
+    EchoServer server;
+    Client echo(server.session());
+    std::vector<Samples> echoed;
+    for (const Row& row : rows()) {
+      echo.repeat(row, kWarmUp);
+      echoed.push_back(echo.repeat(row, kRounds));
+    }
+    print(direct, late, echoed);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "bench_input: %s\n", error.what());
+    return 1;
+  }
+}
