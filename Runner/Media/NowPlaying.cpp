@@ -41,6 +41,11 @@ double secondsOf(const std::string& text) {
   return decimalNumber(text).value_or(0);
 }
 
+/// Clamped below at 0, which "-0" is not.
+double atLeastZero(double seconds) {
+  return seconds > 0 ? seconds : 0.0;
+}
+
 /// The seven fields; absent when the player has nothing to tell.
 std::optional<std::vector<std::string>> askForFields(const std::string& player) {
   const auto reply = runFieldScriptBounded(nowPlayingScript(player), kTimeLimit);
@@ -59,8 +64,8 @@ ValueMap describe(const std::string& player, const std::vector<std::string>& fie
   return ValueMap{{"title", Value(fields[name])},
                   {"artist", Value(fields[artist])},
                   {"album", Value(fields[album])},
-                  {"duration", Value(std::max(length, 0.0))},
-                  {"position", Value(std::max(secondsOf(fields[position]), 0.0))},
+                  {"duration", Value(atLeastZero(length))},
+                  {"position", Value(atLeastZero(secondsOf(fields[position])))},
                   {"playing", Value(saysPlaying(fields[state]))},
                   {"canSeek", Value(length > 0)},
                   {"app", Value(player)},
