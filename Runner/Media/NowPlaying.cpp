@@ -84,11 +84,12 @@ std::optional<ValueMap> nowPlayingInfo(const std::string& player, bool includeAr
 }
 
 Value nowPlaying(bool includeArt) {
-  for (const std::string player : knownPlayers()) {
-    if (!isAppRunning(player)) continue;
-    if (auto info = nowPlayingInfo(player, includeArt)) return Value(std::move(*info));
-  }
-  return {};
+  std::optional<ValueMap> info;
+  firstRunningPlayer([&](const std::string& player) {
+    info = nowPlayingInfo(player, includeArt);
+    return info.has_value();
+  });
+  return info ? Value(std::move(*info)) : Value();
 }
 
 }  // namespace tapdeck
