@@ -13,7 +13,7 @@ tapdeck_library(tapdeck_platform
   SOURCES Applications.cpp Applications/BundleFolders.cpp Applications/DesktopEntries.cpp
           Applications/DesktopFiles.cpp Applications/Launch.cpp Applications/ManagedWindows.cpp
           Clock.cpp Downloads.cpp Files.cpp Images.cpp Log.cpp LoginItems.cpp MainBundle.cpp
-          Pasteboard.cpp ProcessInfo.cpp PropertyLists.cpp Queues.cpp RepeatingTimer.cpp Scripts.cpp
+          Pasteboard.cpp PictureDecoding.cpp ProcessInfo.cpp PropertyLists.cpp Queues.cpp RepeatingTimer.cpp Scripts.cpp
           SelectionReader.cpp Tasks.cpp UserDefaults.cpp Workspace.cpp
   LINKS tapdeck_front tapdeck_engine tapdeck_applescript tapdeck_quartz tapdeck_usersettings
         PkgConfig::GTKMM PkgConfig::FRONT_GLIB PkgConfig::FRONT_SOUP PkgConfig::FRONT_XCB)
