@@ -30,7 +30,7 @@ struct Result {
 
 /// Compiles and runs the source, UTF-8, on this machine: media players of the session bus, the
 /// sound server, the login manager. Waits for them, for about a second each at the most. Any
-/// thread; leaves the thread's main loop alone.
+/// thread, but the main thread for the login manager, whose answer the main loop waits for.
 Result run(const std::string& source);
 
 }  // namespace tapdeck::applescript

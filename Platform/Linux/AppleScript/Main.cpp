@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "Platform/Linux/AppleScript/AppleScript.h"
+#include "Platform/Linux/AppleScript/Power.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
     source += argv[word + 1];
   }
   const auto [text, error] = tapdeck::applescript::run(source);
+  tapdeck::applescript::finishPowerRequests();
   if (error) {
     report(*error);
     return EXIT_FAILURE;

@@ -2,8 +2,8 @@
 
 #include "Platform/Linux/AppleScript/Pictures.h"
 #include "Platform/Linux/AppleScript/Players.h"
+#include "Platform/Linux/AppleScript/Power.h"
 #include "Platform/Linux/AppleScript/SoundOutput.h"
-#include "Platform/Linux/AppleScript/Value.h"
 
 namespace tapdeck::applescript {
 
@@ -24,15 +24,7 @@ void SystemDesktop::setVolume(const Volume& volume) {
 }
 
 void SystemDesktop::power(Command command) {
-  const char* method = command == Command::sleep      ? "Suspend"
-                       : command == Command::shutDown ? "PowerOff"
-                                                      : "Reboot";
-  const auto bus = Bus::connect(G_BUS_TYPE_SYSTEM);
-  if (!bus) throw ScriptError{kNotRunning, "Application isn’t running.", ""};
-  // the user may be asked for a password
-  constexpr gboolean kIsInteractive = TRUE;
-  bus->call("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
-            method, g_variant_new("(b)", kIsInteractive), "()");
+  requestPower(command);
 }
 
 std::string SystemDesktop::picture(const std::string& url) {
