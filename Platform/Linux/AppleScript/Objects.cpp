@@ -64,10 +64,19 @@ std::string pathOf(const Track& track) {
   return isText ? path.get() : track.url;
 }
 
+/// The text as it is where it holds no valid escapes of UTF-8.
+std::string percentDecoded(const std::string& text) {
+  const std::unique_ptr<char, decltype(&g_free)> decoded(
+      g_uri_unescape_string(text.c_str(), nullptr), g_free);
+  const bool isText = decoded != nullptr && g_utf8_validate(decoded.get(), -1, nullptr) != FALSE;
+  return isText ? decoded.get() : text;
+}
+
 std::string titleOf(const Track& track) {
   if (!track.title.empty()) return track.title;
   const std::string path = pathOf(track);
-  return path.substr(path.rfind('/') + 1);
+  const std::string last = path.substr(path.rfind('/') + 1);
+  return path == track.url ? percentDecoded(last) : last;
 }
 
 Value durationOf(Application application, const Track& track) {
