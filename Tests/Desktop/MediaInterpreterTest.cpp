@@ -55,10 +55,10 @@ TEST(MediaInterpreterTest, TellsPlayersApart) {
   EXPECT_THAT(elsewhere, ElementsAre("Music", "Spotify", "VLC"));
 
   third.hang();  // one that hangs must not keep the others from being asked
-  EXPECT_EQ(run(commandScript("Music", "pause")), "");
+  EXPECT_EQ(run(commandScript("Music", "playpause")), "");
   EXPECT_EQ(run(commandScript("Spotify", "next track")), "");
   EXPECT_EQ(run(commandScript("VLC", "play")), "");
-  EXPECT_THAT(second.calls(), ElementsAre("Pause()"));
+  EXPECT_THAT(second.calls(), ElementsAre("PlayPause()"));
   EXPECT_THAT(spotify.calls(), ElementsAre("Next()"));
   EXPECT_THAT(vlc.calls(), ElementsAre("PlayPause()"));
   EXPECT_THAT(first.calls(), IsEmpty());
@@ -110,7 +110,7 @@ TEST(MediaInterpreterTest, APlayerThatHangsOrGoesCostsLittle) {
   ScriptedPlayer going("music");
   EXPECT_THAT(platform::runningApplicationNames(), Contains("Spotify"));
   EXPECT_LT(timeOf([] { EXPECT_EQ(run(stateScript("Spotify")), "false\n"); }), kForEver);
-  EXPECT_THAT(run(commandScript("Spotify", "play")),
+  EXPECT_THAT(run(commandScript("Spotify", "playpause")),
               HasSubstr("execution error: Spotify got an error"));
   going.vanishAfter(2);
   EXPECT_THAT(run(nowPlayingScript("Music")), StartsWith("Song\t\t\t215.0\t0\tpaused\t"));

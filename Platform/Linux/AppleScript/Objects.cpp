@@ -148,15 +148,6 @@ Player& playerOf(Desktop& desktop, Application application) {
   return *player;
 }
 
-Found applicationProperty(Desktop& desktop, const Object& object, Property property) {
-  const Application application = object.application;
-  const bool isPlayer = application != Application::systemEvents;
-  if (property == Property::name) return std::string(nameOf(application));
-  if (property == Property::running) return !isPlayer || desktop.player(application) != nullptr;
-  return isPlayer ? playerProperty(playerOf(desktop, application), application, property)
-                  : std::nullopt;
-}
-
 Found artworkProperty(Desktop& desktop, const Object& object, Property property) {
   if (property != Property::rawData) return std::nullopt;
   return Data{desktop.picture(object.track->artUrl)};
@@ -190,9 +181,10 @@ int64_t microseconds(double seconds) {
 Value propertyOf(Desktop& desktop, const Object& object, Property property) {
   return asked(object.application, [&] {
     const Found found =
-        object.kind == Object::Kind::application ? applicationProperty(desktop, object, property)
-        : object.kind == Object::Kind::track     ? trackProperty(object, property)
-                                                 : artworkProperty(desktop, object, property);
+        object.kind == Object::Kind::application
+            ? playerProperty(playerOf(desktop, object.application), object.application, property)
+        : object.kind == Object::Kind::track ? trackProperty(object, property)
+                                             : artworkProperty(desktop, object, property);
     if (!found) throw ScriptError{kNotFound, "Can’t get " + named(property, object) + ".", ""};
     return *found;
   });

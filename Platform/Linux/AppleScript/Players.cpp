@@ -104,20 +104,8 @@ std::optional<Track> trackOf(GVariant* metadata) {
 }
 
 const char* methodOf(Command command) {
-  switch (command) {
-    case Command::next:
-      return "Next";
-    case Command::previous:
-      return "Previous";
-    case Command::play:
-      return "Play";
-    case Command::pause:
-      return "Pause";
-    case Command::playPause:
-      return "PlayPause";
-    default:
-      return "Stop";
-  }
+  if (command == Command::next) return "Next";
+  return command == Command::previous ? "Previous" : "PlayPause";
 }
 
 class BusPlayer : public Player {
