@@ -196,13 +196,13 @@ std::unique_ptr<Player> findPlayer(const Bus& bus, Application application) {
     const auto owner = ownerOf(name);
     return givesWay ? !owner : owner != application;
   });
-  const auto others = std::ranges::stable_partition(
-      names, [&](const auto& name) { return ownerOf(name) == application; });
-  if (others.begin() == names.begin()) return nullptr;
+  const auto others = std::stable_partition(
+      names.begin(), names.end(), [&](const auto& name) { return ownerOf(name) == application; });
+  if (others == names.begin()) return nullptr;
   if (names.size() == 1) return std::make_unique<BusPlayer>(bus, names.front());
 
   const auto statuses = bus.askAll(names, kPath, kInterface, "PlaybackStatus");
-  const auto firstOther = statuses.begin() + (others.begin() - names.begin());
+  const auto firstOther = statuses.begin() + (others - names.begin());
   const auto best = std::ranges::min_element(statuses.begin(), firstOther, {}, rank);
   const bool anotherPlays = std::find(firstOther, statuses.end(), kPlaying) != statuses.end();
   if (*best != kPlaying && anotherPlays) return nullptr;
