@@ -2,17 +2,16 @@
 
 #include "LaunchAtLogin/LaunchAtLogin.h"
 #include "Platform/ProcessInfo.h"
+#include "Runner/Arguments.h"
 
 namespace tapdeck {
 namespace {
 
 constexpr const char* kSetEnabledValue = "setEnabledValue";
 
-// Stricter than the control channel, where the numbers 0 and 1 pass for booleans.
-bool requiredBoolean(const ValueMap& map, const char* key) {
-  const Value* value = map.find(key);
-  const bool* flag = value != nullptr ? value->getIf<bool>() : nullptr;
-  if (flag == nullptr) {
+bool requiredBoolean(const Value& arguments, const char* key) {
+  const auto flag = Arguments(arguments).boolean(key);
+  if (!flag) {
     platform::stopProcess(std::string("launchAtStartupSetEnabled needs a boolean under \"") + key +
                           "\"");
   }
@@ -22,7 +21,7 @@ bool requiredBoolean(const ValueMap& map, const char* key) {
 void setEnabled(const Value& arguments) {
   const auto* map = arguments.getIf<ValueMap>();
   if (map == nullptr || !map->hasOnlyStringKeys()) return;
-  LaunchAtLogin::shared().setEnabled(requiredBoolean(*map, kSetEnabledValue));
+  LaunchAtLogin::shared().setEnabled(requiredBoolean(arguments, kSetEnabledValue));
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace tapdeck::platform {
 
 // NSWorkspace, NSRunningApplication and NSBundle. Texts are UTF-8, paths absolute. Main thread
-// only, but where another is allowed.
+// only, but for runningApplicationNames.
 
 /// NSApplicationActivationPolicy: whether an application is an ordinary one, with a place in the
 /// Dock, one that only shows windows now and then, or one without a face.
@@ -27,9 +27,12 @@ struct RunningApplication {
   int32_t processIdentifier = -1;
 };
 
-/// NSWorkspace runningApplications, read afresh. Any thread; media players are in it everywhere,
-/// other applications may be missing off the main thread.
+/// NSWorkspace runningApplications, read afresh.
 std::vector<RunningApplication> runningApplications();
+
+/// The localizedName of each of NSWorkspace runningApplications that has one, read afresh. Any
+/// thread. Every platform tells the media players; others may be missing.
+std::vector<std::string> runningApplicationNames();
 
 /// NSWorkspace frontmostApplication: the one that has the keyboard; absent when none has it.
 std::optional<RunningApplication> frontmostApplication();

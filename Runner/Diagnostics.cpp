@@ -5,7 +5,9 @@
 namespace tapdeck {
 
 void printLine(std::string_view line) {
-  std::printf("%.*s\n", static_cast<int>(line.size()), line.data());
+  // a NUL is a character like any other
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
   std::fflush(stdout);
 }
 

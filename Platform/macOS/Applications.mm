@@ -2,6 +2,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include <utility>
+
 #import "Platform/macOS/AppKitImages.h"
 #import "Platform/macOS/Strings.h"
 
@@ -40,6 +42,14 @@ std::vector<RunningApplication> runningApplications() {
     all.push_back(describe(application));
   }
   return all;
+}
+
+std::vector<std::string> runningApplicationNames() {
+  std::vector<std::string> names;
+  for (NSRunningApplication* application in NSWorkspace.sharedWorkspace.runningApplications) {
+    if (auto name = textOf(application.localizedName)) names.push_back(std::move(*name));
+  }
+  return names;
 }
 
 std::optional<RunningApplication> frontmostApplication() {

@@ -19,7 +19,9 @@ std::shared_ptr<const platform::Image> findIcon(const std::string& bundleIdentif
   const auto application = std::find_if(running.begin(), running.end(), [&](const auto& each) {
     return each.bundleIdentifier == bundleIdentifier;
   });
-  if (application != running.end()) return platform::iconOf(*application);
+  if (application != running.end()) {
+    if (auto icon = platform::iconOf(*application)) return icon;
+  }
   const auto path = platform::pathForApplication(bundleIdentifier);
   return path ? platform::iconOfFile(*path) : nullptr;
 }

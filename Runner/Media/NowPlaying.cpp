@@ -41,6 +41,11 @@ double secondsOf(const std::string& text) {
   return decimalNumber(text).value_or(0);
 }
 
+/// Clamped below at 0, which "-0" is not.
+double atLeastZero(double seconds) {
+  return seconds > 0 ? seconds : 0.0;
+}
+
 /// The seven fields; absent when the player has nothing to tell.
 std::optional<std::vector<std::string>> askForFields(const std::string& player) {
   const auto reply = runFieldScriptBounded(nowPlayingScript(player), kTimeLimit);
@@ -59,8 +64,8 @@ ValueMap describe(const std::string& player, const std::vector<std::string>& fie
   return ValueMap{{"title", Value(fields[name])},
                   {"artist", Value(fields[artist])},
                   {"album", Value(fields[album])},
-                  {"duration", Value(std::max(length, 0.0))},
-                  {"position", Value(std::max(secondsOf(fields[position]), 0.0))},
+                  {"duration", Value(atLeastZero(length))},
+                  {"position", Value(atLeastZero(secondsOf(fields[position])))},
                   {"playing", Value(saysPlaying(fields[state]))},
                   {"canSeek", Value(length > 0)},
                   {"app", Value(player)},
@@ -79,11 +84,12 @@ std::optional<ValueMap> nowPlayingInfo(const std::string& player, bool includeAr
 }
 
 Value nowPlaying(bool includeArt) {
-  for (const std::string player : knownPlayers()) {
-    if (!isAppRunning(player)) continue;
-    if (auto info = nowPlayingInfo(player, includeArt)) return Value(std::move(*info));
-  }
-  return {};
+  std::optional<ValueMap> info;
+  firstRunningPlayer([&](const std::string& player) {
+    info = nowPlayingInfo(player, includeArt);
+    return info.has_value();
+  });
+  return info ? Value(std::move(*info)) : Value();
 }
 
 }  // namespace tapdeck

@@ -1,6 +1,7 @@
 #include "Runner/Media/Players.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "Platform/Applications.h"
 #include "Runner/Media/PlayerScripts.h"
@@ -12,6 +13,10 @@ namespace {
 constexpr const char* kKnownPlayers[] = {"Music", kSpotify, kVlc};
 constexpr double kStateTimeLimit = 1.5;
 
+bool isAmong(const std::vector<std::string>& names, const std::string& name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
 }  // namespace
 
 std::span<const char* const> knownPlayers() {
@@ -19,9 +24,7 @@ std::span<const char* const> knownPlayers() {
 }
 
 bool isAppRunning(const std::string& name) {
-  const auto running = platform::runningApplications();
-  return std::any_of(running.begin(), running.end(),
-                     [&](const auto& application) { return application.localizedName == name; });
+  return isAmong(platform::runningApplicationNames(), name);
 }
 
 bool isPlayerPlaying(const std::string& player) {
@@ -38,8 +41,14 @@ bool hasTrackLoaded(const std::string& player) {
 
 std::optional<std::string> firstRunningPlayer(
     const std::function<bool(const std::string& player)>& holds) {
+  const auto running = platform::runningApplicationNames();
+  bool hasAsked = false;
   for (const std::string player : knownPlayers()) {
-    if (isAppRunning(player) && holds(player)) return player;
+    if (!isAmong(running, player)) continue;
+    // it may have ended while another was asked, and a program that addresses it would start it
+    if (hasAsked && !isAppRunning(player)) continue;
+    if (holds(player)) return player;
+    hasAsked = true;
   }
   return std::nullopt;
 }

@@ -17,7 +17,7 @@ std::string runScriptCapturing(const std::string& script);
 /// fails, or writes what is not UTF-8. Looks every 20 ms whether it is done. Any thread.
 std::optional<std::string> runScriptBounded(const std::string& script, double timeLimit);
 
-/// The same, but trims up to tabs only, so that empty fields at either end of a line remain.
+/// The same, but trims up to tabs only at the end, so that empty fields there remain.
 std::optional<std::string> runFieldScriptBounded(const std::string& script, double timeLimit);
 
 /// Starts it in the script interpreter and returns at once. A failure is logged when it comes. Any

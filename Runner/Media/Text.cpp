@@ -15,22 +15,25 @@ constexpr std::string_view kWhiteSpace[] = {
     "\xE2\x80\x89", "\xE2\x80\x8A", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x80\xAF", "\xE2\x81\x9F",
     "\xE3\x80\x80"};
 
-/// Takes the white space that `isSpace` accepts off both ends.
-template <typename IsSpace>
-std::string_view trim(std::string_view text, IsSpace isSpace) {
-  const auto atStart = [&](std::string_view space) {
-    return isSpace(space) && text.starts_with(space);
-  };
-  const auto atEnd = [&](std::string_view space) {
-    return isSpace(space) && text.ends_with(space);
-  };
+enum class Tabs { trim, keep };
+
+std::string_view trimmedAtStart(std::string_view text) {
   const auto* const none = std::end(kWhiteSpace);
+  const auto starts = [&](std::string_view space) { return text.starts_with(space); };
   for (const auto* found = none;
-       (found = std::find_if(std::begin(kWhiteSpace), none, atStart)) != none;) {
+       (found = std::find_if(std::begin(kWhiteSpace), none, starts)) != none;) {
     text.remove_prefix(found->size());
   }
+  return text;
+}
+
+std::string_view trimmedAtEnd(std::string_view text, Tabs tabs) {
+  const auto* const none = std::end(kWhiteSpace);
+  const auto ends = [&](std::string_view space) {
+    return (tabs == Tabs::trim || space != kTab) && text.ends_with(space);
+  };
   for (const auto* found = none;
-       (found = std::find_if(std::begin(kWhiteSpace), none, atEnd)) != none;) {
+       (found = std::find_if(std::begin(kWhiteSpace), none, ends)) != none;) {
     text.remove_suffix(found->size());
   }
   return text;
@@ -39,11 +42,11 @@ std::string_view trim(std::string_view text, IsSpace isSpace) {
 }  // namespace
 
 std::string_view trimmed(std::string_view text) {
-  return trim(text, [](std::string_view) { return true; });
+  return trimmedAtEnd(trimmedAtStart(text), Tabs::trim);
 }
 
 std::string_view trimmedUpToTabs(std::string_view text) {
-  return trim(text, [](std::string_view space) { return space != kTab; });
+  return trimmedAtEnd(trimmedAtStart(text), Tabs::keep);
 }
 
 }  // namespace tapdeck

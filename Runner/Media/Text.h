@@ -8,7 +8,8 @@ namespace tapdeck {
 /// property White_Space. UTF-8; a view into `text`. Any thread.
 std::string_view trimmed(std::string_view text);
 
-/// The same, but a tab ends what is taken off: it parts fields, also empty ones.
+/// The same, but at the end of the text only up to a tab: it parts fields, and the last ones may be
+/// empty.
 std::string_view trimmedUpToTabs(std::string_view text);
 
 }  // namespace tapdeck

@@ -1,4 +1,6 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
@@ -7,6 +9,7 @@
 #include "Runner/Apps/Launching.h"
 #include "Tests/Desktop/AppsFixture.h"
 #include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Surroundings.h"
 
 namespace tapdeck::testing {
 namespace {
@@ -22,6 +25,7 @@ TEST_F(AppsTest, ListsWhatMenusShowAndTheFavourites) {
   write(users / "odd name.desktop", entry("A/B – 🎵 \"odd\".app"));
   write(users / "same.desktop", entry("Same"));
   write(systems / "same2.desktop", entry("Same"));
+  write(systems / "same3.desktop", entry("Same (same2)"));
   write(systems / "here.desktop", entry("Here", "OnlyShowIn=KDE;GNOME;"));
   write(systems / "try.desktop", entry("Try", "TryExec=true"));
 
@@ -41,7 +45,8 @@ TEST_F(AppsTest, ListsWhatMenusShowAndTheFavourites) {
       catalogue(),
       ElementsAre("A/B – 🎵 \"odd\".app = odd name.desktop", "Deep = sub-folder-deep.desktop",
                   "Favourite = favourite.desktop", "Here = here.desktop", "Same = same.desktop",
-                  "Same (same2) = same2.desktop", "Try = try.desktop"));
+                  "Same (same2) = same2.desktop", "Same (same2) (same3) = same3.desktop",
+                  "Try = try.desktop"));
 }
 
 TEST_F(AppsTest, SeesEveryChangeAtOnce) {
@@ -88,6 +93,9 @@ TEST_F(AppsWindowsTest, KnowsRunningApplicationsByTheirWindows) {
   write(systems / "Editor.desktop", entry("Editor"));
   write(systems / "hinted.desktop", entry("Hinted"));
   write(systems / "panel.desktop", entry("Panel"));
+  // what is empty names nobody
+  write(systems / "empty.desktop", entry("Empty", "StartupWMClass="));
+  write(systems / ".desktop", entry("Dot"));
   openWindow("WM_CLASS", std::string("crx_page\0Browser\0", 17));
   openWindow("WM_CLASS", std::string("x\0EDITOR\0", 9));
   openWindow("WM_CLASS", std::string("y\0Editor\0", 9));
@@ -98,7 +106,8 @@ TEST_F(AppsWindowsTest, KnowsRunningApplicationsByTheirWindows) {
   const xcb_atom_t dock = observer.atom("_NET_WM_WINDOW_TYPE_DOCK");
   set(panel, "_NET_WM_WINDOW_TYPE", "ATOM", 32, &dock, 1);
   EXPECT_TRUE(eventually([&] { return windowsOfClass("Panel").size() == 1; }));
-  EXPECT_THAT(catalogue(), ElementsAre("Browser = browser.desktop", "*Editor = Editor.desktop",
+  EXPECT_THAT(catalogue(), ElementsAre("Browser = browser.desktop", "Dot = .desktop",
+                                       "*Editor = Editor.desktop", "Empty = empty.desktop",
                                        "*Hinted = hinted.desktop", "*Page = page.desktop",
                                        "Panel = panel.desktop", "*Reader = org.Reader.desktop"));
 }
@@ -107,6 +116,7 @@ TEST_F(AppsWindowsTest, StartsAProgramThenBringsItForward) {
   const std::string program = systems / "program";
   write(program,
         "#!/bin/sh\nprintenv DESKTOP_STARTUP_ID > \"$0.id\"\n"
+        "ps -o sid= -p $$ > \"$0.session\"\n"
         "exec xterm -class OddTerm -geometry 20x5+350+350 -e cat\n");
   std::filesystem::permissions(program, std::filesystem::perms::owner_all);
   write(systems / "term.desktop",
@@ -124,6 +134,8 @@ TEST_F(AppsWindowsTest, StartsAProgramThenBringsItForward) {
   std::string startupId;
   std::ifstream(program + ".id") >> startupId;
   EXPECT_THAT(startupId, ::testing::ContainsRegex("_TIME[1-9][0-9]*$"));
+  // Control-C in the host's terminal is for the host
+  EXPECT_NE(std::stoi(contentsOf(program + ".session")), getsid(0));
 
   const xcb_window_t cover = observer.openManagedWindow(350, 350);
   EXPECT_TRUE(eventually([&] { return observer.activeWindow() == cover; }));
@@ -136,6 +148,24 @@ TEST_F(AppsWindowsTest, StartsAProgramThenBringsItForward) {
   observer.sync();
   EXPECT_TRUE(eventually([] { return windowsOfClass("OddTerm").empty(); }));
   EXPECT_THAT(catalogue(), ElementsAre("Term = term.desktop"));
+}
+
+TEST_F(AppsWindowsTest, SaysWhatCannotBeStarted) {
+  write(systems / "org.example.Bus.desktop", entry("Bus", "DBusActivatable=true"));
+  write(systems / "path.desktop", entry("Path", "Path=/nowhere"));
+  for (const std::string id : {"org.example.Bus.desktop", "path.desktop"}) {
+    const TemporaryFolder folder;
+    const auto said = [&] { return contentsOf(folder.path / "said"); };
+    const int standardError = dup(STDERR_FILENO);
+    const int file = open((folder.path / "said").c_str(), O_WRONLY | O_CREAT, S_IRUSR | S_IWUSR);
+    dup2(file, STDERR_FILENO);
+    launchApplication(id);
+    EXPECT_TRUE(eventually([&] { return said().ends_with('\n'); }));
+    dup2(standardError, STDERR_FILENO);
+    close(file);
+    close(standardError);
+    EXPECT_THAT(said(), ::testing::StartsWith("tapdeck: " + id + " cannot be started: "));
+  }
 }
 
 }  // namespace

@@ -41,38 +41,59 @@ milliseconds timeOf(const std::function<void()>& work) {
   return std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
 }
 
-std::vector<std::string> playersAmongTheRunning() {
-  std::vector<std::string> names;
-  for (const auto& application : platform::runningApplications()) {
-    EXPECT_EQ(application.bundleIdentifier, std::nullopt);
-    EXPECT_EQ(application.activationPolicy, platform::ActivationPolicy::accessory);
-    names.push_back(application.localizedName.value());
-  }
-  return names;
-}
-
 TEST(MediaInterpreterTest, TellsPlayersApart) {
-  EXPECT_THAT(playersAmongTheRunning(), IsEmpty());
+  EXPECT_THAT(platform::runningApplicationNames(), IsEmpty());
   const ScriptedPlayer spotify("spotify");
   const ScriptedPlayer vlc("vlc.instance12");
   const ScriptedPlayer relay("playerctld");
-  EXPECT_THAT(playersAmongTheRunning(), ElementsAre("Spotify", "VLC"));
+  EXPECT_THAT(platform::runningApplicationNames(), ElementsAre("Spotify", "VLC"));
   ScriptedPlayer first("amarok", "Paused");
   const ScriptedPlayer second("browser.instance1", "Playing");
   ScriptedPlayer third("clementine", "Stopped");
   std::vector<std::string> elsewhere;
-  std::thread([&] { elsewhere = playersAmongTheRunning(); }).join();
+  std::thread([&] { elsewhere = platform::runningApplicationNames(); }).join();
   EXPECT_THAT(elsewhere, ElementsAre("Music", "Spotify", "VLC"));
 
   third.hang();  // one that hangs must not keep the others from being asked
-  EXPECT_EQ(run(commandScript("Music", "pause")), "");
+  EXPECT_EQ(run(commandScript("Music", "playpause")), "");
   EXPECT_EQ(run(commandScript("Spotify", "next track")), "");
   EXPECT_EQ(run(commandScript("VLC", "play")), "");
-  EXPECT_THAT(second.calls(), ElementsAre("Pause()"));
+  EXPECT_THAT(second.calls(), ElementsAre("PlayPause()"));
   EXPECT_THAT(spotify.calls(), ElementsAre("Next()"));
   EXPECT_THAT(vlc.calls(), ElementsAre("PlayPause()"));
   EXPECT_THAT(first.calls(), IsEmpty());
   EXPECT_THAT(relay.calls(), IsEmpty());
+}
+
+TEST(MediaInterpreterTest, ToLookTakesNoConnectionOfItsOwn) {
+  platform::runningApplicationNames();
+  const int before = ScriptedPlayer("music").connectionNumber();
+  for (int look = 0; look < 3; ++look) platform::runningApplicationNames();
+  EXPECT_EQ(ScriptedPlayer("music").connectionNumber(), before + 1);
+}
+
+TEST(MediaInterpreterTest, PausedMusicGivesWayToWhatPlays) {
+  const ScriptedPlayer tab("browser.instance1", "Paused");
+  EXPECT_EQ(run(trackScript("Music")), "true\n");
+  {
+    const ScriptedPlayer spotify("spotify", "Paused");
+    EXPECT_EQ(run(trackScript("Music")), "true\n");
+  }
+  const ScriptedPlayer spotify("spotify", "Playing");
+  EXPECT_EQ(run(trackScript("Music")), "false\n");
+  EXPECT_EQ(run(nowPlayingScript("Music")), "none\n");
+  const ScriptedPlayer other("amarok", "Playing");
+  EXPECT_EQ(run(trackScript("Music")), "true\n");
+}
+
+TEST(MediaInterpreterTest, ALiveStreamHasNoLength) {
+  ScriptedPlayer player("music");
+  for (const uint64_t length : {uint64_t{INT64_MAX}, UINT64_MAX, uint64_t{INT32_MAX} * 1000}) {
+    player.setLength(length);
+    EXPECT_THAT(run(nowPlayingScript("Music")), StartsWith("Song\t\t\t0.0\t12.5\t"));
+  }
+  player.setLength(uint64_t{100} * 3600 * 1000000);
+  EXPECT_THAT(run(nowPlayingScript("Music")), HasSubstr("\t3.6E+5\t")) << "an audiobook";
 }
 
 TEST(MediaInterpreterTest, SeeksByTrackOrFromWhereItIs) {
@@ -87,11 +108,11 @@ TEST(MediaInterpreterTest, APlayerThatHangsOrGoesCostsLittle) {
   ScriptedPlayer hanging("spotify");
   hanging.hang();
   ScriptedPlayer going("music");
-  EXPECT_THAT(playersAmongTheRunning(), Contains("Spotify"));
+  EXPECT_THAT(platform::runningApplicationNames(), Contains("Spotify"));
   EXPECT_LT(timeOf([] { EXPECT_EQ(run(stateScript("Spotify")), "false\n"); }), kForEver);
-  EXPECT_THAT(run(commandScript("Spotify", "play")),
+  EXPECT_THAT(run(commandScript("Spotify", "playpause")),
               HasSubstr("execution error: Spotify got an error"));
-  going.vanishAfter(1);
+  going.vanishAfter(2);
   EXPECT_THAT(run(nowPlayingScript("Music")), StartsWith("Song\t\t\t215.0\t0\tpaused\t"));
   EXPECT_EQ(run(nowPlayingScript("Music")), "none\n");
   EXPECT_EQ(run(nowPlayingScript("VLC")), "none\n");
@@ -129,6 +150,7 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
       {"file://" + folder.path.string(), "none", ""},
       {"file:///dev/zero", "none", ""},
       {"file:///nowhere", "none", ""},
+      {"FILE" + file("shouted", "loud").substr(4), "ok", "loud"},
       {"file://elsewhere/etc/passwd", "none", ""},
       {"data:text/plain,a%20b", "ok", "a b"},
       {"data:image/png;base64,cGljdHVyZQ==", "ok", "picture"},
@@ -163,6 +185,9 @@ TEST(MediaInterpreterTest, ReadsAndSetsTheVolume) {
   EXPECT_EQ(run(read), "33\n");
   outputOf({"pactl", "set-sink-volume", "@DEFAULT_SINK@", "150%"});
   EXPECT_EQ(run(read), "100\n");
+  run("set volume output volume (" + read + " + 10)");
+  EXPECT_THAT(outputOf({"pactl", "get-sink-volume", "@DEFAULT_SINK@"}), HasSubstr("150%"))
+      << "louder is never quieter";
   // the balance between left and right stays
   outputOf({"pactl", "set-sink-volume", "@DEFAULT_SINK@", "80%", "40%"});
   run("set volume output volume (" + read + " - 40)");

@@ -58,10 +58,16 @@ TEST_F(AppleScriptProgramsTest, TellWhatIsKnownAndNothingElse) {
     desktop.run(player, state);
   }
   EXPECT_THAT(run(nowPlayingScript("Music")),
-              ::testing::StartsWith("live%20stream\ta b c  d \t\t0.0\t12.5\tpaused\t"));
-  EXPECT_EQ(run(nowPlayingScript("Spotify")), "live%20stream\ta b c  d \t\t0\t12.5\tpaused\t");
+              ::testing::StartsWith("live stream\ta b c  d \t\t0.0\t12.5\tpaused\t"));
+  EXPECT_EQ(run(nowPlayingScript("Spotify")), "live stream\ta b c  d \t\t0\t12.5\tpaused\t");
   EXPECT_EQ(run(nowPlayingScript("VLC")),
-            "live%20stream\t\t\t-1\t12\tfalse\thttps://radio.example/live%20stream");
+            "live stream\t\t\t-1\t12\tfalse\thttps://radio.example/live%20stream");
+  for (const auto& [url, title] : {std::pair("file:///100%25.ogg", "100%.ogg"),
+                                   {"https://r/100%25", "100%"},
+                                   {"https://r/%FF%ZZ", "%FF%ZZ"}}) {
+    desktop.players.at(Application::vlc).state.track->url = url;
+    EXPECT_THAT(run(nowPlayingScript("VLC")), ::testing::StartsWith(std::string(title) + "\t"));
+  }
   desktop.players.at(Application::vlc).state.track->title = std::string(100000, 'x');
   EXPECT_LT(run(nowPlayingScript("VLC")).size(), size_t{4096});
 }

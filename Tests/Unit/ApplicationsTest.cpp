@@ -120,6 +120,13 @@ TEST_F(ApplicationsTest, DrawsTheIconOfTheRunningApplicationElseOfTheFile) {
                                    "copy icon of /Applications/Mail.app onto 64x64 bitmap",
                                    "PNG of 64x64 bitmap compressed by 0.500000"));
 
+  // one that runs may have no icon at hand, or just have ended
+  install("/Applications", "Safari.app", "safari");
+  applications().runningIconFails = true;
+  EXPECT_EQ(reply("getAppIcon", named("safari")), Value("iVBORw=="));
+  EXPECT_THAT(trace(), ElementsAre("copy icon of /Applications/Safari.app onto 64x64 bitmap",
+                                   "PNG of 64x64 bitmap compressed by 0.500000"));
+
   EXPECT_EQ(reply("getAppIcon", named("unknown")), Value(""));
   applications().iconFails = true;
   EXPECT_EQ(reply("getAppIcon", named("mail")), Value(""));

@@ -128,8 +128,21 @@ TEST_F(LaunchAtLoginTest, TheChannelInsistsOnItsKey) {
   EXPECT_EQ(call("launchAtStartupToggle"), Outcome(NotImplemented{}));
   EXPECT_THAT(trace(), IsEmpty());
 
+  const auto setTo = [this](Value value) {
+    return set(Value(ValueMap{{"setEnabledValue", std::move(value)}}));
+  };
+  for (const Value& on : {Value(true), Value(1), Value(1.0)}) {
+    EXPECT_EQ(setTo(on), Outcome(Value()));
+    EXPECT_THAT(trace(), ::testing::Contains(kRegister));
+  }
+  for (const Value& off : {Value(false), Value(0), Value(-0.0)}) {
+    EXPECT_EQ(setTo(off), Outcome(Value()));
+    EXPECT_THAT(trace(), ElementsAre(kUnregister));
+  }
   EXPECT_DEATH(set(Value(ValueMap{})), "❌ .*setEnabledValue");
-  EXPECT_DEATH(set(Value(ValueMap{{"setEnabledValue", Value(1)}})), "❌ .*setEnabledValue");
+  for (const Value& none : {Value(), Value(2), Value(0.5), Value("true")}) {
+    EXPECT_DEATH(setTo(none), "❌ .*setEnabledValue");
+  }
 }
 
 }  // namespace

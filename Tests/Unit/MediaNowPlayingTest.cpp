@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include "Runner/Media/Text.h"
 #include "Tests/Unit/MediaTest.h"
 
@@ -69,6 +71,10 @@ TEST_F(MediaNowPlayingTest, RepliesAreReadFieldByField) {
        info("S", "A", "B", 0, 0, false, false, "Music", "id")},
       {"Music", "S\tA\tB\t+.5\t5.\tfalse\tid",
        info("S", "A", "B", 0.5, 5, false, true, "Music", "id")},
+      // the white space before the first field goes, and the field with it
+      {"Music", "\t \tS\tA\tB\t1\t2\tplaying\t",
+       info("S", "A", "B", 1, 2, true, true, "Music", "Music|S|A")},
+      {"Music", " \tA\tB\t1\t2\tplaying\tid", Value()},
       {"Music", "none\n", Value()},
       {"Music", "", Value()},
       {"Music", "S\tA\tB\t1\t2\tplaying\n", Value()},
@@ -78,6 +84,14 @@ TEST_F(MediaNowPlayingTest, RepliesAreReadFieldByField) {
     run({row.player});
     answers[{"info", row.player}] = {row.reply};
     EXPECT_EQ(nowPlaying(), row.value) << row.reply;
+  }
+}
+
+TEST_F(MediaNowPlayingTest, NoTimeIsBelowZero) {
+  run({"Music"});
+  answers[{"info", "Music"}] = {"S\tA\tB\t-0\t-0.0\tplaying\tid"};
+  for (const char* key : {"duration", "position"}) {
+    EXPECT_FALSE(std::signbit(*told(key).getIf<double>())) << key;
   }
 }
 
@@ -216,7 +230,7 @@ TEST(TrimmingTest, TakesUnicodesWhiteSpaceAndNothingElse) {
   for (const char* kept : {"\u200B", "\uFEFF", "\u180E", "\x1C", "\u0084", "\u2030"}) {
     EXPECT_EQ(trimmed(kept), kept);
   }
-  EXPECT_EQ(trimmedUpToTabs(" \n\t a \t\t\r\n"), "\t a \t\t");
+  EXPECT_EQ(trimmedUpToTabs(" \n\t a \t\t\r\n"), "a \t\t");
 }
 
 }  // namespace

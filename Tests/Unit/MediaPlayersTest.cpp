@@ -8,6 +8,7 @@ namespace {
 
 using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 class MediaPlayersTest : public MediaTest {
@@ -64,6 +65,7 @@ TEST_F(MediaPlayersTest, MediaKeysServeWhenNoPlayerPlays) {
     EXPECT_THAT(steps().back(), ::testing::StartsWith("post system-defined flags 0xb00"));
   }
   run({});
+  script().applications.timesNamed = 0;
   const std::pair<const char*, const char*> keys[] = {
       {"mediaPlayPause", "0x10"}, {"mediaNext", "0x11"}, {"mediaPrevious", "0x12"}};
   for (const auto& [method, key] : keys) {
@@ -73,6 +75,17 @@ TEST_F(MediaPlayersTest, MediaKeysServeWhenNoPlayerPlays) {
                                      "sleep 10000",
                                      "post system-defined flags 0xb00" + data + "0b00 data2 -1"));
   }
+  EXPECT_EQ(script().applications.timesNamed, 3) << "one look each";
+}
+
+TEST_F(MediaPlayersTest, APlayerThatEndsMeanwhileIsNotStartedAgain) {
+  run({"Music", "Spotify"});
+  script().media.childFor = [](const std::string&) {
+    run({"Music"});
+    return Child{"false"};
+  };
+  reply("mediaNext");
+  for (const auto& step : steps()) EXPECT_THAT(step, ::testing::Not(HasSubstr("Spotify")));
 }
 
 TEST_F(MediaPlayersTest, APlayerThatHangsIsGivenUpAfterItsLimit) {

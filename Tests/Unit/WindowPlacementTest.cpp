@@ -51,6 +51,8 @@ TEST_F(WindowPlacementTest, StopsWhereItCannotGoOn) {
     script().windows = {};
   };
   unmoved("screen-1", "⚠️ moveWindowToDisplay: unknown display screen-1\n");
+  const std::string withNul("a\0b", 3);
+  unmoved(withNul, "⚠️ moveWindowToDisplay: unknown display " + withNul + "\n");
   script().windows.frontmostProcess.reset();
   unmoved("1");
   script().windows.hasFocusedWindow = false;

@@ -61,7 +61,7 @@ class Desktop {
   virtual Volume volume() = 0;
   /// Changes what is present.
   virtual void setVolume(const Volume& volume) = 0;
-  /// Asks the machine to sleep, restart or shut down.
+  /// Asks the machine to sleep, restart or shut down; whether it will is told later.
   virtual void power(Command command) = 0;
   /// The bytes at the address, as many as a picture may have.
   virtual std::string picture(const std::string& url) = 0;

@@ -1,9 +1,7 @@
 #include "Platform/Linux/AppleScript/Evaluator.h"
 
 #include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <thread>
+#include <utility>
 
 #include "Platform/Linux/AppleScript/Objects.h"
 #include "Platform/Linux/AppleScript/Operators.h"
@@ -13,13 +11,6 @@ namespace {
 
 [[noreturn]] void failToGet(const std::string& what) {
   throw ScriptError{kNotFound, "Can’t get " + what + ".", ""};
-}
-
-/// The innermost expression that has failed is where the error is.
-void locate(ScriptError& error, const Expression& expression) {
-  if (error.end != 0) return;
-  error.start = expression.start;
-  error.end = expression.end;
 }
 
 template <typename Known>
@@ -38,11 +29,22 @@ Value Evaluator::run(const Block& program) {
 
 Evaluator::Flow Evaluator::execute(const Block& block) {
   for (const Statement& statement : block) {
-    const Flow flow =
-        std::visit([this](const auto& content) { return execute(content); }, statement.content);
-    if (flow == Flow::returned) return flow;
+    if (execute(statement) == Flow::returned) return Flow::returned;
   }
   return Flow::next;
+}
+
+Evaluator::Flow Evaluator::execute(const Statement& statement) {
+  try {
+    return std::visit([this](const auto& content) { return execute(content); }, statement.content);
+  } catch (ScriptError& error) {
+    // the innermost statement that has failed is where the error is
+    if (error.end == 0) {
+      error.start = statement.start;
+      error.end = statement.end;
+    }
+    throw;
+  }
 }
 
 Evaluator::Flow Evaluator::execute(const Evaluate& statement) {
@@ -50,53 +52,64 @@ Evaluator::Flow Evaluator::execute(const Evaluate& statement) {
   return Flow::next;
 }
 
-Evaluator::Flow Evaluator::execute(const Set& statement) {
-  const Value value = evaluate(*statement.value);
-  if (const auto* variable = std::get_if<Variable>(&statement.target->content)) {
-    _result = _variables[variable->name] = value;
-    return Flow::next;
-  }
-  try {
-    set(std::get<PropertyOf>(statement.target->content), value);
-  } catch (ScriptError& error) {
-    locate(error, *statement.target);
-    throw;
-  }
-  _result = Nothing();
+Evaluator::Flow Evaluator::execute(const Perform& statement) {
+  perform(_desktop, statement.application, statement.command);
   return Flow::next;
 }
 
-void Evaluator::set(const PropertyOf& place, const Value& value) {
-  const Value owner = ownerOf(place.owner);
-  const auto* object = owner.getIf<Object>();
-  if (object == nullptr) {
-    throw ScriptError{kCannotSet, "Can’t set " + std::string(wordsOf(place.property)) + ".", ""};
+Evaluator::Flow Evaluator::execute(const SetVariable& statement) {
+  _variables[statement.name] = evaluate(*statement.value);
+  return Flow::next;
+}
+
+Evaluator::Flow Evaluator::execute(const SetProperty& statement) {
+  const Value value = evaluate(*statement.value);
+  setProperty(_desktop, told(), statement.property, value);
+  return Flow::next;
+}
+
+Evaluator::Flow Evaluator::execute(const SetVolume& statement) {
+  constexpr int64_t kLoudest = 100;
+  Volume volume;
+  if (statement.level != nullptr) {
+    const int64_t level = asInteger(evaluate(*statement.level));
+    volume.level = static_cast<int>(std::clamp<int64_t>(level, 0, kLoudest));
   }
-  setProperty(_desktop, *object, place.property, value);
+  if (statement.muted != nullptr) volume.muted = asBoolean(evaluate(*statement.muted));
+  _desktop.setVolume(volume);
+  return Flow::next;
+}
+
+Evaluator::Flow Evaluator::execute(const SetEof& statement) {
+  const Value file = evaluate(*statement.file);
+  _files.setSize(file, asInteger(evaluate(*statement.size)));
+  return Flow::next;
+}
+
+Evaluator::Flow Evaluator::execute(const Write& statement) {
+  const Value data = evaluate(*statement.data);
+  _files.write(data, evaluate(*statement.file));
+  return Flow::next;
+}
+
+Evaluator::Flow Evaluator::execute(const CloseAccess& statement) {
+  _files.close(evaluate(*statement.file));
+  return Flow::next;
 }
 
 Evaluator::Flow Evaluator::execute(const Return& statement) {
-  _result = statement.value != nullptr ? evaluate(*statement.value) : Value();
+  _result = evaluate(*statement.value);
   return Flow::returned;
 }
 
-Evaluator::Flow Evaluator::execute(const Raise& statement) {
-  const Value number =
-      statement.number != nullptr ? evaluate(*statement.number) : int64_t{kScriptsOwn};
-  const std::string message = statement.message != nullptr
-                                  ? asText(evaluate(*statement.message))
-                                  : "An error of type " + display(number) + " has occurred.";
-  throw ScriptError{static_cast<int>(asInteger(number)), message, ""};
-}
-
 Evaluator::Flow Evaluator::execute(const Tell& statement) {
-  _targets.push_back(evaluate(*statement.target));
+  const auto outer = std::exchange(_told, statement.application);
   try {
     const Flow flow = execute(statement.body);
-    _targets.pop_back();
+    _told = outer;
     return flow;
   } catch (...) {
-    _targets.pop_back();
+    _told = outer;
     throw;
   }
 }
@@ -104,29 +117,19 @@ Evaluator::Flow Evaluator::execute(const Tell& statement) {
 Evaluator::Flow Evaluator::execute(const Try& statement) {
   try {
     return execute(statement.body);
-  } catch (const ScriptError& error) {
-    if (!statement.message.empty()) _variables[statement.message] = error.message;
-    if (!statement.number.empty()) _variables[statement.number] = int64_t{error.number};
+  } catch (const ScriptError&) {
+    return execute(statement.handler);
   }
-  return execute(statement.handler);
 }
 
 Evaluator::Flow Evaluator::execute(const If& statement) {
-  for (const auto& [condition, block] : statement.branches) {
-    if (asBoolean(evaluate(*condition))) return execute(block);
-  }
-  return execute(statement.otherwise);
+  return asBoolean(evaluate(*statement.condition)) ? execute(statement.body) : Flow::next;
 }
 
 // ---- expressions
 
 Value Evaluator::evaluate(const Expression& expression) {
-  try {
-    return std::visit([this](const auto& content) { return value(content); }, expression.content);
-  } catch (ScriptError& error) {
-    locate(error, expression);
-    throw;
-  }
+  return std::visit([this](const auto& content) { return value(content); }, expression.content);
 }
 
 Value Evaluator::value(const Variable& variable) {
@@ -137,19 +140,9 @@ Value Evaluator::value(const Variable& variable) {
   return found->second;
 }
 
-Value Evaluator::value(const It&) {
-  if (_targets.empty()) failToGet("it");
-  return _targets.back();
-}
-
-Value Evaluator::value(const ApplicationNamed& named) {
-  const auto application = applicationNamed(named.name);
-  if (!application) failToGet("application \"" + named.name + "\"");
-  return Object{.application = *application, .kind = Object::Kind::application, .track = nullptr};
-}
-
-Value Evaluator::ownerOf(const ExpressionPtr& owner) {
-  return owner != nullptr ? evaluate(*owner) : value(It());
+Object Evaluator::told() const {
+  if (!_told) failToGet("it");
+  return {.application = *_told, .kind = Object::Kind::application, .track = nullptr};
 }
 
 Value Evaluator::value(const PropertyOf& property) {
@@ -157,8 +150,7 @@ Value Evaluator::value(const PropertyOf& property) {
   if (const auto* object = owner.getIf<Object>()) {
     return propertyOf(_desktop, *object, property.property);
   }
-  const auto* record = owner.getIf<Record>();
-  if (record != nullptr) {
+  if (const auto* record = owner.getIf<Record>()) {
     for (const auto& [name, value] : record->fields) {
       if (name == property.property) return value;
     }
@@ -184,83 +176,20 @@ bool Evaluator::exists(const Expression& expression) {
 }
 
 Value Evaluator::value(const Unary& unary) {
-  switch (unary.operation) {
-    case UnaryOperator::exists:
-      return exists(*unary.operand);
-    case UnaryOperator::logicalNot:
-      return !asBoolean(evaluate(*unary.operand));
-    case UnaryOperator::negate:
-      return negated(evaluate(*unary.operand));
-  }
-  return Missing();
+  return unary.operation == UnaryOperator::exists ? exists(*unary.operand)
+                                                  : !asBoolean(evaluate(*unary.operand));
 }
 
 Value Evaluator::value(const Binary& binary) {
   const Value left = evaluate(*binary.left);
-  if (binary.operation == BinaryOperator::logicalAnd) {
-    return asBoolean(left) && asBoolean(evaluate(*binary.right));
-  }
-  if (binary.operation == BinaryOperator::logicalOr) {
-    return asBoolean(left) || asBoolean(evaluate(*binary.right));
-  }
   return operate(binary.operation, left, evaluate(*binary.right));
-}
-
-// ---- commands
-
-Value Evaluator::value(const Perform& command) {
-  perform(_desktop, command.application, command.command);
-  return Nothing();
 }
 
 Value Evaluator::value(const GetVolumeSettings&) {
   const Volume volume = _desktop.volume();
   const auto level = volume.level ? std::optional<int64_t>(*volume.level) : std::nullopt;
   return Record{{{Property::outputVolume, orMissing(level)},
-                 {Property::inputVolume, Missing()},
-                 {Property::alertVolume, Missing()},
                  {Property::outputMuted, orMissing(volume.muted)}}};
-}
-
-Value Evaluator::value(const SetVolume& command) {
-  constexpr int64_t kLoudest = 100;
-  Volume volume;
-  if (command.level != nullptr) {
-    const int64_t level = asInteger(evaluate(*command.level));
-    volume.level = static_cast<int>(std::clamp<int64_t>(level, 0, kLoudest));
-  }
-  if (command.muted != nullptr) volume.muted = asBoolean(evaluate(*command.muted));
-  _desktop.setVolume(volume);
-  return Nothing();
-}
-
-Value Evaluator::value(const OpenForAccess& command) {
-  return _files.open(evaluate(*command.file), command.forWriting);
-}
-
-Value Evaluator::value(const SetEof& command) {
-  const Value file = evaluate(*command.file);
-  _files.setSize(file, asInteger(evaluate(*command.size)));
-  return Nothing();
-}
-
-Value Evaluator::value(const Write& command) {
-  const Value data = evaluate(*command.data);
-  _files.write(data, evaluate(*command.file));
-  return Nothing();
-}
-
-Value Evaluator::value(const CloseAccess& command) {
-  _files.close(evaluate(*command.file));
-  return Nothing();
-}
-
-Value Evaluator::value(const Delay& command) {
-  constexpr double kLongest = 3600;
-  const double seconds = asReal(evaluate(*command.seconds));
-  if (seconds > 0)
-    std::this_thread::sleep_for(std::chrono::duration<double>(std::min(seconds, kLongest)));
-  return Nothing();
 }
 
 }  // namespace tapdeck::applescript

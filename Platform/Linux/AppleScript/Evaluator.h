@@ -3,8 +3,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include "Platform/Linux/AppleScript/OpenFiles.h"
 #include "Platform/Linux/AppleScript/Syntax.h"
@@ -23,10 +21,16 @@ class Evaluator {
   enum class Flow { next, returned };
 
   Flow execute(const Block& block);
+  Flow execute(const Statement& statement);
   Flow execute(const Evaluate& statement);
-  Flow execute(const Set& statement);
+  Flow execute(const Perform& statement);
+  Flow execute(const SetVariable& statement);
+  Flow execute(const SetProperty& statement);
+  Flow execute(const SetVolume& statement);
+  Flow execute(const SetEof& statement);
+  Flow execute(const Write& statement);
+  Flow execute(const CloseAccess& statement);
   Flow execute(const Return& statement);
-  Flow execute(const Raise& statement);
   Flow execute(const Tell& statement);
   Flow execute(const Try& statement);
   Flow execute(const If& statement);
@@ -34,33 +38,24 @@ class Evaluator {
   Value evaluate(const Expression& expression);
   Value value(const Literal& literal) { return literal.value; }
   Value value(const Variable& variable);
-  Value value(const It&);
-  Value value(const ApplicationNamed& named);
   Value value(const PropertyOf& property);
   Value value(const ElementOf& element);
   Value value(const Unary& unary);
   Value value(const Binary& binary);
-  Value value(const Coercion& coercion) {
-    return coerce(evaluate(*coercion.operand), coercion.type);
-  }
+  Value value(const AsText& coercion) { return asText(evaluate(*coercion.operand)); }
   Value value(const PosixFile& file) { return File{asText(evaluate(*file.path))}; }
-  Value value(const Perform& command);
   Value value(const GetVolumeSettings&);
-  Value value(const SetVolume& command);
-  Value value(const OpenForAccess& command);
-  Value value(const SetEof& command);
-  Value value(const Write& command);
-  Value value(const CloseAccess& command);
-  Value value(const Delay& command);
+  Value value(const OpenForAccess& command) { return _files.open(evaluate(*command.file)); }
 
-  void set(const PropertyOf& place, const Value& value);
-  Value ownerOf(const ExpressionPtr& owner);
+  /// The application that is told; of it is what has no owner of its own.
+  Object told() const;
+  Value ownerOf(const ExpressionPtr& owner) { return owner != nullptr ? evaluate(*owner) : told(); }
   bool exists(const Expression& expression);
 
   Desktop& _desktop;
   OpenFiles _files;
   std::map<std::string, Value> _variables;
-  std::vector<Value> _targets;
+  std::optional<Application> _told;
   Value _result;
 };
 

@@ -1,11 +1,10 @@
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 #include "Platform/Linux/AppleScript/Syntax.h"
 #include "Platform/Linux/AppleScript/Tokens.h"
@@ -25,20 +24,26 @@ class Nesting {
   int& _depth;
 };
 
-/// Parses what has a value: expressions, and the commands that stand in them.
+/// Parses what has a value.
 class ExpressionParser {
  public:
   explicit ExpressionParser(Tokens& tokens) : _tokens(tokens) {}
 
-  ExpressionPtr expression() { return either(); }
-  /// An expression without operators: a name, a property of something, a literal, a command, ...
+  ExpressionPtr expression() { return negation(); }
+  /// An expression without operators: a name, a property of something, a literal, ...
   ExpressionPtr reference();
 
-  /// Takes a variable's name, which is set here.
+  /// Takes a term that means something of this kind if one comes next.
+  template <typename Kind>
+  std::optional<Kind> acceptTerm() {
+    const auto [term, length] = nextTerm();
+    const auto* meaning = term != nullptr ? std::get_if<Kind>(&term->meaning) : nullptr;
+    if (meaning == nullptr) return std::nullopt;
+    for (size_t taken = 0; taken < length; ++taken) _tokens.take();
+    return *meaning;
+  }
+  /// Takes the name of a variable, which may be used from here on.
   std::string variableToSet();
-  void isSet(const std::string& variable) { _set.insert(variable); }
-  /// Throws for the first variable that is set nowhere: its name is no word of this program.
-  void checkVariables() const;
 
   /// Whose terms are known at this place; none outside of `tell`.
   std::optional<Application> application;
@@ -46,45 +51,30 @@ class ExpressionParser {
   int depth = 0;
 
  private:
+  using Level = ExpressionPtr (ExpressionParser::*)();
   struct Operator {
-    std::initializer_list<std::string_view> words;
+    std::string_view text;
     BinaryOperator operation;
   };
-  using Level = ExpressionPtr (ExpressionParser::*)();
 
-  ExpressionPtr either();
-  ExpressionPtr both();
+  // operators, the weakest first
   ExpressionPtr negation();
   ExpressionPtr comparison();
   ExpressionPtr coercion();
   ExpressionPtr concatenation();
   ExpressionPtr sum();
-  ExpressionPtr product();
-  ExpressionPtr power();
-  ExpressionPtr sign();
+
   ExpressionPtr primary();
-
   ExpressionPtr binary(Level operand, std::initializer_list<Operator> operators);
-  ExpressionPtr unary(size_t start, UnaryOperator operation, ExpressionPtr operand);
-  ExpressionPtr literalWord();
-  ExpressionPtr term();
-  ExpressionPtr property(size_t start, Property property);
-  ExpressionPtr element(size_t start, Element element);
+  /// The longest term that comes next, and its number of words; null for none.
+  std::pair<const Term*, size_t> nextTerm() const;
+  /// `of` something; null when there is none.
   ExpressionPtr owner();
-  ExpressionPtr variable();
-  ExpressionPtr command();
-  ExpressionPtr setVolume(size_t start);
-
-  bool acceptOperator(const Operator& candidate);
-  const Term* acceptTerm();
-  Property possessed();
-  Type type();
-  ExpressionPtr make(size_t start, decltype(Expression::content) content,
-                     std::initializer_list<int> depths = {});
+  ExpressionPtr make(decltype(Expression::content) content);
 
   Tokens& _tokens;
-  std::set<std::string, std::less<>> _set;
-  std::vector<Token> _used;
+  std::set<std::string> _variables;
+  int _made = 0;
 };
 
 }  // namespace tapdeck::applescript

@@ -2,20 +2,15 @@
 
 #include <glib.h>
 
-#include <algorithm>
 #include <charconv>
-#include <iterator>
 #include <utility>
 
 namespace tapdeck::applescript {
 namespace {
 
-constexpr size_t kLongestSource = size_t{1} << 20;
-/// Integers beyond are reals.
-constexpr int64_t kLargestInteger = 536870911;
+constexpr size_t kMaxSource = size_t{1} << 20;
 
-constexpr std::string_view kSymbols[] = {"<=", ">=", "/=", "'s", "≤", "≥", "≠", "÷", "&", "+",
-                                         "-",  "*",  "/",  "^",  "=", "<", ">", "(", ")", ","};
+constexpr std::string_view kSymbols = "&+-()";
 
 bool startsWord(gunichar character) {
   return character == '_' || g_unichar_isalpha(character) != FALSE;
@@ -25,16 +20,12 @@ bool isDigit(gunichar character) {
   return character >= '0' && character <= '9';
 }
 
-bool isLineEnd(gunichar character) {
-  return character == '\n' || character == '\r';
-}
-
 class Lexer {
  public:
   explicit Lexer(std::string_view source) : _rest(source) {
-    if (source.size() > kLongestSource) fail("the script is too long");
+    if (source.size() > kMaxSource) fail("so long a script");
     if (g_utf8_validate_len(source.data(), source.size(), nullptr) == FALSE) {
-      fail("the script is no UTF-8 text");
+      fail("what is no UTF-8 text");
     }
   }
 
@@ -47,11 +38,14 @@ class Lexer {
  private:
   gunichar next() const { return _rest.empty() ? 0 : g_utf8_get_char(_rest.data()); }
 
+  size_t characterSize() const {
+    return static_cast<size_t>(g_utf8_next_char(_rest.data()) - _rest.data());
+  }
+
   /// Takes one character.
   std::string_view take() {
-    const auto size = static_cast<size_t>(g_utf8_next_char(_rest.data()) - _rest.data());
-    const auto taken = _rest.substr(0, size);
-    _rest.remove_prefix(size);
+    const auto taken = _rest.substr(0, characterSize());
+    _rest.remove_prefix(taken.size());
     ++_place;
     return taken;
   }
@@ -70,7 +64,7 @@ class Lexer {
   }
 
   [[noreturn]] void fail(const std::string& what) const {
-    throw ScriptError{kSyntax, "Expected expression, etc. but " + what + ".", "", _place,
+    throw ScriptError{kSyntax, "This interpreter does not know " + what + ".", "", _place,
                       _place + 1};
   }
 
@@ -78,44 +72,22 @@ class Lexer {
     _tokens.push_back({kind, std::move(text), std::move(value), start, _place});
   }
 
-  void skipToLineEnd() {
-    takeWhile([](gunichar character) { return !isLineEnd(character); });
-  }
-
+  /// Spaces, and line ends that are continued.
   void skipBlank() {
     for (;;) {
-      if (next() == ' ' || next() == '\t' || next() == 0xA0) {
+      if (next() == ' ' || next() == '\t') {
         take();
       } else if (accept("¬")) {
-        takeWhile([](gunichar character) { return character == ' ' || character == '\t'; });
-        if (!accept("\r\n") && !accept("\n") && !accept("\r")) fail("found unknown token");
-      } else if (accept("(*")) {
-        skipComment();
-      } else if (next() == '#' || _rest.starts_with("--")) {
-        skipToLineEnd();
+        if (!accept("\n")) fail("a “¬” within a line");
       } else {
         return;
       }
     }
   }
 
-  /// Comments of this kind may hold one another.
-  void skipComment() {
-    for (int depth = 1; depth > 0;) {
-      if (_rest.empty()) fail("the comment has no end");
-      if (accept("(*")) {
-        ++depth;
-      } else if (accept("*)")) {
-        --depth;
-      } else {
-        take();
-      }
-    }
-  }
-
   void readToken() {
     const size_t start = _place;
-    if (isLineEnd(next())) {
+    if (next() == '\n') {
       take();
       add(Token::Kind::lineEnd, start);
     } else if (startsWord(next())) {
@@ -124,10 +96,6 @@ class Lexer {
       readNumber();
     } else if (accept("\"")) {
       readText(start);
-    } else if (accept("|")) {
-      std::string name = takeWhile([](gunichar c) { return c != '|' && !isLineEnd(c); });
-      if (!accept("|")) fail("the name has no end");
-      add(Token::Kind::identifier, start, std::move(name));
     } else {
       readSymbol();
     }
@@ -139,7 +107,7 @@ class Lexer {
     char* lower = g_utf8_strdown(word.c_str(), static_cast<gssize>(word.size()));
     std::string text = lower;
     g_free(lower);
-    if (text != "the") add(Token::Kind::word, start, std::move(text));
+    add(Token::Kind::word, start, std::move(text));
   }
 
   void readNumber() {
@@ -152,12 +120,12 @@ class Lexer {
       text += takeWhile(isDigit);
     }
     readExponent(text, isReal);
-    if (startsWord(next())) fail("found unknown token");
+    if (startsWord(next())) fail("words that begin with a digit");
 
     double real = 0;
     const auto outcome = std::from_chars(text.data(), text.data() + text.size(), real);
-    if (outcome.ec != std::errc()) fail("the number is out of range");
-    if (isReal || real > static_cast<double>(kLargestInteger)) {
+    if (outcome.ec != std::errc()) fail("so large a number");
+    if (isReal || real > static_cast<double>(kMaxInteger)) {
       add(Token::Kind::literal, start, {}, real);
     } else {
       add(Token::Kind::literal, start, {}, static_cast<int64_t>(real));
@@ -176,33 +144,17 @@ class Lexer {
   }
 
   void readText(size_t start) {
-    std::string text;
-    while (!accept("\"")) {
-      if (_rest.empty()) fail("the text has no end");
-      if (accept("\\")) {
-        text += escaped();
-      } else {
-        text += take();
-      }
-    }
+    std::string text = takeWhile([](gunichar c) { return c != '"' && c != '\\'; });
+    if (next() == '\\') fail("“\\” in a text");
+    if (!accept("\"")) fail("a text without an end");
     add(Token::Kind::literal, start, {}, std::move(text));
-  }
-
-  char escaped() {
-    constexpr std::pair<std::string_view, char> kEscapes[] = {
-        {"\"", '"'}, {"\\", '\\'}, {"n", '\n'}, {"r", '\r'}, {"t", '\t'}};
-    for (const auto& [letter, character] : kEscapes) {
-      if (accept(letter)) return character;
-    }
-    fail("found unknown token");
   }
 
   void readSymbol() {
     const size_t start = _place;
-    const auto* symbol =
-        std::ranges::find_if(kSymbols, [this](std::string_view each) { return accept(each); });
-    if (symbol == std::end(kSymbols)) fail("found unknown token");
-    add(Token::Kind::symbol, start, std::string(*symbol));
+    const bool isKnown = kSymbols.find(_rest.front()) != std::string_view::npos;
+    if (!isKnown) fail("“" + std::string(_rest, 0, characterSize()) + "”");
+    add(Token::Kind::symbol, start, std::string(take()));
   }
 
   std::string_view _rest;

@@ -10,10 +10,10 @@
 namespace tapdeck::applescript {
 
 struct Token {
-  enum class Kind { word, identifier, literal, symbol, lineEnd, end };
+  enum class Kind { word, literal, symbol, lineEnd, end };
 
   Kind kind = Kind::end;
-  /// Of a word, in lower case; of an identifier between bars and of a symbol, as it stands.
+  /// Of a word, in lower case; of a symbol, as it stands.
   std::string text;
   /// Of a literal.
   Value value;
@@ -25,9 +25,8 @@ struct Token {
   bool isSymbol(std::string_view symbol) const { return kind == Kind::symbol && text == symbol; }
 };
 
-/// Takes the source, UTF-8, apart. Comments, continued line ends and the word "the", which may
-/// stand anywhere and means nothing, are left out; the last token is the end. Throws ScriptError
-/// (-2741).
+/// Takes the source, UTF-8, apart. Continued line ends are left out; the last token is the end.
+/// Throws ScriptError (-2741).
 std::vector<Token> tokensOf(std::string_view source);
 
 }  // namespace tapdeck::applescript

@@ -64,10 +64,19 @@ std::string pathOf(const Track& track) {
   return isText ? path.get() : track.url;
 }
 
+/// The text as it is where it holds no valid escapes of UTF-8.
+std::string percentDecoded(const std::string& text) {
+  const std::unique_ptr<char, decltype(&g_free)> decoded(
+      g_uri_unescape_string(text.c_str(), nullptr), g_free);
+  const bool isText = decoded != nullptr && g_utf8_validate(decoded.get(), -1, nullptr) != FALSE;
+  return isText ? decoded.get() : text;
+}
+
 std::string titleOf(const Track& track) {
   if (!track.title.empty()) return track.title;
   const std::string path = pathOf(track);
-  return path.substr(path.rfind('/') + 1);
+  const std::string last = path.substr(path.rfind('/') + 1);
+  return path == track.url ? percentDecoded(last) : last;
 }
 
 Value durationOf(Application application, const Track& track) {
@@ -139,15 +148,6 @@ Player& playerOf(Desktop& desktop, Application application) {
   return *player;
 }
 
-Found applicationProperty(Desktop& desktop, const Object& object, Property property) {
-  const Application application = object.application;
-  const bool isPlayer = application != Application::systemEvents;
-  if (property == Property::name) return std::string(nameOf(application));
-  if (property == Property::running) return !isPlayer || desktop.player(application) != nullptr;
-  return isPlayer ? playerProperty(playerOf(desktop, application), application, property)
-                  : std::nullopt;
-}
-
 Found artworkProperty(Desktop& desktop, const Object& object, Property property) {
   if (property != Property::rawData) return std::nullopt;
   return Data{desktop.picture(object.track->artUrl)};
@@ -181,9 +181,10 @@ int64_t microseconds(double seconds) {
 Value propertyOf(Desktop& desktop, const Object& object, Property property) {
   return asked(object.application, [&] {
     const Found found =
-        object.kind == Object::Kind::application ? applicationProperty(desktop, object, property)
-        : object.kind == Object::Kind::track     ? trackProperty(object, property)
-                                                 : artworkProperty(desktop, object, property);
+        object.kind == Object::Kind::application
+            ? playerProperty(playerOf(desktop, object.application), object.application, property)
+        : object.kind == Object::Kind::track ? trackProperty(object, property)
+                                             : artworkProperty(desktop, object, property);
     if (!found) throw ScriptError{kNotFound, "Can’t get " + named(property, object) + ".", ""};
     return *found;
   });

@@ -57,13 +57,12 @@ OpenFiles::Numbered::iterator OpenFiles::find(const Value& file) {
   return found;
 }
 
-int64_t OpenFiles::open(const Value& file, bool forWriting) {
+int64_t OpenFiles::open(const Value& file) {
   const std::string path = pathOf(file);
   const bool isOpen =
       std::ranges::any_of(_files, [&path](const auto& each) { return each.second.path == path; });
   if (isOpen) fail(kFileBusy, "File is already open:", file);
-  const int flags =
-      (forWriting ? O_RDWR | O_CREAT | O_NOFOLLOW : O_RDONLY) | O_CLOEXEC | O_NONBLOCK;
+  constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
   const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
   if (descriptor < 0) {
     const bool isMissing = errno == ENOENT;

@@ -17,9 +17,9 @@ class OpenFiles {
   OpenFiles(const OpenFiles&) = delete;
   OpenFiles& operator=(const OpenFiles&) = delete;
 
-  /// For writing, the file is made where there is none, for this user only; a symbolic link is not
+  /// For writing. The file is made where there is none, for this user only; a symbolic link is not
   /// followed, as folders for temporary files are shared.
-  int64_t open(const Value& file, bool forWriting);
+  int64_t open(const Value& file);
   void setSize(const Value& file, int64_t size);
   /// Texts in UTF-8, data as they are.
   void write(const Value& data, const Value& file);

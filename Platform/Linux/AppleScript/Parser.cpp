@@ -14,8 +14,7 @@ class Parser {
 
   Block program() {
     Block statements = block();
-    if (_tokens.peek().kind != Token::Kind::end) _tokens.fail("end of script");
-    _expressions.checkVariables();
+    if (_tokens.peek().kind != Token::Kind::end) _tokens.fail();
     return statements;
   }
 
@@ -26,132 +25,109 @@ class Parser {
     for (;;) {
       while (_tokens.peek().kind == Token::Kind::lineEnd) _tokens.take();
       const Token& next = _tokens.peek();
-      const bool isOver = next.kind == Token::Kind::end || next.isWord("end") ||
-                          next.isWord("else") || next.isWord("on");
-      if (isOver) return statements;
+      if (next.kind == Token::Kind::end || next.isWord("end") || next.isWord("on")) {
+        return statements;
+      }
       statements.push_back(statement());
-      if (!_tokens.isAtLineEnd()) _tokens.fail("end of line");
+      if (!_tokens.isAtLineEnd()) _tokens.fail();
     }
   }
 
-  void end(std::string_view word) {
-    _tokens.expect("end");
-    _tokens.accept(word);
+  /// A block that begins on the next line.
+  Block lines() {
+    if (_tokens.peek().kind != Token::Kind::lineEnd) _tokens.fail();
+    return block();
   }
 
   Statement statement() {
     const Nesting nesting(_tokens, _expressions.depth);
+    const size_t start = _tokens.peek().start;
+    auto content = this->content();
+    return {std::move(content), start, _tokens.end()};
+  }
+
+  Statement::Content content() {
     if (_tokens.accept("tell")) return tell();
     if (_tokens.accept("try")) return attempt();
     if (_tokens.accept("if")) return choice();
-    if (_tokens.accept("return")) {
-      return {Return{_tokens.isAtLineEnd() ? nullptr : _expressions.expression()}};
+    if (_tokens.accept("return")) return Return{_expressions.expression()};
+    if (_tokens.accept("set")) return set();
+    if (_tokens.accept("write")) {
+      ExpressionPtr data = _expressions.expression();
+      _tokens.expect({"to"});
+      return Write{std::move(data), _expressions.reference()};
     }
-    if (_tokens.accept("error")) return raise();
-    if (_tokens.accept("copy")) {
-      ExpressionPtr value = _expressions.expression();
-      _tokens.expect("to");
-      return {Set{target(), std::move(value)}};
+    if (_tokens.accept({"close", "access"})) return CloseAccess{_expressions.reference()};
+    if (const auto command = _expressions.acceptTerm<Command>()) {
+      return Perform{_expressions.application.value(), *command};
     }
-    const bool isCommand = _tokens.peek(1).isWord("volume") || _tokens.peek(1).isWord("eof");
-    if (!isCommand && _tokens.accept("set")) {
-      ExpressionPtr place = target();
-      _tokens.expect("to");
-      return {Set{std::move(place), _expressions.expression()}};
-    }
-    return {Evaluate{_expressions.expression()}};
+    return Evaluate{_expressions.expression()};
   }
 
-  /// What can be set: a property or a variable.
-  ExpressionPtr target() {
-    const Token first = _tokens.peek();
-    ExpressionPtr place = _expressions.reference();
-    if (const auto* variable = std::get_if<Variable>(&place->content)) {
-      _expressions.isSet(variable->name);
-    } else if (!std::holds_alternative<PropertyOf>(place->content)) {
-      throw ScriptError{kSyntax,
-                        "Expected variable name or property but found “" + first.text + "”.", "",
-                        first.start, first.end};
+  Statement::Content set() {
+    if (_tokens.accept({"volume", "output", "volume"})) {
+      return SetVolume{_expressions.expression(), nullptr};
     }
-    return place;
+    if (_tokens.accept({"volume", "output", "muted"})) {
+      return SetVolume{nullptr, _expressions.expression()};
+    }
+    if (_tokens.accept("eof")) {
+      ExpressionPtr file = _expressions.reference();
+      return SetEof{std::move(file), valueToSet()};
+    }
+    if (const auto property = _expressions.acceptTerm<Property>()) {
+      return SetProperty{*property, valueToSet()};
+    }
+    std::string name = _expressions.variableToSet();
+    return SetVariable{std::move(name), valueToSet()};
   }
 
-  Statement tell() {
-    ExpressionPtr target = _expressions.reference();
-    const auto outer = _expressions.application;
-    if (const auto* named = std::get_if<ApplicationNamed>(&target->content)) {
-      _expressions.application = applicationNamed(named->name);
-      if (!_expressions.application) failToFind(*named, *target);
-    }
+  ExpressionPtr valueToSet() {
+    _tokens.expect({"to"});
+    return _expressions.expression();
+  }
+
+  Statement::Content tell() {
+    _tokens.expect({"application"});
+    const Application application = this->application();
+    const auto outer = std::exchange(_expressions.application, application);
     Block body;
     if (_tokens.accept("to")) {
       body.push_back(statement());
     } else {
       body = lines();
-      end("tell");
+      _tokens.expect({"end", "tell"});
     }
     _expressions.application = outer;
-    return {Tell{std::move(target), std::move(body)}};
+    return Tell{application, std::move(body)};
   }
 
-  /// Nobody knows the terms of an application that is not there.
-  [[noreturn]] static void failToFind(const ApplicationNamed& named, const Expression& at) {
-    throw ScriptError{kNotFound, "Can’t get application \"" + named.name + "\".", "", at.start,
-                      at.end};
-  }
-
-  /// A block that begins on the next line.
-  Block lines() {
-    if (_tokens.peek().kind != Token::Kind::lineEnd) _tokens.fail("end of line");
-    return block();
-  }
-
-  Statement attempt() {
-    Try attempt{.body = lines(), .message = {}, .number = {}, .handler = {}};
-    if (_tokens.accept({"on", "error"})) {
-      const auto hasName = [this] {
-        return !_tokens.isAtLineEnd() && !_tokens.peek().isWord("number");
-      };
-      if (hasName()) attempt.message = _expressions.variableToSet();
-      if (_tokens.accept("number")) attempt.number = _expressions.variableToSet();
-      attempt.handler = lines();
+  Application application() {
+    const Token& token = _tokens.peek();
+    const auto* name = token.value.getIf<std::string>();
+    if (name == nullptr) _tokens.fail();
+    const auto application = applicationNamed(*name);
+    // nobody knows the terms of an application that is not there
+    if (!application) {
+      throw ScriptError{kNotFound, "Can’t get application \"" + *name + "\".", "", token.start,
+                        token.end};
     }
-    _tokens.expect("end");
-    if (!_tokens.accept("try")) _tokens.accept("error");
-    return {std::move(attempt)};
+    _tokens.take();
+    return *application;
   }
 
-  Statement choice() {
-    If choice;
-    ExpressionPtr condition = _expressions.expression();
-    _tokens.accept("then");
-    if (!_tokens.isAtLineEnd()) {
-      Block only;
-      only.push_back(statement());
-      choice.branches.emplace_back(std::move(condition), std::move(only));
-      return {std::move(choice)};
-    }
-    choice.branches.emplace_back(std::move(condition), lines());
-    while (_tokens.accept("else")) {
-      if (!_tokens.accept("if")) {
-        choice.otherwise = lines();
-        break;
-      }
-      condition = _expressions.expression();
-      _tokens.accept("then");
-      choice.branches.emplace_back(std::move(condition), lines());
-    }
-    end("if");
-    return {std::move(choice)};
+  Statement::Content attempt() {
+    Try attempt{.body = lines(), .handler = {}};
+    if (_tokens.accept({"on", "error"})) attempt.handler = lines();
+    _tokens.expect({"end", "try"});
+    return attempt;
   }
 
-  Statement raise() {
-    Raise raise;
-    if (!_tokens.isAtLineEnd() && !_tokens.peek().isWord("number")) {
-      raise.message = _expressions.expression();
-    }
-    if (_tokens.accept("number")) raise.number = _expressions.expression();
-    return {std::move(raise)};
+  Statement::Content choice() {
+    If choice{.condition = _expressions.expression(), .body = {}};
+    _tokens.expect({"then"});
+    choice.body.push_back(statement());
+    return choice;
   }
 
   Tokens _tokens;

@@ -2,9 +2,7 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -21,14 +19,9 @@ struct Literal {
 struct Variable {
   std::string name;
 };
-/// What the innermost `tell` addresses.
-struct It {};
-struct ApplicationNamed {
-  std::string name;
-};
 struct PropertyOf {
   Property property;
-  /// Null: of what the innermost `tell` addresses.
+  /// Null: of the application that the innermost `tell` addresses.
   ExpressionPtr owner;
 };
 struct ElementOf {
@@ -37,60 +30,60 @@ struct ElementOf {
   ExpressionPtr owner;
 };
 
-enum class UnaryOperator { negate, logicalNot, exists };
+enum class UnaryOperator { logicalNot, exists };
 struct Unary {
   UnaryOperator operation;
   ExpressionPtr operand;
 };
 
-enum class BinaryOperator {
-  add,
-  subtract,
-  multiply,
-  divide,
-  wholeDivide,
-  remainder,
-  power,
-  concatenate,
-  equal,
-  notEqual,
-  less,
-  lessOrEqual,
-  greater,
-  greaterOrEqual,
-  contains,
-  startsWith,
-  endsWith,
-  logicalAnd,
-  logicalOr
-};
+enum class BinaryOperator { add, subtract, concatenate, equal };
 struct Binary {
   BinaryOperator operation;
   ExpressionPtr left;
   ExpressionPtr right;
 };
 
-struct Coercion {
+struct AsText {
   ExpressionPtr operand;
-  Type type;
 };
 struct PosixFile {
   ExpressionPtr path;
 };
+struct GetVolumeSettings {};
+/// For writing.
+struct OpenForAccess {
+  ExpressionPtr file;
+};
 
-// Commands.
+struct Expression {
+  std::variant<Literal, Variable, PropertyOf, ElementOf, Unary, Binary, AsText, PosixFile,
+               GetVolumeSettings, OpenForAccess>
+      content;
+};
+
+struct Statement;
+using Block = std::vector<Statement>;
+
+struct Evaluate {
+  ExpressionPtr value;
+};
 struct Perform {
   Application application;
   Command command;
 };
-struct GetVolumeSettings {};
+struct SetVariable {
+  std::string name;
+  ExpressionPtr value;
+};
+/// Of the application that the innermost `tell` addresses.
+struct SetProperty {
+  Property property;
+  ExpressionPtr value;
+};
+/// Either may be null.
 struct SetVolume {
   ExpressionPtr level;
   ExpressionPtr muted;
-};
-struct OpenForAccess {
-  ExpressionPtr file;
-  bool forWriting;
 };
 struct SetEof {
   ExpressionPtr file;
@@ -103,58 +96,30 @@ struct Write {
 struct CloseAccess {
   ExpressionPtr file;
 };
-struct Delay {
-  ExpressionPtr seconds;
-};
-
-struct Expression {
-  std::variant<Literal, Variable, It, ApplicationNamed, PropertyOf, ElementOf, Unary, Binary,
-               Coercion, PosixFile, Perform, GetVolumeSettings, SetVolume, OpenForAccess, SetEof,
-               Write, CloseAccess, Delay>
-      content;
-  /// In characters from the start of the source.
-  size_t start = 0;
-  size_t end = 0;
-  /// How many expressions stand within one another, this one included.
-  int depth = 1;
-};
-
-struct Statement;
-using Block = std::vector<Statement>;
-
-struct Evaluate {
-  ExpressionPtr value;
-};
-struct Set {
-  ExpressionPtr target;
-  ExpressionPtr value;
-};
 struct Return {
-  /// Null: nothing.
   ExpressionPtr value;
-};
-struct Raise {
-  ExpressionPtr message;
-  ExpressionPtr number;
 };
 struct Tell {
-  ExpressionPtr target;
+  Application application;
   Block body;
 };
 struct Try {
   Block body;
-  /// Names of the variables that get the error; empty for none.
-  std::string message;
-  std::string number;
   Block handler;
 };
 struct If {
-  std::vector<std::pair<ExpressionPtr, Block>> branches;
-  Block otherwise;
+  ExpressionPtr condition;
+  Block body;
 };
 
 struct Statement {
-  std::variant<Evaluate, Set, Return, Raise, Tell, Try, If> content;
+  using Content = std::variant<Evaluate, Perform, SetVariable, SetProperty, SetVolume, SetEof,
+                               Write, CloseAccess, Return, Tell, Try, If>;
+
+  Content content;
+  /// In characters from the start of the source.
+  size_t start = 0;
+  size_t end = 0;
 };
 
 }  // namespace tapdeck::applescript

@@ -12,12 +12,9 @@ namespace {
 // wrong here too.
 
 constexpr Term kCommon[] = {
-    {"alert volume", Property::alertVolume},
-    {"input volume", Property::inputVolume},
     {"name", Property::name},
     {"output muted", Property::outputMuted},
     {"output volume", Property::outputVolume},
-    {"running", Property::running},
 };
 
 // Of both Music and Spotify.
@@ -27,9 +24,7 @@ constexpr Term kPlayer[] = {
     {"current track", Property::currentTrack},
     {"duration", Property::duration},
     {"next track", Command::next},
-    {"pause", Command::pause},
     {"paused", Constant::paused},
-    {"play", Command::play},
     {"player position", Property::playerPosition},
     {"player state", Property::playerState},
     {"playing", Constant::playing},
@@ -42,7 +37,6 @@ constexpr Term kMusic[] = {
     {"artwork", Element::artwork},
     {"persistent id", Property::persistentId},
     {"raw data", Property::rawData},
-    {"stop", Command::stop},
 };
 
 constexpr Term kSpotify[] = {
@@ -60,7 +54,6 @@ constexpr Term kVlc[] = {
     {"play", Command::playPause},
     {"playing", Property::isPlaying},
     {"previous", Command::previous},
-    {"stop", Command::stop},
 };
 
 constexpr Term kSystemEvents[] = {

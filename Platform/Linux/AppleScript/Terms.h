@@ -12,7 +12,6 @@ enum class Application { music, spotify, vlc, systemEvents };
 
 enum class Property {
   album,
-  alertVolume,
   artist,
   artworkUrl,
   currentItem,
@@ -20,7 +19,6 @@ enum class Property {
   currentTrack,
   duration,
   id,
-  inputVolume,
   isPlaying,
   name,
   outputMuted,
@@ -29,11 +27,10 @@ enum class Property {
   persistentId,
   playerPosition,
   playerState,
-  rawData,
-  running
+  rawData
 };
 
-enum class Command { next, pause, play, playPause, previous, restart, shutDown, sleep, stop };
+enum class Command { next, playPause, previous, restart, shutDown, sleep };
 
 enum class Constant { paused, playing, stopped };
 
@@ -49,7 +46,7 @@ struct Term {
 };
 
 /// No term has more words.
-constexpr size_t kMostWords = 3;
+constexpr size_t kMaxWords = 3;
 
 /// Case is ignored; absent for an application that is unknown here.
 std::optional<Application> applicationNamed(std::string_view name);

@@ -4,7 +4,6 @@
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "Platform/Linux/AppleScript/Lexer.h"
@@ -48,13 +47,13 @@ class Tokens {
     take();
     return true;
   }
-  void expect(std::string_view word) {
-    if (!accept(word)) fail("“" + std::string(word) + "”");
+  void expect(std::initializer_list<std::string_view> words) {
+    if (!accept(words)) fail();
   }
 
-  /// The program is none, because this should have come next.
-  [[noreturn]] void fail(const std::string& expected) const {
-    throw ScriptError{kSyntax, "Expected " + expected + " but found " + describe(peek()) + ".", "",
+  /// The program is none for this interpreter, because of the next token.
+  [[noreturn]] void fail() const {
+    throw ScriptError{kSyntax, "This interpreter does not know " + describe(peek()) + ".", "",
                       peek().start, peek().end};
   }
 
@@ -62,15 +61,13 @@ class Tokens {
   static std::string describe(const Token& token) {
     switch (token.kind) {
       case Token::Kind::lineEnd:
-        return "end of line";
+        return "what this line begins";
       case Token::Kind::end:
-        return "end of script";
+        return "what this script begins";
       case Token::Kind::literal:
-        return token.value.getIf<std::string>() != nullptr ? "text" : "number";
-      case Token::Kind::identifier:
-        return "identifier";
+        return token.value.getIf<std::string>() != nullptr ? "a text here" : "a number here";
       default:
-        return "“" + token.text + "”";
+        return "“" + token.text + "” here";
     }
   }
 

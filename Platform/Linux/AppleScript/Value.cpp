@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <optional>
 
 namespace tapdeck::applescript {
 namespace {
@@ -11,22 +10,6 @@ namespace {
 /// Reals are written with an exponent from here on, and up to its counterpart.
 constexpr double kLongReal = 10000;
 constexpr double kShortReal = 0.0001;
-
-std::string_view nameOf(Type type) {
-  switch (type) {
-    case Type::text:
-      return "text";
-    case Type::integer:
-      return "integer";
-    case Type::real:
-      return "real";
-    case Type::number:
-      return "number";
-    case Type::boolean:
-      return "boolean";
-  }
-  return "";
-}
 
 template <typename... Form>
 std::string written(double number, Form... form) {
@@ -99,35 +82,8 @@ struct Display {
   }
 };
 
-[[noreturn]] void fail(const Value& value, Type type) {
-  throw ScriptError{kCannotCoerce,
-                    "Can’t make " + quoted(value) + " into type " + std::string(nameOf(type)) + ".",
-                    ""};
-}
-
-template <typename Number>
-std::optional<Number> read(std::string_view text) {
-  Number number{};
-  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool isWhole = error == std::errc() && end == text.data() + text.size();
-  return isWhole ? std::optional(number) : std::nullopt;
-}
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kBlank = " \t\r\n";
-  const size_t start = text.find_first_not_of(kBlank);
-  if (start == std::string_view::npos) return {};
-  return text.substr(start, text.find_last_not_of(kBlank) + 1 - start);
-}
-
-Value toNumber(const Value& value, Type type) {
-  if (value.getIf<int64_t>() != nullptr || value.getIf<double>() != nullptr) return value;
-  if (const auto* text = value.getIf<std::string>()) {
-    if (const auto integer = read<int64_t>(trimmed(*text))) return *integer;
-    if (const auto real = read<double>(trimmed(*text))) return *real;
-  }
-  fail(value, type);
+[[noreturn]] void fail(const Value& value, const std::string& kind) {
+  throw ScriptError{kCannotCoerce, "Can’t make " + quoted(value) + " into type " + kind + ".", ""};
 }
 
 }  // namespace
@@ -142,50 +98,29 @@ std::string quoted(const Value& value) {
   return value.getIf<std::string>() != nullptr ? "\"" + display(value) + "\"" : display(value);
 }
 
-Value coerce(const Value& value, Type type) {
-  switch (type) {
-    case Type::text:
-      return asText(value);
-    case Type::integer:
-      return asInteger(value);
-    case Type::real:
-      return asReal(value);
-    case Type::number:
-      return toNumber(value, Type::number);
-    case Type::boolean:
-      return asBoolean(value);
-  }
-  return value;
-}
-
 std::string asText(const Value& value) {
   const bool hasText = value.getIf<Nothing>() == nullptr && value.getIf<Data>() == nullptr &&
                        value.getIf<Object>() == nullptr && value.getIf<Record>() == nullptr;
-  if (!hasText) fail(value, Type::text);
+  if (!hasText) fail(value, "text");
   return display(value);
 }
 
 double asReal(const Value& value) {
-  const Value number = toNumber(value, Type::real);
-  const auto* integer = number.getIf<int64_t>();
-  return integer != nullptr ? static_cast<double>(*integer) : *number.getIf<double>();
+  if (const auto* integer = value.getIf<int64_t>()) return static_cast<double>(*integer);
+  if (const auto* real = value.getIf<double>()) return *real;
+  fail(value, "number");
 }
 
 int64_t asInteger(const Value& value) {
   constexpr double kBound = 9007199254740992.0;  // integers are exact in a real up to here
-  const Value number = toNumber(value, Type::integer);
-  if (const auto* integer = number.getIf<int64_t>()) return *integer;
-  const double rounded = std::nearbyint(*number.getIf<double>());
-  if (!(std::abs(rounded) <= kBound)) fail(value, Type::integer);
+  const double rounded = std::nearbyint(asReal(value));
+  if (!(std::abs(rounded) <= kBound)) fail(value, "integer");
   return static_cast<int64_t>(rounded);
 }
 
 bool asBoolean(const Value& value) {
   if (const auto* truth = value.getIf<bool>()) return *truth;
-  if (const auto* text = value.getIf<std::string>()) {
-    if (*text == "true" || *text == "false") return *text == "true";
-  }
-  fail(value, Type::boolean);
+  fail(value, "boolean");
 }
 
 }  // namespace tapdeck::applescript

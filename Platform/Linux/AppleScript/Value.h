@@ -51,8 +51,6 @@ struct Record {
   bool operator==(const Record&) const;
 };
 
-enum class Type { text, integer, real, number, boolean };
-
 class Value : public std::variant<Nothing, Missing, bool, int64_t, double, std::string, Constant,
                                   Data, File, Object, Record> {
  public:
@@ -83,8 +81,6 @@ constexpr int kEventFailed = -10000;
 constexpr int kCannotSet = -10006;
 constexpr int kSyntax = -2741;
 constexpr int kNotDefined = -2753;
-constexpr int kScriptsOwn = -2700;
-constexpr int kDivisionByZero = -2701;
 constexpr int kOutOfMemory = -108;
 constexpr int kTooDeep = -2706;
 
@@ -93,8 +89,10 @@ std::string display(const Value& value);
 /// For messages: texts in quotes.
 std::string quoted(const Value& value);
 
-/// `as`: throws ScriptError (-1700) when there is no such form of the value.
-Value coerce(const Value& value, Type type);
+/// Integers beyond are reals.
+constexpr int64_t kMaxInteger = 536870911;
+
+// What a value is as another kind; throw ScriptError (-1700) when it is none.
 std::string asText(const Value& value);
 double asReal(const Value& value);
 int64_t asInteger(const Value& value);

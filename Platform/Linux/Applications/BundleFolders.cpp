@@ -26,17 +26,22 @@ Bundles& known() {
   return bundles;
 }
 
-/// Applications of the same name are told apart by their ids.
-void update() {
+/// The entry's name where no other has it, else with its id behind, as often as it takes.
+std::string uniqueName(const DesktopEntry& entry, std::set<std::string>& taken) {
   constexpr std::string_view suffix = ".desktop";
+  std::string name = entry.name;
+  while (!taken.insert(name).second) {
+    name += " (" + entry.id.substr(0, entry.id.size() - suffix.size()) + ")";
+  }
+  return name;
+}
+
+void update() {
   Bundles bundles;
   std::set<std::string> names;
   for (const auto& entry : DesktopEntries::current().all()) {
     if (!entry->isShown) continue;
-    std::string name = entry->name;
-    if (!names.insert(name).second) {
-      name += " (" + entry->id.substr(0, entry->id.size() - suffix.size()) + ")";
-    }
+    const std::string name = uniqueName(*entry, names);
     bundles[(entry->isUsers ? userFolder() : kSystemFolder) + "/" + name + ".app"] = entry->id;
   }
   known() = std::move(bundles);

@@ -95,10 +95,12 @@ const DesktopEntry* DesktopEntries::ofWindowClass(std::string_view instance,
                                                   std::string_view className) const {
   const std::initializer_list<std::string_view> texts = {instance, className};
   for (const std::string_view text : texts) {
+    if (text.empty()) continue;
     const auto* found = best(_all, [&](const auto& each) { return isWindowClassOf(each, text); });
     if (found != nullptr) return found;
   }
   for (const std::string_view text : texts) {
+    if (text.empty()) continue;
     const std::string id = std::string(text) + ".desktop";
     const auto* found =
         best(_all, [&](const auto& each) { return isSameIgnoringCase(each.id, id); });

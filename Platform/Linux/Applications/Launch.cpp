@@ -5,6 +5,9 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
 
 namespace tapdeck::applications {
 namespace {
@@ -43,17 +46,58 @@ struct NullDevice {
   const int descriptor;
 };
 
-}  // namespace
+/// Takes the error; null for none.
+void tellFailure(const std::string& id, GError* error) {
+  if (const Error failure{error}) {
+    std::fprintf(stderr, "tapdeck: %s cannot be started: %s\n", id.c_str(), failure->message);
+  }
+}
 
-void launch(const DesktopEntry& entry) {
+/// What is typed in the host's terminal, such as Control-C, is not for what it has started.
+void leaveSession(gpointer) {
+  setsid();
+}
+
+void launchProgram(const DesktopEntry& entry) {
   GError* error = nullptr;
   // what an application says belongs neither into the host's output nor keeps it open
   const NullDevice null;
   g_desktop_app_info_launch_uris_as_manager_with_fds(
-      entry.info.get(), nullptr, launchContext().get(), G_SPAWN_SEARCH_PATH, nullptr, nullptr,
+      entry.info.get(), nullptr, launchContext().get(), G_SPAWN_SEARCH_PATH, leaveSession, nullptr,
       nullptr, nullptr, null.descriptor, null.descriptor, null.descriptor, &error);
-  if (const Error failure{error}) {
-    std::fprintf(stderr, "tapdeck: %s cannot be started: %s\n", entry.id.c_str(), failure->message);
+  tellFailure(entry.id, error);
+}
+
+/// By D-Bus activation, as the Desktop Entry standard has it for "DBusActivatable".
+bool isStartedByBus(const DesktopEntry& entry) {
+  const std::string name = std::filesystem::path(entry.path).stem();
+  return g_desktop_app_info_get_boolean(entry.info.get(), "DBusActivatable") != FALSE &&
+         g_dbus_is_interface_name(name.c_str()) != FALSE;
+}
+
+void finishLaunch(GObject* info, GAsyncResult* result, gpointer data) {
+  const std::unique_ptr<std::string> id(static_cast<std::string*>(data));
+  GError* error = nullptr;
+  g_app_info_launch_uris_finish(G_APP_INFO(info), result, &error);
+  tellFailure(*id, error);
+}
+
+void launchByBus(const DesktopEntry& entry) {
+  // GLib takes a context without a startup notification for a mistake once the launch has failed
+  const bool isNotified =
+      g_desktop_app_info_get_boolean(entry.info.get(), "StartupNotify") != FALSE;
+  const auto context = isNotified ? launchContext() : nullptr;
+  g_app_info_launch_uris_async(G_APP_INFO(entry.info.get()), nullptr, context.get(), nullptr,
+                               finishLaunch, new std::string(entry.id));
+}
+
+}  // namespace
+
+void launch(const DesktopEntry& entry) {
+  if (isStartedByBus(entry)) {
+    launchByBus(entry);
+  } else {
+    launchProgram(entry);
   }
 }
 

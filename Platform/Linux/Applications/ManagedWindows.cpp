@@ -61,7 +61,9 @@ std::vector<ManagedWindow> managedWindows() {
 
 const DesktopEntry* entryOf(const ManagedWindow& window, const DesktopEntries& entries) {
   if (const auto* hinted = entries.atPath(window.desktopFileHint)) return hinted;
-  if (const auto* named = entries.withId(window.gtkApplicationId + ".desktop")) return named;
+  if (!window.gtkApplicationId.empty()) {
+    if (const auto* named = entries.withId(window.gtkApplicationId + ".desktop")) return named;
+  }
   return entries.ofWindowClass(window.instance, window.className);
 }
 

@@ -1,10 +1,7 @@
 #include "Platform/Applications.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <ranges>
-#include <utility>
 
 #include "Platform/Linux/Applications/BundleFolders.h"
 #include "Platform/Linux/Applications/DesktopEntries.h"
@@ -34,11 +31,9 @@ std::optional<ManagedWindow> frontWindow(const DesktopEntry& entry, const Deskto
   return found != windows.rend() ? std::optional(*found) : std::nullopt;
 }
 
-bool isMainThread() {
-  return gettid() == getpid();
-}
+}  // namespace
 
-std::vector<RunningApplication> applicationsWithWindows() {
+std::vector<RunningApplication> runningApplications() {
   const DesktopEntries& entries = DesktopEntries::current();
   std::vector<RunningApplication> all;
   for (const ManagedWindow& window : managedWindows()) {
@@ -53,19 +48,9 @@ std::vector<RunningApplication> applicationsWithWindows() {
   return all;
 }
 
-}  // namespace
-
-std::vector<RunningApplication> runningApplications() {
-  // windows and desktop entries are the main thread's
-  auto all = isMainThread() ? applicationsWithWindows() : std::vector<RunningApplication>();
-  for (auto& player : applescript::runningPlayers()) {
-    // without an identifier, as whoever it is may stand among the others under its own
-    all.push_back({.activationPolicy = ActivationPolicy::accessory,
-                   .bundleIdentifier = std::nullopt,
-                   .localizedName = std::move(player),
-                   .processIdentifier = -1});
-  }
-  return all;
+std::vector<std::string> runningApplicationNames() {
+  // windows and desktop entries are the main thread's, so it is only those that scripts know
+  return applescript::runningPlayers();
 }
 
 std::optional<RunningApplication> frontmostApplication() {

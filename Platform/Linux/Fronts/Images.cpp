@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "Platform/Linux/Applications/IconImage.h"
+#include "Platform/Linux/Fronts/PictureDecoding.h"
 #include "Platform/Linux/Support/GObjects.h"
 
 namespace tapdeck::platform {
@@ -27,20 +29,23 @@ struct Bitmap {
 
 namespace {
 
-/// A device or a pipe could keep its reader waiting for ever.
-bool canBeRead(GIcon* icon) {
-  if (G_IS_FILE_ICON(icon) == FALSE) return true;
-  GFile* file = g_file_icon_get_file(G_FILE_ICON(icon));
-  return g_file_query_file_type(file, G_FILE_QUERY_INFO_NONE, nullptr) == G_FILE_TYPE_REGULAR;
+Object<GdkPixbuf> loadFile(GFileIcon* icon, int side) {
+  const std::unique_ptr<char, decltype(&g_free)> path(g_file_get_path(g_file_icon_get_file(icon)),
+                                                      g_free);
+  return path != nullptr ? decodeIconFile(path.get(), side) : nullptr;
 }
 
 /// The icon as the desktop's icon theme has it at this size, made of vectors where it offers them;
 /// null when there is none or its file holds no image.
 Object<GdkPixbuf> load(GIcon* icon, int side) {
-  if (icon == nullptr || !canBeRead(icon)) return nullptr;
+  if (icon == nullptr) return nullptr;
+  if (G_IS_FILE_ICON(icon) != FALSE) return loadFile(G_FILE_ICON(icon), side);
   const Object<GtkIconInfo> info(gtk_icon_theme_lookup_by_gicon(gtk_icon_theme_get_default(), icon,
                                                                 side, GTK_ICON_LOOKUP_FORCE_SIZE));
   if (info == nullptr) return nullptr;
+  const char* path = gtk_icon_info_get_filename(info.get());
+  if (path != nullptr) return decodeIconFile(path, side);
+  // one of GTK's own, which are no files
   return Object<GdkPixbuf>(gtk_icon_info_load_icon(info.get(), nullptr));
 }
 
@@ -94,12 +99,6 @@ void stretch(const GdkPixbuf* picture, CGRect part, Bitmap& bitmap) {
   bitmap.isDrawn = true;
 }
 
-/// Keeps the loader from making room for pictures that no cover needs: no size is an error to it.
-void refuseHugePicture(GdkPixbufLoader* loader, int width, int height, gpointer) {
-  constexpr int64_t mostPixels = 40'000'000;
-  if (int64_t{width} * height > mostPixels) gdk_pixbuf_loader_set_size(loader, 0, 0);
-}
-
 std::optional<std::vector<uint8_t>> encoded(const Bitmap& bitmap, const char* type,
                                             const char* option, const std::string& value) {
   // nothing at all is no image
@@ -128,16 +127,9 @@ std::shared_ptr<const Image> iconOfFile(const std::string& path) {
 }
 
 std::shared_ptr<const Image> imageFromData(const std::vector<uint8_t>& bytes) {
-  if (bytes.empty()) return nullptr;
-  const Object<GdkPixbufLoader> loader(gdk_pixbuf_loader_new());
-  g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(refuseHugePicture), nullptr);
-  const bool isTaken =
-      gdk_pixbuf_loader_write(loader.get(), bytes.data(), bytes.size(), nullptr) != FALSE;
-  const bool isWhole = gdk_pixbuf_loader_close(loader.get(), nullptr) != FALSE;
-  GdkPixbuf* picture = isTaken && isWhole ? gdk_pixbuf_loader_get_pixbuf(loader.get()) : nullptr;
+  auto picture = decodePicture({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
   if (picture == nullptr) return nullptr;
-  g_object_ref(picture);
-  return std::make_shared<const Image>(Image{nullptr, Object<GdkPixbuf>(picture)});
+  return std::make_shared<const Image>(Image{nullptr, std::move(picture)});
 }
 
 CGSize sizeOf(const Image& image) {

@@ -4,10 +4,19 @@
 
 namespace tapdeck::platform {
 
+namespace {
+
+/// With its length, as the text may hold a NUL.
+GLogField messageField(const std::string& text) {
+  return {"MESSAGE", text.data(), static_cast<gssize>(text.size())};
+}
+
+}  // namespace
+
 void logError(const char* subsystem, const char* category, const std::string& message) {
   // GLib hands it to the journal where standard error leads there, and else writes a line to it
   const GLogField fields[] = {
-      {"MESSAGE", message.c_str(), -1},
+      messageField(message),
       {"PRIORITY", "3", -1},  // syslog's LOG_ERR
       {"GLIB_DOMAIN", subsystem, -1},
       {"TAPDECK_CATEGORY", category, -1},
@@ -17,7 +26,7 @@ void logError(const char* subsystem, const char* category, const std::string& me
 
 void logLine(const std::string& line) {
   const GLogField fields[] = {
-      {"MESSAGE", line.c_str(), -1},
+      messageField(line),
       {"PRIORITY", "5", -1},  // syslog's LOG_NOTICE
       {"GLIB_DOMAIN", "tapdeck", -1},
   };

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "Platform/Linux/Interpreter/SystemDesktop.h"
+#include "Platform/Linux/Media/Power.h"
 
 namespace {
 
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
     source += argv[word + 1];
   }
   const auto [text, error] = tapdeck::applescript::runOnThisMachine(source);
+  tapdeck::applescript::finishPowerRequests();
   if (error) {
     report(*error);
     return EXIT_FAILURE;

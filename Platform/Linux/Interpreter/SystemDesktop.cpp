@@ -1,8 +1,8 @@
 #include "Platform/Linux/Interpreter/SystemDesktop.h"
 
-#include "Platform/Linux/AppleScript/Value.h"
 #include "Platform/Linux/Media/Pictures.h"
 #include "Platform/Linux/Media/Players.h"
+#include "Platform/Linux/Media/Power.h"
 #include "Platform/Linux/Media/SoundOutput.h"
 
 namespace tapdeck::applescript {
@@ -24,15 +24,7 @@ void SystemDesktop::setVolume(const Volume& volume) {
 }
 
 void SystemDesktop::power(Command command) {
-  const char* method = command == Command::sleep      ? "Suspend"
-                       : command == Command::shutDown ? "PowerOff"
-                                                      : "Reboot";
-  const auto bus = Bus::connect(G_BUS_TYPE_SYSTEM);
-  if (!bus) throw ScriptError{kNotRunning, "Application isn’t running.", ""};
-  // the user may be asked for a password
-  constexpr gboolean kIsInteractive = TRUE;
-  bus->call("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager",
-            method, g_variant_new("(b)", kIsInteractive), "()");
+  requestPower(command);
 }
 
 std::string SystemDesktop::picture(const std::string& url) {

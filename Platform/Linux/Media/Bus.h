@@ -47,6 +47,11 @@ class Bus {
   /// Absent when there is no such bus or it does not answer. None is started.
   static std::optional<Bus> connect(GBusType type);
 
+  /// Owned by this.
+  GDBusConnection* connection() const { return _connection.get(); }
+  /// Whether the other side has gone.
+  bool isClosed() const { return g_dbus_connection_is_closed(_connection.get()) != FALSE; }
+
   /// The names on the bus, in order; none when it does not answer.
   std::vector<std::string> names() const;
 

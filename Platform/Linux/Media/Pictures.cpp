@@ -54,25 +54,13 @@ class Descriptor {
   int _descriptor;
 };
 
-std::string readFile(const std::string& url) {
+std::string readFileUrl(const std::string& url) {
   char* host = nullptr;
   const Text path(g_filename_from_uri(url.c_str(), &host, nullptr), g_free);
   const Text owned(host, g_free);
   const bool isHere = path != nullptr && (host == nullptr || g_str_equal(host, "localhost"));
   if (!isHere) fail("The picture’s file is not on this machine.");
-  // a pipe would never end, and to open one may wait for ever
-  const Descriptor file(open(path.get(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  struct stat state {};
-  if (file.get() < 0 || fstat(file.get(), &state) != 0 || !S_ISREG(state.st_mode)) {
-    fail("The picture’s file cannot be read.");
-  }
-  return readAll([&file](char* buffer, size_t size) {
-    ssize_t count = 0;
-    do {
-      count = read(file.get(), buffer, size);
-    } while (count < 0 && errno == EINTR);
-    return count;
-  });
+  return readPictureFile(path.get());
 }
 
 /// RFC 2397.
@@ -111,10 +99,26 @@ std::string download(const std::string& url) {
 
 }  // namespace
 
+std::string readPictureFile(const std::string& path) {
+  // a pipe would never end, and to open one may wait for ever
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  struct stat state {};
+  if (file.get() < 0 || fstat(file.get(), &state) != 0 || !S_ISREG(state.st_mode)) {
+    fail("The picture’s file cannot be read.");
+  }
+  return readAll([&file](char* buffer, size_t size) {
+    ssize_t count = 0;
+    do {
+      count = read(file.get(), buffer, size);
+    } while (count < 0 && errno == EINTR);
+    return count;
+  });
+}
+
 std::string readPicture(const std::string& url) {
-  const Text name(g_uri_parse_scheme(url.c_str()), g_free);
-  const std::string_view scheme = name != nullptr ? name.get() : "";
-  if (scheme == "file") return readFile(url);
+  const char* name = g_uri_peek_scheme(url.c_str());  // in lower case
+  const std::string_view scheme = name != nullptr ? name : "";
+  if (scheme == "file") return readFileUrl(url);
   if (scheme == "data") return readData(url);
   if (scheme == "http" || scheme == "https") return download(url);
   fail("The picture’s address is of no known kind.");

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -13,6 +14,7 @@ namespace {
 
 constexpr const char* kPath = "/org/mpris/MediaPlayer2";
 constexpr const char* kInterface = "org.mpris.MediaPlayer2.Player";
+constexpr std::string_view kPlaying = "Playing";
 constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
 
 /// Whose player bears this name on the bus; absent for what is no player of its own.
@@ -76,8 +78,16 @@ std::optional<int64_t> microseconds(GVariant* dictionary, const char* key) {
 }
 
 Constant statusOf(std::string_view word) {
-  if (word == "Playing") return Constant::playing;
+  if (word == kPlaying) return Constant::playing;
   return word == "Paused" ? Constant::paused : Constant::stopped;
+}
+
+/// Absent for what no track is that long: players give all sorts of largest numbers for streams
+/// without an end.
+std::optional<int64_t> lengthOf(GVariant* metadata) {
+  constexpr int64_t kMaxLength = int64_t{7} * 24 * 3600 * 1'000'000;
+  const auto length = microseconds(metadata, "mpris:length");
+  return length && *length <= kMaxLength ? length : std::nullopt;
 }
 
 std::optional<Track> trackOf(GVariant* metadata) {
@@ -87,27 +97,15 @@ std::optional<Track> trackOf(GVariant* metadata) {
               .id = text(metadata, "mpris:trackid"),
               .url = text(metadata, "xesam:url"),
               .artUrl = text(metadata, "mpris:artUrl"),
-              .length = microseconds(metadata, "mpris:length")};
+              .length = lengthOf(metadata)};
   const bool isThere =
       !track.title.empty() || !track.url.empty() || (!track.id.empty() && track.id != kNoTrack);
   return isThere ? std::optional(std::move(track)) : std::nullopt;
 }
 
 const char* methodOf(Command command) {
-  switch (command) {
-    case Command::next:
-      return "Next";
-    case Command::previous:
-      return "Previous";
-    case Command::play:
-      return "Play";
-    case Command::pause:
-      return "Pause";
-    case Command::playPause:
-      return "PlayPause";
-    default:
-      return "Stop";
-  }
+  if (command == Command::next) return "Next";
+  return command == Command::previous ? "Previous" : "PlayPause";
 }
 
 class BusPlayer : public Player {
@@ -163,15 +161,24 @@ class BusPlayer : public Player {
 };
 
 size_t rank(std::string_view status) {
-  constexpr std::array<std::string_view, 3> kOrder{"Playing", "Paused", "Stopped"};
+  constexpr std::array<std::string_view, 3> kOrder{kPlaying, "Paused", "Stopped"};
   return static_cast<size_t>(std::ranges::find(kOrder, status) - kOrder.begin());
+}
+
+/// The session bus, kept from one look to the next.
+std::optional<Bus> sessionBus() {
+  static std::mutex mutex;
+  static std::optional<Bus> bus;
+  const std::lock_guard lock(mutex);
+  if (!bus || bus->isClosed()) bus = Bus::connect(G_BUS_TYPE_SESSION);
+  return bus;
 }
 
 }  // namespace
 
 std::vector<std::string> runningPlayers() {
   std::vector<std::string> players;
-  const auto bus = Bus::connect(G_BUS_TYPE_SESSION);
+  const auto bus = sessionBus();
   if (!bus) return players;
   for (const auto& name : bus->names()) {
     const auto owner = ownerOf(name);
@@ -184,15 +191,22 @@ std::vector<std::string> runningPlayers() {
 
 std::unique_ptr<Player> findPlayer(const Bus& bus, Application application) {
   std::vector<std::string> names = bus.names();
-  std::erase_if(names, [application](const auto& name) { return ownerOf(name) != application; });
-  if (names.empty()) return nullptr;
-  size_t best = 0;
-  if (names.size() > 1) {
-    const auto statuses = bus.askAll(names, kPath, kInterface, "PlaybackStatus");
-    const auto first = std::ranges::min_element(statuses, {}, rank);
-    best = static_cast<size_t>(first - statuses.begin());
-  }
-  return std::make_unique<BusPlayer>(bus, names[best]);
+  const bool givesWay = application == Application::music;
+  std::erase_if(names, [&](const auto& name) {
+    const auto owner = ownerOf(name);
+    return givesWay ? !owner : owner != application;
+  });
+  const auto others = std::stable_partition(
+      names.begin(), names.end(), [&](const auto& name) { return ownerOf(name) == application; });
+  if (others == names.begin()) return nullptr;
+  if (names.size() == 1) return std::make_unique<BusPlayer>(bus, names.front());
+
+  const auto statuses = bus.askAll(names, kPath, kInterface, "PlaybackStatus");
+  const auto firstOther = statuses.begin() + (others - names.begin());
+  const auto best = std::ranges::min_element(statuses.begin(), firstOther, {}, rank);
+  const bool anotherPlays = std::find(firstOther, statuses.end(), kPlaying) != statuses.end();
+  if (*best != kPlaying && anotherPlays) return nullptr;
+  return std::make_unique<BusPlayer>(bus, names[static_cast<size_t>(best - statuses.begin())]);
 }
 
 }  // namespace tapdeck::applescript

@@ -17,7 +17,9 @@ namespace tapdeck::applescript {
 std::vector<std::string> runningPlayers();
 
 /// The application's player: of several one that plays, else one that is paused. Null when there is
-/// none. Every call of its is bounded, and once one was not answered the others fail at once.
+/// none; Music's, which any page of a browser may be, also when it does not play and another
+/// application's does. Every call of its is bounded, and once one was not answered the others fail
+/// at once.
 std::unique_ptr<Player> findPlayer(const Bus& bus, Application application);
 
 }  // namespace tapdeck::applescript

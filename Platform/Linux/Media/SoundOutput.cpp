@@ -14,7 +14,7 @@ namespace tapdeck::applescript {
 namespace {
 
 constexpr std::chrono::seconds kLimit{1};
-constexpr double kFull = 100;
+constexpr int kFull = 100;
 
 struct Output {
   uint32_t index;
@@ -121,8 +121,10 @@ void setSoundOutputVolume(const Volume& volume) {
   SoundServer server;
   auto output = server.defaultOutput();
   bool isDone = output.has_value();
-  if (isDone && volume.level) {
-    const double part = *volume.level / kFull;
+  const bool staysAbove =
+      isDone && volume.level == kFull && pa_cvolume_max(&output->volume) > PA_VOLUME_NORM;
+  if (isDone && volume.level && !staysAbove) {
+    const double part = double(*volume.level) / kFull;
     pa_cvolume_scale(&output->volume, static_cast<pa_volume_t>(std::lround(part * PA_VOLUME_NORM)));
     isDone = server.setVolume(*output, output->volume);
   }

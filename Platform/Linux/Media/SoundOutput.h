@@ -10,7 +10,8 @@ namespace tapdeck::applescript {
 /// Of several channels the loudest. Both parts are absent when there is no server or no output.
 Volume soundOutputVolume();
 
-/// Changes what is present; between the channels the balance stays. Throws ScriptError.
+/// Changes what is present, but an output that is above 100 stays there when it is to be at 100,
+/// which is how it reads; between the channels the balance stays. Throws ScriptError.
 void setSoundOutputVolume(const Volume& volume);
 
 }  // namespace tapdeck::applescript

@@ -39,6 +39,37 @@ BusPeer::~BusPeer() {
   g_dbus_connection_remove_filter(_connection, _filter);
   g_dbus_connection_close_sync(_connection, nullptr, nullptr);
   g_object_unref(_connection);
+  g_clear_object(&_lastCall);
+}
+
+int BusPeer::connectionNumber() const {
+  const std::string name = g_dbus_connection_get_unique_name(_connection);
+  return std::stoi(name.substr(name.rfind('.') + 1));
+}
+
+bool BusPeer::callerIsThere() const {
+  std::string caller;
+  {
+    const std::lock_guard lock(_mutex);
+    caller = g_dbus_message_get_sender(_lastCall);
+  }
+  GVariant* reply = g_dbus_connection_call_sync(
+      _connection, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner",
+      g_variant_new("(s)", caller.c_str()), G_VARIANT_TYPE("(b)"), G_DBUS_CALL_FLAGS_NONE, -1,
+      nullptr, nullptr);
+  gboolean isThere = FALSE;
+  g_variant_get(reply, "(b)", &isThere);
+  g_variant_unref(reply);
+  return isThere != FALSE;
+}
+
+void BusPeer::refuse(const char* message) {
+  const std::lock_guard lock(_mutex);
+  GDBusMessage* reply = g_dbus_message_new_method_error_literal(
+      _lastCall, "org.freedesktop.DBus.Error.AccessDenied", message);
+  g_dbus_connection_send_message(_connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,
+                                 nullptr);
+  g_object_unref(reply);
 }
 
 void BusPeer::vanish() {
@@ -66,6 +97,7 @@ void BusPeer::receive(GDBusMessage* call) {
   if (std::string(g_dbus_message_get_interface(call)) != "org.freedesktop.DBus.Properties") {
     const std::lock_guard lock(_mutex);
     _calls.push_back(method + textOf(arguments));
+    g_set_object(&_lastCall, call);
   }
   GVariant* body = _answer(method, arguments);
   if (body == nullptr) return;
@@ -84,6 +116,11 @@ ScriptedPlayer::ScriptedPlayer(const std::string& name, std::string status)
 void ScriptedPlayer::load(std::map<std::string, std::string> texts) {
   const std::lock_guard lock(_mutex);
   _texts = std::move(texts);
+}
+
+void ScriptedPlayer::setLength(uint64_t length) {
+  const std::lock_guard lock(_mutex);
+  _length = length;
 }
 
 void ScriptedPlayer::hang() {
@@ -115,7 +152,7 @@ GVariant* ScriptedPlayer::properties() const {
   for (const auto& [key, text] : _texts) {
     g_variant_builder_add(&metadata, "{sv}", key.c_str(), g_variant_new_string(text.c_str()));
   }
-  g_variant_builder_add(&metadata, "{sv}", "mpris:length", g_variant_new_uint64(215000000));
+  g_variant_builder_add(&metadata, "{sv}", "mpris:length", g_variant_new_uint64(_length));
   GVariantBuilder all;
   g_variant_builder_init(&all, G_VARIANT_TYPE_VARDICT);
   g_variant_builder_add(&all, "{sv}", "PlaybackStatus", g_variant_new_string(_status.c_str()));

@@ -26,6 +26,12 @@ class BusPeer {
 
   /// The calls so far, such as "Pause()"; those for properties are left out.
   std::vector<std::string> calls() const;
+  /// Which of all the connections of the bus this one is.
+  int connectionNumber() const;
+  /// Whether who called last is still on the bus.
+  bool callerIsThere() const;
+  /// Answers the last call, which was left unanswered, by an error.
+  void refuse(const char* message);
   /// Leaves the bus, as a program does that ends.
   void vanish();
 
@@ -39,6 +45,7 @@ class BusPeer {
   guint _filter;
   mutable std::mutex _mutex;
   std::vector<std::string> _calls;
+  GDBusMessage* _lastCall = nullptr;
 };
 
 /// A media player of the session bus that is as the test says.
@@ -49,11 +56,15 @@ class ScriptedPlayer {
 
   /// What it plays; the texts by their MPRIS names.
   void load(std::map<std::string, std::string> texts);
+  /// How long it says that is, in microseconds.
+  void setLength(uint64_t length);
   /// From now on it answers nothing.
   void hang();
   /// It is gone after so many more answers.
   void vanishAfter(int answers);
   std::vector<std::string> calls() const { return _peer.calls(); }
+  /// The bus counts its connections.
+  int connectionNumber() const { return _peer.connectionNumber(); }
 
  private:
   GVariant* answer(const std::string& method);
@@ -62,6 +73,7 @@ class ScriptedPlayer {
   mutable std::mutex _mutex;
   std::string _status;
   std::map<std::string, std::string> _texts{{"xesam:title", "Song"}};
+  uint64_t _length = 215000000;
   bool _hangs = false;
   int _answersLeft = -1;
   BusPeer _peer;

@@ -9,6 +9,7 @@
 namespace tapdeck::platform {
 
 using recording::record;
+using recording::script;
 
 namespace {
 
@@ -26,6 +27,15 @@ std::optional<Content> at(const std::map<std::string, Content>& all, const std::
 
 std::vector<RunningApplication> runningApplications() {
   return applications().running;
+}
+
+std::vector<std::string> runningApplicationNames() {
+  ++script().applications.timesNamed;
+  std::vector<std::string> names;
+  for (const auto& application : applications().running) {
+    if (application.localizedName) names.push_back(*application.localizedName);
+  }
+  return names;
 }
 
 std::optional<std::string> bundleIdentifierAt(const std::string& path) {

@@ -25,6 +25,9 @@ struct Applications {
   /// Bundle identifiers by the bundle's path.
   std::map<std::string, std::string> bundles;
   bool iconFails = false;
+  bool runningIconFails = false;
+  /// How often the names of those that run were asked for.
+  int timesNamed = 0;
   bool bitmapFails = false;
   /// What every bitmap is encoded as; absent makes it fail.
   std::optional<std::vector<uint8_t>> png = std::vector<uint8_t>{0x89, 'P', 'N', 'G'};

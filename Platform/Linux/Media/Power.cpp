@@ -1,0 +1,61 @@
+#include "Platform/Linux/Media/Power.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "Platform/Linux/AppleScript/Value.h"
+#include "Platform/Linux/Media/Bus.h"
+
+namespace tapdeck::applescript {
+namespace {
+
+constexpr const char* kLoginManager = "org.freedesktop.login1";
+constexpr int kAnswerLimit = 5 * 60 * 1000;  // in milliseconds
+
+struct Request {
+  const char* method;
+  const char* verb;
+};
+constexpr Request kSleep{"Suspend", "sleep"};
+constexpr Request kShutDown{"PowerOff", "shut down"};
+constexpr Request kRestart{"Reboot", "restart"};
+
+size_t pending = 0;
+
+void finish(GObject* connection, GAsyncResult* result, gpointer data) {
+  --pending;
+  GError* error = nullptr;
+  const Variant reply(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error));
+  if (reply != nullptr) return;
+  const applications::Error failure(error);
+  g_dbus_error_strip_remote_error(failure.get());
+  std::fprintf(stderr, "tapdeck: the machine cannot %s: %s\n",
+               static_cast<const Request*>(data)->verb, failure->message);
+}
+
+}  // namespace
+
+void requestPower(Command command) {
+  const Request& request = command == Command::sleep      ? kSleep
+                           : command == Command::shutDown ? kShutDown
+                                                          : kRestart;
+  const auto bus = Bus::connect(G_BUS_TYPE_SYSTEM);
+  if (!bus || !std::ranges::binary_search(bus->names(), kLoginManager)) {
+    throw ScriptError{kNotRunning, "Application isn’t running.", ""};
+  }
+  // the user may be asked for a password
+  constexpr gboolean kIsInteractive = TRUE;
+  ++pending;
+  // the call holds the connection until its answer
+  g_dbus_connection_call(bus->connection(), kLoginManager, "/org/freedesktop/login1",
+                         "org.freedesktop.login1.Manager", request.method,
+                         g_variant_new("(b)", kIsInteractive), nullptr,
+                         G_DBUS_CALL_FLAGS_NO_AUTO_START, kAnswerLimit, nullptr, finish,
+                         const_cast<Request*>(&request));
+}
+
+void finishPowerRequests() {
+  while (pending > 0) g_main_context_iteration(nullptr, TRUE);
+}
+
+}  // namespace tapdeck::applescript
