@@ -1,5 +1,6 @@
 # Children, downloads and pictures on Linux: no desktop. In a folder of its own, where it puts an
 # interpreter beside itself; all in one process for the same reason.
+find_package(PkgConfig REQUIRED)
 pkg_check_modules(MEDIA_TESTS REQUIRED IMPORTED_TARGET libsoup-3.0)
 add_executable(media_tests CoversTest.cpp TasksTest.cpp)
 set_target_properties(media_tests PROPERTIES
