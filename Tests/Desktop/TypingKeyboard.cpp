@@ -1,5 +1,7 @@
 #include "Tests/Desktop/TypingKeyboard.h"
 
+#include <xcb/xtest.h>
+
 #include <cstdlib>
 #include <stdexcept>
 
@@ -51,6 +53,15 @@ std::string TypingKeyboard::pressedKeys() {
     if ((reply->keys[code / 8] >> (code % 8) & 1) != 0) pressed += std::to_string(code) + " ";
   }
   return pressed;
+}
+
+void TypingKeyboard::tapKeys(const std::vector<uint8_t>& codes) {
+  for (const uint8_t code : codes) {
+    for (const uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+      xcb_test_fake_input(_observer.get(), type, code, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+    }
+  }
+  _observer.sync();
 }
 
 std::string TypingKeyboard::dump() {

@@ -3,6 +3,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <string>
+#include <vector>
 
 #include "Tests/Desktop/Observer.h"
 
@@ -24,6 +25,8 @@ class TypingKeyboard {
   State state();
   /// Which keycodes are pressed, in order.
   std::string pressedKeys();
+  /// Presses and releases the keys themselves, as the user does.
+  void tapKeys(const std::vector<uint8_t>& codes);
   /// All of the map, as text.
   static std::string dump();
 

@@ -8,10 +8,11 @@ add_executable(typing_tests
   ApplicationProcess.cpp Observer.cpp TypingClient.cpp TypingKeyboard.cpp TypingTest.cpp TypingText.cpp)
 target_link_libraries(typing_tests PRIVATE tapdeck_runner_input tapdeck_platform tapdeck_quartz
                                            PkgConfig::TYPING_TESTS GTest::gtest)
+target_compile_definitions(typing_tests PRIVATE QT_VIEW="${CMAKE_CURRENT_SOURCE_DIR}/TypingQtView.py")
 add_dependencies(typing_tests typing_text_view)
 
 # a desktop for each application, so that they can run side by side
-foreach(client textview terminal)
+foreach(client textview qtview terminal)
   add_test(NAME typing_tests.${client}
            COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/../Support/with-desktop
                    $<TARGET_FILE:typing_tests> ${client})

@@ -39,6 +39,17 @@ class ServerGrab {
   const Connection& _connection;
 };
 
+/// Qt 5 takes the first group for the active one once the map has changed, until it hears of a
+/// change of groups.
+void announceGroup(const Connection& connection) {
+  const auto state = connection.wait(xcb_xkb_get_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD),
+                                     xcb_xkb_get_state_reply);
+  if (state == nullptr || state->lockedGroup == 0) return;
+  for (const uint8_t group : {uint8_t{0}, state->lockedGroup}) {
+    xcb_xkb_latch_lock_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+  }
+}
+
 bool isMapEvent(const xcb_generic_event_t& event, uint8_t firstEvent) {
   if ((event.response_type & 0x7f) != firstEvent) return false;
   // all events of the extension share one number; the kind is in the second byte
@@ -218,6 +229,7 @@ bool BorrowedKeys::place(const Wanted& wanted) {
     const ServerGrab grab(_output);
     sendKeysyms(_output.get(), _now, meanings);
     if (newActions) sendActions(_output.get(), _now, meanings);
+    announceGroup(_output);
   }
   // has the server's word on it, whoever else may have changed the map meanwhile
   _events.finish();
@@ -278,6 +290,7 @@ void BorrowedKeys::putBack(const KeyMeanings& originals) {
     const ServerGrab grab(_output);
     sendActions(_output.get(), _now, originals);
     sendKeysyms(_output.get(), _now, originals);
+    announceGroup(_output);
   }
   _events.finish();
 }
