@@ -36,7 +36,7 @@ bool LiveKeyboard::isReady(const Step& step) {
                        [this](Keysym keysym) { return _keys.textPlace(keysym).has_value(); });
   }
   if (const auto* key = std::get_if<KeyStep>(&step)) {
-    return !key->down || realKeyFor(key->key, _keys.layout(), 0) || _keys.substitute(key->key);
+    return !key->down || realKeyFor(key->key, _keys.layout(), 0) || _keys.usKey(key->key);
   }
   return true;
 }
@@ -88,6 +88,7 @@ void LiveKeyboard::lockGroup(uint8_t group) {
 }
 
 void LiveKeyboard::type(const TextStep& step) {
+  leaveKeyGroup();
   const State before = state();
   // Most programs go by the event, which has no Caps Lock in it; some by the keyboard's state.
   if (before.isCapsLocked) lockCaps(false);
@@ -107,14 +108,11 @@ void LiveKeyboard::type(const TextStep& step) {
 }
 
 void LiveKeyboard::press(const KeyStep& step) {
+  leaveKeyGroup();
   const State now = state();
   auto real = realKeyFor(step.key, _keys.layout(), now.group);
-  if (!real) {
-    const auto code = _keys.substitute(step.key);
-    if (!code) return;
-    _keys.useSubstitute(step.key);
-    real = RealKey{*code, std::nullopt};
-  }
+  if (!real) real = _keys.usKey(step.key);
+  if (!real) return;
   Pressed pressed{*real, {}};
   for (const CGKeyCode modifier : modifierKeysIn(step.flags)) {
     const UsKey key = *usKeyFor(modifier);
@@ -122,19 +120,26 @@ void LiveKeyboard::press(const KeyStep& step) {
     if (place && key.plain != step.key.plain && !isHeld(key)) pressed.around.push_back(place->code);
   }
   for (const Keycode code : pressed.around) _sender.pressKey(code);
-  sendKey(*real, true, now.lockedGroup);
+  if (real->group) {
+    lockGroup(*real->group);
+    _keyGroup = {step.key.plain, *real->group, now.lockedGroup};
+  }
+  _sender.pressKey(real->code);
   // a repeated press keeps what the first one holds
   _pressed.emplace(step.key.plain, std::move(pressed));
 }
 
-void LiveKeyboard::sendKey(const RealKey& key, bool down, uint8_t lockedGroup) {
+void LiveKeyboard::sendRelease(const RealKey& key, uint8_t lockedGroup) {
   if (key.group) lockGroup(*key.group);
-  if (down) {
-    _sender.pressKey(key.code);
-  } else {
-    _sender.releaseKey(key.code);
-  }
+  _sender.releaseKey(key.code);
   if (key.group) lockGroup(lockedGroup);
+}
+
+void LiveKeyboard::leaveKeyGroup() {
+  if (!_keyGroup) return;
+  // the user may have chosen another one meanwhile
+  if (state().lockedGroup == _keyGroup->group) lockGroup(_keyGroup->lockedBefore);
+  _keyGroup.reset();
 }
 
 void LiveKeyboard::release(const UsKey& key) {
@@ -143,10 +148,11 @@ void LiveKeyboard::release(const UsKey& key) {
   if (found == _pressed.end()) {
     // nothing of ours: another program's, or one from before
     const auto real = realKeyFor(key, _keys.layout(), now.group);
-    if (real) sendKey(*real, false, now.lockedGroup);
+    if (real) sendRelease(*real, now.lockedGroup);
     return;
   }
-  sendKey(found->second.key, false, now.lockedGroup);
+  sendRelease(found->second.key, now.lockedGroup);
+  if (_keyGroup && _keyGroup->key == key.plain) leaveKeyGroup();
   const auto& around = found->second.around;
   for (auto code = around.rbegin(); code != around.rend(); ++code) _sender.releaseKey(*code);
   _pressed.erase(found);
@@ -154,7 +160,6 @@ void LiveKeyboard::release(const UsKey& key) {
 
 bool LiveKeyboard::prepare(std::span<const Step> steps) {
   BorrowedKeys::Wanted wanted;
-  wanted.held = heldCodes();
   for (const Step& step : steps) {
     if (const auto* text = std::get_if<TextStep>(&step)) {
       wanted.text.insert(wanted.text.end(), text->keysyms.begin(), text->keysyms.end());
@@ -177,13 +182,8 @@ void LiveKeyboard::giveBack() {
 
 void LiveKeyboard::releaseAll() {
   _pressed.clear();
+  leaveKeyGroup();
   _sender.releaseAll();
-}
-
-std::bitset<256> LiveKeyboard::heldCodes() const {
-  std::bitset<256> codes;
-  for (const auto& [keysym, pressed] : _pressed) codes.set(pressed.key.code);
-  return codes;
 }
 
 }  // namespace tapdeck::quartz

@@ -69,16 +69,23 @@ class LiveKeyboard {
     RealKey key;
     std::vector<Keycode> around;
   };
+  /// The group that a pressed key needs is locked until that key is released, or another one is
+  /// pressed: some programs (Qt) look for a key's shortcut by the group of a moment later.
+  struct KeyGroup {
+    Keysym key;
+    uint8_t group;
+    uint8_t lockedBefore;
+  };
   State state();
   void lockCaps(bool locked);
   void lockGroup(uint8_t group);
   void carryOutKey(const KeyStep& step);
   void press(const KeyStep& step);
-  /// Both in the key's group, so that applications take them for the same key.
-  void sendKey(const RealKey& key, bool down, uint8_t lockedGroup);
   void release(const UsKey& key);
+  /// In the group of the press, so that applications take both for the same key.
+  void sendRelease(const RealKey& key, uint8_t lockedGroup);
+  void leaveKeyGroup();
   void type(const TextStep& step);
-  std::bitset<256> heldCodes() const;
 
   Connection& _output;
   InputSender _sender;
@@ -87,6 +94,7 @@ class LiveKeyboard {
   ClientAnswer _answer;
   /// By the keysym that the key gives plainly.
   std::map<Keysym, Pressed> _pressed;
+  std::optional<KeyGroup> _keyGroup;
 };
 
 }  // namespace tapdeck::quartz
