@@ -28,11 +28,17 @@ struct RealKey {
   Keycode code;
   /// The group to be in while the key is pressed, where the active one does not give it.
   std::optional<uint8_t> group;
+  /// Whether Shift is to be on when it is pressed.
+  bool isShifted = false;
   friend bool operator==(const RealKey&, const RealKey&) = default;
 };
 
+bool isCapsLock(const UsKey& key);
+
 /// The key of the live layout: where the active group has it, else where another group has it;
 /// absent when a spare key must take its place. Shift, Control and the like act on it as they do.
+/// For a modifier any key will do that sets what its own key stands for in the modifier map; for
+/// Caps Lock only one that locks.
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup);
 
 /// What a spare keycode is to mean in place of a key that the layout lacks: as the key on a US
