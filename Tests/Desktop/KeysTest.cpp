@@ -11,9 +11,12 @@
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 #include "Platform/Events.h"
 #include "Platform/Linux/Permissions.h"
+#include "Platform/Linux/Quartz/Keyboard/StepQueue.h"
+#include "Platform/Linux/Quartz/Keyboard/XkbProtocol.h"
 #include "Platform/Linux/Quartz/WindowServer.h"
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Input/MediaKeys.h"
@@ -274,10 +277,91 @@ TEST_F(KeysTest, KeysTextAndPointerKeepTheirOrder) {
   const Owned place(CGEventCreate(nullptr));
   EXPECT_EQ(CGEventGetLocation(place.get()).x, 210);
   postMouse(kCGEventLeftMouseUp, 210, 220);
+  CGWarpMouseCursorPosition(CGPointMake(31, 41));
+  const Owned warped(CGEventCreate(nullptr));
+  EXPECT_EQ(CGEventGetLocation(warped.get()).x, 31);
   typeUnicodeText("\u03A9\n");
   EXPECT_THAT(listener.heard(11),
               ElementsAre("down a", "up a", "down U0416", "up U0416", "down b", "up b", "button 1",
                           "down U03A9", "up U03A9", "down Return", "up Return"));
+  EXPECT_EQ(observer.pointer(), (Observer::Pointer{31, 41, 0}));
+}
+
+TEST_F(KeysTest, ARepeatedPressLeavesNothingPressed) {
+  connect("us,fr");
+  press("a");
+  press("a", kCGEventFlagMaskCommand);
+  tap("k", kCGEventFlagMaskCommand);
+  // where this layout has another key
+  keyboard.lockGroup(1);
+  press("a", kCGEventFlagMaskCommand);
+  release("a");
+  // the server tells applications nothing of presses of what is pressed
+  EXPECT_THAT(listener.heard(6), ElementsAre("down a", "down Super_L", "down Super+k", "up Super+k",
+                                             "up Super+q", "up Super+Super_L"));
+  EXPECT_EQ(keyboard.pressedKeys(), "");
+}
+
+TEST_F(KeysTest, ModifiersActWhateverTheOptionsMadeOfTheirKeys) {
+  for (const char* option : {"altwin:meta_win", "altwin:hyper_win", "altwin:ctrl_win",
+                             "altwin:alt_win", "grp:lwin_toggle", "altwin:swap_alt_win"}) {
+    SCOPED_TRACE(option);
+    connect(std::string("us,ru -option ") + option, 1);
+    press("cmd", kCGEventFlagMaskCommand);
+    tap("c", kCGEventFlagMaskCommand);
+    release("cmd");
+    tap("c", kCGEventFlagMaskCommand);
+    const Lines lines = listener.heard(8);
+    EXPECT_EQ(lines[1], "down Super+c");
+    EXPECT_EQ(lines[5], "down Super+c");
+    EXPECT_EQ(keyboard.pressedKeys(), "");
+    EXPECT_EQ(keyboard.state(), (TypingKeyboard::State{0, 0, 1}));
+  }
+  for (const char* option : {"grp:caps_toggle", "caps:ctrl_modifier"}) {
+    SCOPED_TRACE(option);
+    connect(std::string("us,ru -option ") + option);
+    for (const unsigned locked : {unsigned{XCB_MOD_MASK_LOCK}, 0U}) {
+      tap("capslock");
+      EXPECT_TRUE(eventually([&] { return keyboard.state().locked == locked; }));
+      EXPECT_EQ(keyboard.state(), (TypingKeyboard::State{0, locked, 0}));
+    }
+  }
+}
+
+TEST_F(KeysTest, ALatchedGroupDoesNotChangeWhichKeyIsMeant) {
+  connect("us,ru");
+  xcb_xkb_latch_lock_state(observer.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 1, 1);
+  observer.sync();
+  tap("a");
+  EXPECT_EQ(listener.heard(1), Lines{"down a"});
+}
+
+TEST_F(KeysTest, BorrowedKeysAreGivenBackWhenNobodyNeedsThem) {
+  using namespace std::chrono_literals;
+  constexpr auto idleTime = 300ms;
+  quartz::Connection connection;
+  keyboard.setLayout("us,ru");
+  {
+    quartz::StepQueue queue(connection, idleTime);
+    queue.add(quartz::TextStep{{quartz::Keysym{0x1000416}}});
+    listener.heard(2);
+    // as a person's key for the next layout may do, while there are four
+    keyboard.lockGroup(3);
+    int16_t place = 100;
+    EXPECT_TRUE(eventually([&] {
+      queue.add(quartz::MotionStep{{++place, 100}});
+      return keyboard.groups() == 2;
+    }));
+    EXPECT_EQ(keyboard.state().group, 1U);
+  }
+  keyboard.setLayout("ru");
+  quartz::StepQueue queue(connection, idleTime);
+  queue.add(quartz::KeyStep{{'c', 'C'}, true, 0});
+  listener.heard(1);
+  std::this_thread::sleep_for(4 * idleTime);
+  EXPECT_GT(keyboard.groups(), 1) << "a key that is pressed was given back";
+  queue.add(quartz::KeyStep{{'c', 'C'}, false, 0});
+  EXPECT_TRUE(eventually([&] { return keyboard.groups() == 1; }));
 }
 
 TEST_F(KeysTest, AnotherLayoutMeanwhileStaysInForce) {

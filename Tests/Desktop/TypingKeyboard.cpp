@@ -22,7 +22,8 @@ TypingKeyboard::TypingKeyboard(Observer& observer) : _observer(observer) {
 }
 
 void TypingKeyboard::setLayout(const std::string& layout) {
-  if (std::system(("setxkbmap -layout " + layout).c_str()) != 0) throw std::runtime_error(layout);
+  if (std::system(("setxkbmap -option '' -layout " + layout).c_str()) != 0)
+    throw std::runtime_error(layout);
   lockGroup(0);
   lockCaps(false);
 }
@@ -43,6 +44,13 @@ TypingKeyboard::State TypingKeyboard::state() {
       _observer.get(), xcb_xkb_get_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
   if (reply == nullptr) throw std::runtime_error("the X server does not answer");
   return {reply->baseMods, reply->lockedMods, reply->group};
+}
+
+int TypingKeyboard::groups() {
+  const auto reply = owned(xcb_xkb_get_controls_reply(
+      _observer.get(), xcb_xkb_get_controls(_observer.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+  if (reply == nullptr) throw std::runtime_error("the X server does not answer");
+  return reply->numGroups;
 }
 
 std::string TypingKeyboard::pressedKeys() {

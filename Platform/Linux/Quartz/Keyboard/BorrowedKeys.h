@@ -31,6 +31,9 @@ class BorrowedKeys {
   /// The map as the user has it.
   const Keymap& layout() const { return _layout; }
   bool isBorrowing() const { return !_originals.empty(); }
+  bool isBorrowed(Keycode code) const { return _originals.contains(code); }
+  /// How many groups the keyboard has now, those of the borrowed keys included.
+  int groups() const { return _now.groups(); }
 
   struct TextPlace {
     Keycode code;

@@ -3,6 +3,12 @@
 #include <xcb/xtest.h>
 
 namespace tapdeck::quartz {
+namespace {
+
+// Chromium takes two presses with one time stamp for one press: they make no double click.
+constexpr uint32_t kPressDelay = 1;
+
+}  // namespace
 
 InputSender::InputSender(Connection& connection) : _connection(connection) {
   if (auto left = _journal.takeLeftOver()) {
@@ -14,6 +20,11 @@ InputSender::InputSender(Connection& connection) : _connection(connection) {
 
 void InputSender::move(Pixel pixel) {
   fake(XCB_MOTION_NOTIFY, 0, pixel);
+}
+
+void InputSender::warp(Pixel pixel) {
+  xcb_warp_pointer(_connection.get(), XCB_WINDOW_NONE, _connection.root(), 0, 0, 0, 0, pixel.x,
+                   pixel.y);
 }
 
 void InputSender::pressKey(Keycode code) {
@@ -42,7 +53,7 @@ void InputSender::pressButton(uint8_t button) {
     _held.buttons.set(button);
     _journal.write(_held);
   }
-  fake(XCB_BUTTON_PRESS, button);
+  fake(XCB_BUTTON_PRESS, button, {0, 0}, kPressDelay);
 }
 
 void InputSender::releaseButton(uint8_t button) {
@@ -77,9 +88,9 @@ void InputSender::keepMeanings(const KeyMeanings& meanings) {
   _journal.write(_held);
 }
 
-void InputSender::fake(uint8_t type, uint8_t detail, Pixel pixel) {
-  xcb_test_fake_input(_connection.get(), type, detail, XCB_CURRENT_TIME, _connection.root(),
-                      pixel.x, pixel.y, 0);
+void InputSender::fake(uint8_t type, uint8_t detail, Pixel pixel, uint32_t delay) {
+  xcb_test_fake_input(_connection.get(), type, detail, delay, _connection.root(), pixel.x, pixel.y,
+                      0);
 }
 
 }  // namespace tapdeck::quartz

@@ -16,11 +16,13 @@ class InputSender {
   InputSender& operator=(const InputSender&) = delete;
 
   void move(Pixel pixel);
+  /// By the core protocol's WarpPointer.
+  void warp(Pixel pixel);
   void pressKey(Keycode code);
   void releaseKey(Keycode code);
   /// At once, nothing between the two.
   void tapKey(Keycode code);
-  /// The physical button.
+  /// The physical button. Never in the same millisecond as a press before.
   void pressButton(uint8_t button);
   void releaseButton(uint8_t button);
   void tapButton(uint8_t button);
@@ -32,7 +34,8 @@ class InputSender {
   void keepMeanings(const KeyMeanings& meanings);
 
  private:
-  void fake(uint8_t type, uint8_t detail, Pixel pixel = {0, 0});
+  /// `delay`: milliseconds that the server waits before it, and before all that is sent after it.
+  void fake(uint8_t type, uint8_t detail, Pixel pixel = {0, 0}, uint32_t delay = 0);
 
   Connection& _connection;
   Journal _journal;

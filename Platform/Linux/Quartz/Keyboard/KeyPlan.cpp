@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include "Platform/Linux/Quartz/Keyboard/Keysyms.h"
+#include "Platform/Linux/Quartz/Keyboard/XkbProtocol.h"
 
 namespace tapdeck::quartz {
 namespace {
@@ -86,6 +87,55 @@ std::vector<UsKey> usKeysAt(Keycode code) {
   return keys;
 }
 
+bool isModifier(const UsKey& key) {
+  using namespace keysyms;
+  return key.plain == Shift_L || key.plain == Control_L || key.plain == Alt_L ||
+         key.plain == Super_L;
+}
+
+/// The real modifiers that the key changes by this action when it is pressed at this level.
+uint8_t modifiersChanged(const KeyMeaning& key, int activeGroup, size_t level, uint8_t action) {
+  constexpr size_t kind = 0;
+  constexpr size_t mask = 2;
+  const size_t place = static_cast<size_t>(key.groupFor(activeGroup)) * key.width + level;
+  if (level >= key.width || place >= key.actions.size()) return 0;
+  return key.actions[place][kind] == action ? key.actions[place][mask] : 0;
+}
+
+/// The real modifiers of the first key that has the keysym, at whatever level.
+uint8_t modifiersOf(Keysym keysym, const Keymap& map) {
+  for (int number = map.first; number <= map.last; ++number) {
+    const auto code = static_cast<Keycode>(number);
+    const auto& keysyms = map.keys[code].keysyms;
+    const bool hasIt = std::find(keysyms.begin(), keysyms.end(), keysym) != keysyms.end();
+    if (hasIt && map.modifiers[code] != 0) return map.modifiers[code];
+  }
+  return 0;
+}
+
+/// Its own key, else another that sets the same modifier, else one that does so under Shift, such
+/// as those that stand for no key of any keyboard (SUPR, META).
+std::optional<RealKey> modifierKeyFor(Keysym keysym, const Keymap& map, int activeGroup) {
+  const uint8_t wanted = modifiersOf(keysym, map);
+  const auto sets = [&](Keycode code, size_t level) {
+    const KeyMeaning& key = map.keys[code];
+    return wanted != 0 &&
+           modifiersChanged(key, activeGroup, level, XCB_XKB_SA_TYPE_SET_MODS) == wanted;
+  };
+  std::optional<RealKey> other;
+  for (int number = map.first; number <= map.last; ++number) {
+    const auto code = static_cast<Keycode>(number);
+    const KeyMeaning& key = map.keys[code];
+    if (sets(code, 0)) {
+      if (key.plainKeysym(key.groupFor(activeGroup)) == keysym) return RealKey{code, std::nullopt};
+      if (!other || other->isShifted) other = RealKey{code, std::nullopt};
+    } else if (!other && sets(code, 1)) {
+      other = RealKey{code, std::nullopt, true};
+    }
+  }
+  return other;
+}
+
 bool isSpare(Keysym keysym) {
   // keysymdef.h and XF86keysym.h: the launch keys 1 to F, and what multimedia and office keyboards
   // had; none of the volume, brightness, player, radio, power and browser keys. Nor any of the keys
@@ -119,6 +169,17 @@ bool isSpare(Keysym keysym) {
   return std::find(rare.begin(), rare.end(), keysym) != rare.end();
 }
 
+std::optional<RealKey> capsLockKey(const Keymap& map, int activeGroup) {
+  for (int number = map.first; number <= map.last; ++number) {
+    const auto code = static_cast<Keycode>(number);
+    if (modifiersChanged(map.keys[code], activeGroup, 0, XCB_XKB_SA_TYPE_LOCK_MODS) ==
+        XCB_MOD_MASK_LOCK) {
+      return RealKey{code, std::nullopt};
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<UsKey> usKeyFor(CGKeyCode code) {
@@ -149,7 +210,15 @@ std::vector<CGKeyCode> modifierKeysIn(CGEventFlags flags) {
   return keys;
 }
 
+bool isCapsLock(const UsKey& key) {
+  return key.plain == keysyms::Caps_Lock;
+}
+
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup) {
+  if (isCapsLock(key)) return capsLockKey(map, activeGroup);
+  if (isModifier(key)) {
+    if (const auto modifier = modifierKeyFor(key.plain, map, activeGroup)) return modifier;
+  }
   if (const auto code = map.keyFor(key.plain, activeGroup)) return RealKey{*code, std::nullopt};
   for (uint8_t group = 0; group < 4; ++group) {
     if (const auto code = map.keyFor(key.plain, group)) return RealKey{*code, group};

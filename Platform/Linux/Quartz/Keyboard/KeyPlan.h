@@ -28,11 +28,17 @@ struct RealKey {
   Keycode code;
   /// The group to be in while the key is pressed, where the active one does not give it.
   std::optional<uint8_t> group;
+  /// Whether Shift is to be on when it is pressed.
+  bool isShifted = false;
   friend bool operator==(const RealKey&, const RealKey&) = default;
 };
 
+bool isCapsLock(const UsKey& key);
+
 /// The key of the live layout: where the active group has it, else where another group has it;
 /// absent when the layout lacks it. Shift, Control and the like act on it as they do.
+/// For a modifier any key will do that sets what its own key stands for in the modifier map; for
+/// Caps Lock only one that locks.
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup);
 
 // A key that the layout lacks is given as a further group of the key in the same place: some
