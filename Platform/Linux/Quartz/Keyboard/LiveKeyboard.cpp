@@ -3,6 +3,7 @@
 #include <xcb/xtest.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "Platform/Linux/Quartz/Keyboard/TextKeys.h"
 #include "Platform/Linux/Quartz/Keyboard/XkbProtocol.h"
@@ -21,6 +22,8 @@ Match(Functions...) -> Match<Functions...>;
 
 // so many characters of a text are looked at for one change; more have no places anyway
 constexpr size_t kFarthest = 4096;
+
+constexpr std::chrono::milliseconds kMinGroupTime{20};
 
 }  // namespace
 
@@ -175,15 +178,18 @@ void LiveKeyboard::sendKey(const RealKey& key, bool down, const State& now) {
 void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
   const uint8_t locked = groupToLock(group, now);
   lockGroup(locked);
-  _keyGroup = {key.plain, locked, now.lockedGroup};
+  _keyGroup = {key.plain, locked, now.lockedGroup, Clock::now()};
   now.group = group;
   now.lockedGroup = locked;
 }
 
 void LiveKeyboard::leaveKeyGroup() {
   if (!_keyGroup) return;
+  const State now = state();
+  // a press that had to wait has its release right behind it
+  std::this_thread::sleep_until(_keyGroup->since + kMinGroupTime);
   // the user may have chosen another one meanwhile
-  if (state().lockedGroup == _keyGroup->group) lockGroup(_keyGroup->lockedBefore);
+  if (now.lockedGroup == _keyGroup->group) lockGroup(_keyGroup->lockedBefore);
   _keyGroup.reset();
 }
 

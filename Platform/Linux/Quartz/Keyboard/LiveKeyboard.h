@@ -79,11 +79,13 @@ class LiveKeyboard {
     std::vector<RealKey> around;
   };
   /// The group that a pressed key needs is locked until that key is released, or another one is
-  /// pressed: some programs (Qt) look for a key's shortcut by the group of a moment later.
+  /// pressed, and for some milliseconds at least: some programs (Qt) look for a key's shortcut by
+  /// the group of a moment later.
   struct KeyGroup {
     Keysym key;
     uint8_t group;
     uint8_t lockedBefore;
+    std::chrono::steady_clock::time_point since;
   };
   State state();
   void lockModifier(uint8_t modifier, bool locked);
