@@ -3,7 +3,7 @@ import { describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
 import { allow, CONNECTED, copyOnComputer, eventually, exec, launchBrowser, pasteOnComputer,
-  pointerPlace, useMouseAt } from "./desktop.js";
+  pointerPlace, putPointer, useMouseAt } from "./desktop.js";
 import { center, fingers, host, pad, page, replaceHost, witness } from "./setup.js";
 
 const HOLD = 700;
@@ -57,6 +57,39 @@ describe("touchpad", () => {
       await useMouseAt(x, y);
       await local.waitForSelector(".pad-note:not(:empty)");
       assert.deepEqual(await pointerSettled(), { x: x + 20, y });
+    } finally {
+      await shown.close();
+    }
+  });
+
+  test("every double click is one to a browser on the computer", async () => {
+    const shown = await launchBrowser(true);
+    try {
+      const target = await (await shown.newContext({ viewport: null })).newPage();
+      await target.setContent(`<script>
+        let clicks = 0, doubleClicks = 0;
+        onclick = () => { clicks++; };
+        ondblclick = () => { doubleClicks++; };
+      </script>`);
+      await target.bringToFront();
+      const [x, y] = await target.evaluate(() =>
+        [screenX + outerWidth / 2, screenY + outerHeight / 2].map(Math.round));
+      await page.evaluate(async () => {
+        const { Connection } = await import("/connection.js");
+        window.connection = new Connection(decodeURIComponent(location.hash.slice(1)));
+        const connected = new Promise((resolve) => {
+          connection.addEventListener("state", () => connection.connected && resolve());
+        });
+        window.connection.start();
+        await connected;
+      });
+      for (let count = 1; count <= 40; count++) {
+        // elsewhere, lest it counts on from the last one
+        await putPointer(x + 60 * (count % 2), y);
+        await page.evaluate(() => window.connection.call("doubleClick"));
+        await eventually("two clicks", () => target.evaluate((all) => clicks === all, 2 * count));
+      }
+      assert.equal(await target.evaluate("doubleClicks"), 40);
     } finally {
       await shown.close();
     }

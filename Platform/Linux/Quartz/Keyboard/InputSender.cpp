@@ -2,11 +2,17 @@
 
 #include <xcb/xtest.h>
 
+#include <algorithm>
+
 namespace tapdeck::quartz {
 namespace {
 
-// Chromium takes two presses with one time stamp for one press: they make no double click.
-constexpr uint32_t kPressDelay = 1;
+using Clock = std::chrono::steady_clock;
+
+// A button is pressed again after so long at the earliest, as no hand can do it sooner. Chromium
+// takes two presses with one time stamp for one press, and gets none of a press that comes while a
+// window manager still looks at the last one (openbox does at each click).
+constexpr std::chrono::milliseconds kPressGap{20};
 
 }  // namespace
 
@@ -53,13 +59,16 @@ void InputSender::pressButton(uint8_t button) {
     _held.buttons.set(button);
     _journal.write(_held);
   }
-  fake(XCB_BUTTON_PRESS, button, {0, 0}, kPressDelay);
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(_released[button] + kPressGap - Clock::now());
+  fake(XCB_BUTTON_PRESS, button, {0, 0}, static_cast<uint32_t>(std::max<int64_t>(0, left.count())));
 }
 
 void InputSender::releaseButton(uint8_t button) {
   fake(XCB_BUTTON_RELEASE, button);
   if (!_held.buttons.test(button)) return;
   _connection.finish();
+  _released[button] = Clock::now();
   _held.buttons.reset(button);
   _journal.write(_held);
 }

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
+#include <map>
+
 #include "Platform/Linux/Quartz/Connection.h"
 #include "Platform/Linux/Quartz/Keyboard/Journal.h"
 #include "Platform/Linux/Quartz/PointSpace.h"
@@ -22,7 +26,7 @@ class InputSender {
   void releaseKey(Keycode code);
   /// At once, nothing between the two.
   void tapKey(Keycode code);
-  /// The physical button. Never in the same millisecond as a press before.
+  /// The physical button. Soon after its last press the server waits a little first.
   void pressButton(uint8_t button);
   void releaseButton(uint8_t button);
   void tapButton(uint8_t button);
@@ -39,6 +43,8 @@ class InputSender {
 
   Connection& _connection;
   Journal _journal;
+  /// When each button was released last.
+  std::map<uint8_t, std::chrono::steady_clock::time_point> _released;
   Held _held;
   Held _leftOver;
 };
