@@ -266,6 +266,29 @@ TEST_F(KeysTest, ModifiersActOnEveryKindOfKey) {
                           "up XF86AudioNext", "down XF86AudioPrev", "up XF86AudioPrev"));
 }
 
+TEST_F(KeysTest, AMissingKeysGroupStaysLongEnoughToBeLookedUp) {
+  connect("fr");
+  // a connection of its own: the listener drops what it does not know
+  Observer server;
+  const TypingKeyboard watched{server};
+  xcb_xkb_select_events(server.get(), XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0,
+                        XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, nullptr);
+  server.sync();
+  // the press waits for a change of the map, and its release behind it
+  tap("1");
+  EXPECT_EQ(listener.heard(2), (Lines{"down 1", "up 1"}));
+  std::vector<uint32_t> times;
+  eventually([&] {
+    while (const auto event = Observer::owned(xcb_poll_for_event(server.get()))) {
+      const auto& notice = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(*event);
+      if ((notice.changed & XCB_XKB_STATE_PART_GROUP_LOCK) != 0) times.push_back(notice.time);
+    }
+    return times.size() >= 2;
+  });
+  ASSERT_EQ(times.size(), 2U);
+  EXPECT_GE(times[1] - times[0], 15U) << "milliseconds";
+}
+
 TEST_F(KeysTest, KeysTextAndPointerKeepTheirOrder) {
   connect("us");
   postMouse(kCGEventMouseMoved, 100, 100);
