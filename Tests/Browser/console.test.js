@@ -1,9 +1,11 @@
 import assert from "node:assert/strict";
+import { mkdir, rm, writeFile } from "node:fs/promises";
+import { join } from "node:path";
 import { describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
 import { allow, CONNECTED, copyOnComputer, eventually, exec, launchBrowser, pasteOnComputer,
-  pointerPlace, useMouseAt } from "./desktop.js";
+  pointerPlace, putPointer, useMouseAt } from "./desktop.js";
 import { center, fingers, host, pad, page, replaceHost, witness } from "./setup.js";
 
 const HOLD = 700;
@@ -59,6 +61,47 @@ describe("touchpad", () => {
       assert.deepEqual(await pointerSettled(), { x: x + 20, y });
     } finally {
       await shown.close();
+    }
+  });
+
+  test("every double click is one to a browser on the computer", async () => {
+    // This window manager looks at every click first and loses some that come in quick succession.
+    const settings = join(process.env.XDG_CONFIG_HOME, "openbox");
+    await mkdir(settings, { recursive: true });
+    await writeFile(join(settings, "rc.xml"),
+      '<openbox_config xmlns="http://openbox.org/3.4/rc"><mouse/></openbox_config>');
+    await exec("openbox", ["--reconfigure"]);
+    const shown = await launchBrowser(true);
+    try {
+      const target = await (await shown.newContext({ viewport: null })).newPage();
+      await target.setContent(`<script>
+        let clicks = 0, doubleClicks = 0;
+        onclick = () => { clicks++; };
+        ondblclick = () => { doubleClicks++; };
+      </script>`);
+      await target.bringToFront();
+      const [x, y] = await target.evaluate(() =>
+        [screenX + outerWidth / 2, screenY + outerHeight / 2].map(Math.round));
+      await page.evaluate(async () => {
+        const { Connection } = await import("/connection.js");
+        window.connection = new Connection(decodeURIComponent(location.hash.slice(1)));
+        const connected = new Promise((resolve) => {
+          connection.addEventListener("state", () => connection.connected && resolve());
+        });
+        window.connection.start();
+        await connected;
+      });
+      for (let count = 1; count <= 40; count++) {
+        // elsewhere, lest it counts on from the last one
+        await putPointer(x + 60 * (count % 2), y);
+        await page.evaluate(() => window.connection.call("doubleClick"));
+        await eventually("two clicks", () => target.evaluate((all) => clicks === all, 2 * count));
+      }
+      assert.equal(await target.evaluate("doubleClicks"), 40);
+    } finally {
+      await shown.close();
+      await rm(settings, { recursive: true });
+      await exec("openbox", ["--reconfigure"]);
     }
   });
 

@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { beforeEach, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { eventually, Line } from "./desktop.js";
+import { eventually, exec, launchBrowser, Line } from "./desktop.js";
 import { center, fingers, page } from "./setup.js";
 
 let line;
@@ -107,6 +107,37 @@ test("modifiers hold until they are tapped again, or the page is left", async ()
   await control.click();
   await line.cut();
   await eventually("the line's end lets go", async () => await held() === "false");
+});
+
+test("shortcuts reach a browser under layouts that lack their keys", async () => {
+  const shown = await launchBrowser(true);
+  try {
+    const target = await shown.newPage();
+    await target.evaluate(() => {
+      window.heard = [];
+      addEventListener("keydown", (event) => {
+        event.preventDefault();
+        const { key, keyCode, ctrlKey } = event;
+        if (key !== "Control") window.heard.push(`${key} ${keyCode} ${ctrlKey}`);
+      });
+    });
+    await target.bringToFront();
+    const control = page.locator("#panel-keyboard [data-modifier=control]");
+    // a Hebrew keyboard has the brackets the other way round
+    const brackets = { ru: 219, gr: 219, il: 221, fr: 219, de: 219, cz: 219 };
+    for (const [layout, bracket] of Object.entries(brackets)) {
+      await exec("setxkbmap", ["-layout", layout]);
+      await control.click();
+      await page.keyboard.type("a1=[");
+      await control.click();
+      await eventually(layout, () => target.evaluate(() => window.heard.length === 4));
+      assert.deepEqual(await target.evaluate(() => window.heard.splice(0)),
+        ["a 65 true", "1 49 true", "= 187 true", `[ ${bracket} true`], layout);
+    }
+  } finally {
+    await exec("setxkbmap", ["-layout", "us"]);
+    await shown.close();
+  }
 });
 
 test("a key repeats for as long as a finger is on it", async () => {

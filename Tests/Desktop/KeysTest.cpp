@@ -11,9 +11,12 @@
 #include <random>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 #include "Platform/Events.h"
 #include "Platform/Linux/Permissions/Permissions.h"
+#include "Platform/Linux/X11/Input/StepQueue.h"
+#include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Input/MediaKeys.h"
@@ -167,7 +170,7 @@ TEST(HeldTest, NothingStaysPressedAtTheEnd) {
   // else clicks open the window manager's menu
   observer.coverScreen();
   TypingKeyboard keyboard{observer};
-  keyboard.setLayout("us,ru");
+  keyboard.setLayout("ru,gr");
   const std::string keymap = TypingKeyboard::dump();
   int foundPressed = 0;
   for (unsigned seed = 1; seed <= 10; ++seed) {
@@ -222,7 +225,7 @@ TEST_F(KeysTest, EveryNameGivesItsKeyUnderEveryLayout) {
   const auto names = namedKeys();
   ASSERT_EQ(names.size(), 87U);
   const std::pair<const char*, uint8_t> layouts[] = {
-      {"us", 0}, {"fr", 0}, {"us,ru", 0}, {"us,ru", 1}};
+      {"us", 0}, {"fr", 0}, {"us,ru", 0}, {"us,ru", 1}, {"ru,gr,il,bg", 1}};
   for (const auto& [layout, group] : layouts) {
     connect(layout, group);
     for (const auto& [name, keysym] : names) {
@@ -263,6 +266,29 @@ TEST_F(KeysTest, ModifiersActOnEveryKindOfKey) {
                           "up XF86AudioNext", "down XF86AudioPrev", "up XF86AudioPrev"));
 }
 
+TEST_F(KeysTest, AMissingKeysGroupStaysLongEnoughToBeLookedUp) {
+  connect("fr");
+  // a connection of its own: the listener drops what it does not know
+  Observer server;
+  const TypingKeyboard watched{server};
+  xcb_xkb_select_events(server.get(), XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0,
+                        XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0, 0, nullptr);
+  server.sync();
+  // the press waits for a change of the map, and its release behind it
+  tap("1");
+  EXPECT_EQ(listener.heard(2), (Lines{"down 1", "up 1"}));
+  std::vector<uint32_t> times;
+  eventually([&] {
+    while (const auto event = Observer::owned(xcb_poll_for_event(server.get()))) {
+      const auto& notice = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(*event);
+      if ((notice.changed & XCB_XKB_STATE_PART_GROUP_LOCK) != 0) times.push_back(notice.time);
+    }
+    return times.size() >= 2;
+  });
+  ASSERT_EQ(times.size(), 2U);
+  EXPECT_GE(times[1] - times[0], 15U) << "milliseconds";
+}
+
 TEST_F(KeysTest, KeysTextAndPointerKeepTheirOrder) {
   connect("us");
   postMouse(kCGEventMouseMoved, 100, 100);
@@ -274,10 +300,91 @@ TEST_F(KeysTest, KeysTextAndPointerKeepTheirOrder) {
   const Owned place(CGEventCreate(nullptr));
   EXPECT_EQ(CGEventGetLocation(place.get()).x, 210);
   postMouse(kCGEventLeftMouseUp, 210, 220);
+  CGWarpMouseCursorPosition(CGPointMake(31, 41));
+  const Owned warped(CGEventCreate(nullptr));
+  EXPECT_EQ(CGEventGetLocation(warped.get()).x, 31);
   typeUnicodeText("\u03A9\n");
   EXPECT_THAT(listener.heard(11),
               ElementsAre("down a", "up a", "down U0416", "up U0416", "down b", "up b", "button 1",
                           "down U03A9", "up U03A9", "down Return", "up Return"));
+  EXPECT_EQ(observer.pointer(), (Observer::Pointer{31, 41, 0}));
+}
+
+TEST_F(KeysTest, ARepeatedPressLeavesNothingPressed) {
+  connect("us,fr");
+  press("a");
+  press("a", kCGEventFlagMaskCommand);
+  tap("k", kCGEventFlagMaskCommand);
+  // where this layout has another key
+  keyboard.lockGroup(1);
+  press("a", kCGEventFlagMaskCommand);
+  release("a");
+  // the server tells applications nothing of presses of what is pressed
+  EXPECT_THAT(listener.heard(6), ElementsAre("down a", "down Super_L", "down Super+k", "up Super+k",
+                                             "up Super+q", "up Super+Super_L"));
+  EXPECT_EQ(keyboard.pressedKeys(), "");
+}
+
+TEST_F(KeysTest, ModifiersActWhateverTheOptionsMadeOfTheirKeys) {
+  for (const char* option : {"altwin:meta_win", "altwin:hyper_win", "altwin:ctrl_win",
+                             "altwin:alt_win", "grp:lwin_toggle", "altwin:swap_alt_win"}) {
+    SCOPED_TRACE(option);
+    connect(std::string("us,ru -option ") + option, 1);
+    press("cmd", kCGEventFlagMaskCommand);
+    tap("c", kCGEventFlagMaskCommand);
+    release("cmd");
+    tap("c", kCGEventFlagMaskCommand);
+    const Lines lines = listener.heard(8);
+    EXPECT_EQ(lines[1], "down Super+c");
+    EXPECT_EQ(lines[5], "down Super+c");
+    EXPECT_EQ(keyboard.pressedKeys(), "");
+    EXPECT_EQ(keyboard.state(), (TypingKeyboard::State{0, 0, 1}));
+  }
+  for (const char* option : {"grp:caps_toggle", "caps:ctrl_modifier"}) {
+    SCOPED_TRACE(option);
+    connect(std::string("us,ru -option ") + option);
+    for (const unsigned locked : {unsigned{XCB_MOD_MASK_LOCK}, 0U}) {
+      tap("capslock");
+      EXPECT_TRUE(eventually([&] { return keyboard.state().locked == locked; }));
+      EXPECT_EQ(keyboard.state(), (TypingKeyboard::State{0, locked, 0}));
+    }
+  }
+}
+
+TEST_F(KeysTest, ALatchedGroupDoesNotChangeWhichKeyIsMeant) {
+  connect("us,ru");
+  xcb_xkb_latch_lock_state(observer.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 0, 0, 0, 1, 1);
+  observer.sync();
+  tap("a");
+  EXPECT_EQ(listener.heard(1), Lines{"down a"});
+}
+
+TEST_F(KeysTest, BorrowedKeysAreGivenBackWhenNobodyNeedsThem) {
+  using namespace std::chrono_literals;
+  constexpr auto idleTime = 300ms;
+  quartz::Connection connection;
+  keyboard.setLayout("us,ru");
+  {
+    quartz::StepQueue queue(connection, idleTime);
+    queue.add(quartz::TextStep{{quartz::Keysym{0x1000416}}});
+    listener.heard(2);
+    // as a person's key for the next layout may do, while there are four
+    keyboard.lockGroup(3);
+    int16_t place = 100;
+    EXPECT_TRUE(eventually([&] {
+      queue.add(quartz::MotionStep{{++place, 100}});
+      return keyboard.groups() == 2;
+    }));
+    EXPECT_EQ(keyboard.state().group, 1U);
+  }
+  keyboard.setLayout("ru");
+  quartz::StepQueue queue(connection, idleTime);
+  queue.add(quartz::KeyStep{{'c', 'C'}, true, 0});
+  listener.heard(1);
+  std::this_thread::sleep_for(4 * idleTime);
+  EXPECT_GT(keyboard.groups(), 1) << "a key that is pressed was given back";
+  queue.add(quartz::KeyStep{{'c', 'C'}, false, 0});
+  EXPECT_TRUE(eventually([&] { return keyboard.groups() == 1; }));
 }
 
 TEST_F(KeysTest, AnotherLayoutMeanwhileStaysInForce) {

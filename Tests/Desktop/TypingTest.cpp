@@ -15,6 +15,7 @@ namespace {
 
 TypingClient::Kind kind = TypingClient::Kind::textView;
 
+constexpr CGKeyCode kOne = 18;
 constexpr CGKeyCode kShift = 56;
 constexpr CGKeyCode kControl = 59;
 constexpr CGKeyCode kAlt = 58;
@@ -26,6 +27,8 @@ struct Case {
   bool caps;
   /// Held while the text is typed.
   std::vector<CGKeyCode> held;
+  /// What the user's own keys A, S and D give.
+  const char* ownKeys = "";
 };
 
 class TypingTest : public ::testing::Test {
@@ -54,6 +57,16 @@ class TypingTest : public ::testing::Test {
     for (const CGKeyCode key : each.held) postKey(key, false);
   }
 
+  /// On a key that the layout lacks.
+  void expectShortcut() {
+    keyboard.setLayout("fr");
+    postKey(kControl, true);
+    postKey(kOne, true, kCGEventFlagMaskControl);
+    postKey(kOne, false, kCGEventFlagMaskControl);
+    postKey(kControl, false);
+    EXPECT_EQ(client.received("one"), "one");
+  }
+
   // before connecting: with the server's own map
   Observer observer;
   TypingKeyboard keyboard{observer};
@@ -66,12 +79,14 @@ TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
   ASSERT_GE(graphemeClusters(text).size(), 2000U);
   const std::string sample =
       "aA zZ1!\"€@\\ éÖß ξΨ ёЖ ش漢字\n\t👍🏽👨‍👩‍👧 e\u0301.\n";
-  const Case cases[] = {
-      {"us", 0, false, {}},       {"de", 0, true, {}},
-      {"fr", 0, false, {kShift}}, {"ru", 0, false, {kControl, kCommand}},
-      {"us,ru", 0, true, {kAlt}}, {"us,ru", 1, true, {kShift, kControl}},
+  Case cases[] = {
+      {"us", 0, false, {}, "asd"},       {"de", 0, true, {}, "asd"},
+      {"fr", 0, false, {kShift}, "qsd"}, {"ru", 0, false, {kControl, kCommand}, "фыв"},
+      {"us,ru", 0, true, {kAlt}, "asd"}, {"us,ru", 1, true, {kShift, kControl}, "фыв"},
   };
-  for (const Case& each : cases) {
+  for (Case& each : cases) {
+    // Qt goes by the keyboard's state, not by the event's
+    if (kind == TypingClient::Kind::qtView) each.held.clear();
     keyboard.setLayout(each.layout);
     const std::string keymap = TypingKeyboard::dump();
     expectExact(each, text);
@@ -83,7 +98,10 @@ TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
     keyboard.lockGroup(each.group);
     quartz::letGo();
     EXPECT_TRUE(TypingKeyboard::dump() == keymap) << "the keymap stays changed: " << each.layout;
+    keyboard.tapKeys({38, 39, 40});
+    EXPECT_EQ(client.received(each.ownKeys), each.ownKeys);
   }
+  if (kind == TypingClient::Kind::qtView) expectShortcut();
 }
 
 }  // namespace
@@ -91,8 +109,8 @@ TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
-  if (argc > 1 && std::strcmp(argv[1], "terminal") == 0) {
-    tapdeck::testing::kind = tapdeck::testing::TypingClient::Kind::terminal;
-  }
+  using Kind = tapdeck::testing::TypingClient::Kind;
+  if (argc > 1 && std::strcmp(argv[1], "qtview") == 0) tapdeck::testing::kind = Kind::qtView;
+  if (argc > 1 && std::strcmp(argv[1], "terminal") == 0) tapdeck::testing::kind = Kind::terminal;
   return RUN_ALL_TESTS();
 }

@@ -33,23 +33,40 @@ TEST(KeyPlanTest, OnlyKeysThatNobodyMissesAreSpare) {
   constexpr Keysym launch5 = 0x1008FF45;
   constexpr Keysym raiseVolume = 0x1008FF13;
   Keymap map;
-  map.first = 10;
-  map.last = 15;
+  map.first = 200;
+  map.last = 205;
   const auto define = [&map](Keycode code, Keysym keysym) {
     map.keys[code].groupInfo = 1;
     map.keys[code].width = 1;
     map.keys[code].keysyms = {keysym};
   };
-  define(11, launch5);
-  define(12, raiseVolume);
-  define(13, launch5);
-  map.modifiers[13] = 1;
-  define(14, launch5);
-  map.keys[14].actions = {KeyAction{1}};
-  map.isSpecial[15] = true;
+  define(201, launch5);
+  define(202, raiseVolume);
+  define(203, launch5);
+  map.modifiers[203] = 1;
+  define(204, launch5);
+  map.keys[204].actions = {KeyAction{1}};
+  map.isSpecial[205] = true;
   const SpareKeys spare = spareKeysOf(map);
-  EXPECT_THAT(spare.unused, ElementsAre(10));
-  EXPECT_THAT(spare.rare, ElementsAre(11));
+  EXPECT_THAT(spare.unused, ElementsAre(200));
+  EXPECT_THAT(spare.rare, ElementsAre(201));
+}
+
+TEST(KeyPlanTest, AMissingKeyIsAFurtherGroupInItsPlace) {
+  constexpr Keycode code = 24;
+  const UsKey q{'q', 'Q'};
+  const KeyMeaning original = twoGroups(0x6CA, 0x6EA, 0x7F8, 0x7D8);
+  Keymap map;
+  map.keys[code] = original;
+  EXPECT_EQ(usPlaceOf(q, map), code);
+  const KeyMeaning made = withUsGroup(original, q, 3);
+  EXPECT_THAT(made.keysyms, ElementsAre(0x6CA, 0x6EA, 0x7F8, 0x7D8, 0x6CA, 0x6EA, 'q', 'Q'))
+      << "a group that the key did not have gives what it gave there";
+  EXPECT_TRUE(hasUsGroup(made, original, code));
+  EXPECT_FALSE(hasUsGroup(original, original, code));
+  EXPECT_FALSE(hasUsGroup(made, twoGroups('x', 'X', 'y', 'Y'), code)) << "another layout since";
+  map.modifiers[code] = 1;
+  EXPECT_FALSE(usPlaceOf(q, map)) << "a modifier stays what it is";
 }
 
 TEST(JournalTest, ReadsWhatItWroteAndNothingElse) {

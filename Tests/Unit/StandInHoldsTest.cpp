@@ -65,6 +65,23 @@ TEST(StandInHolds, OtherConnections) {
   EXPECT_THAT(endOf(holds, 1), IsEmpty());
 }
 
+TEST(StandInHolds, HidesOfTheCursorAreCounted) {
+  const MethodCall hide = call("hideCursor");
+  const MethodCall show = call("showCursor");
+  Holds holds;
+  note(holds, 1, {hide, hide, show, hide});
+  note(holds, 2, {hide});
+  EXPECT_THAT(endOf(holds, 1), ElementsAre("showCursor", "showCursor"));
+  // Somebody else's show counts, one show too many does not.
+  note(holds, 3, {hide, hide, hide, show});
+  note(holds, 4, {show, show});
+  note(holds, 5, {show, show});
+  EXPECT_THAT(endOf(holds, 2), IsEmpty());
+  EXPECT_THAT(endOf(holds, 3), IsEmpty());
+  for (size_t i = 0; i < Holds::kMostPerConnection; ++i) ASSERT_TRUE(holds.note(6, hide));
+  EXPECT_FALSE(holds.note(6, hide));
+}
+
 TEST(StandInHolds, IsBounded) {
   Holds holds;
   EXPECT_FALSE(holds.note(1, key("keyDown", std::string(Holds::kLongestName + 1, 'k'))));

@@ -36,11 +36,8 @@ CGError CGWarpMouseCursorPosition(CGPoint position) {
   if (session() == nullptr) return kCGErrorFailure;
   const auto pixel = tapdeck::quartz::currentPointSpace().pixelAt(position);
   if (!pixel) return kCGErrorIllegalArgument;
-  const auto& connection = session()->connection;
-  xcb_warp_pointer(connection.get(), XCB_WINDOW_NONE, connection.root(), 0, 0, 0, 0, pixel->x,
-                   pixel->y);
-  connection.flush();
-  return connection.isAlive() ? kCGErrorSuccess : kCGErrorFailure;
+  session()->poster.warp(*pixel);
+  return session()->connection.isAlive() ? kCGErrorSuccess : kCGErrorFailure;
 }
 
 int32_t CGShieldingWindowLevel() {

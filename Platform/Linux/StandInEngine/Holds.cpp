@@ -57,21 +57,36 @@ bool Holds::note(Connection connection, const MethodCall& call) {
   if (!change.name) return true;
   if (change.name->size() > kLongestName) return false;
   if (!change.presses) {
-    // The host knows one state per button and key: up is up, whoever pressed it.
-    std::erase_if(_holds, [&](const Hold& hold) {
-      return hold.kind == change.kind && hold.name == *change.name;
-    });
+    letGo(connection, change);
     return true;
   }
   size_t count = 0;
   for (const Hold& hold : _holds) {
     if (hold.connection != connection) continue;
-    if (hold.kind == change.kind && hold.name == *change.name) return true;
+    const bool isCounted = hold.kind == Kind::cursor;
+    if (!isCounted && hold.kind == change.kind && hold.name == *change.name) return true;
     ++count;
   }
   if (count >= kMostPerConnection) return false;
   _holds.push_back({connection, change.kind, *change.name});
   return true;
+}
+
+void Holds::letGo(Connection connection, const Change& change) {
+  if (change.kind != Kind::cursor) {
+    // The host knows one state per button and key: up is up, whoever pressed it.
+    std::erase_if(_holds, [&](const Hold& hold) {
+      return hold.kind == change.kind && hold.name == *change.name;
+    });
+    return;
+  }
+  // One show takes back one hide: the connection's own, if it has one.
+  const auto isHide = [](const Hold& hold) { return hold.kind == Kind::cursor; };
+  auto hide = std::find_if(_holds.begin(), _holds.end(), [&](const Hold& hold) {
+    return isHide(hold) && hold.connection == connection;
+  });
+  if (hide == _holds.end()) hide = std::find_if(_holds.begin(), _holds.end(), isHide);
+  if (hide != _holds.end()) _holds.erase(hide);
 }
 
 std::vector<MethodCall> Holds::end(Connection connection) {
@@ -86,7 +101,8 @@ std::vector<MethodCall> Holds::end(Connection connection) {
                    [](const Hold& a, const Hold& b) { return a.kind < b.kind; });
   std::vector<MethodCall> calls;
   for (const Hold& hold : left) {
-    if (!isHeld(hold.kind, hold.name)) calls.push_back(releaseOf(hold));
+    if (hold.kind == Kind::cursor || !isHeld(hold.kind, hold.name))
+      calls.push_back(releaseOf(hold));
   }
   return calls;
 }

@@ -10,7 +10,8 @@ namespace tapdeck::standin {
 
 /// What the connections hold on the host: mouse buttons, keys, the hidden cursor, the laser. It is
 /// fed the calls on the control channel as they are forwarded, and says how to let go of what a
-/// connection leaves behind. Not safe on several threads.
+/// connection leaves behind. The host counts hides of the cursor, so they are counted here too. Not
+/// safe on several threads.
 class Holds {
  public:
   using Connection = uint64_t;
@@ -22,7 +23,8 @@ class Holds {
   bool note(Connection connection, const MethodCall& call);
 
   /// The connection is gone: the calls that let go of what it still holds and no other connection
-  /// does. Buttons come first, then keys, in each case the last pressed first.
+  /// does, and show the cursor as often as it has hidden it. Buttons come first, then keys, in each
+  /// case the last pressed first.
   std::vector<MethodCall> end(Connection connection);
 
  private:
@@ -35,6 +37,7 @@ class Holds {
   struct Change;
   static Change changeOf(const MethodCall& call);
   static MethodCall releaseOf(const Hold& hold);
+  void letGo(Connection connection, const Change& change);
   bool isHeld(Kind kind, const std::string& name) const;
 
   /// In the order of pressing.

@@ -24,6 +24,9 @@ std::vector<std::string> commandFor(TypingClient::Kind kind, const std::string& 
   if (kind == TypingClient::Kind::textView) {
     return {"env", plain, ownFolder() + "/typing_text_view", title, file};
   }
+  if (kind == TypingClient::Kind::qtView) {
+    return {"env", "QT_IM_MODULE=none", "/usr/bin/python3", QT_VIEW, title, file};
+  }
   // raw, so that no line discipline interprets what comes; shown, so that the terminal works as
   // hard as it does for people
   return {"env",
@@ -58,7 +61,7 @@ TypingClient::TypingClient(Kind kind, Observer& observer) : _kind(kind) {
   _process.emplace(commandFor(kind, title, _file));
   const bool isReady = eventually([&] {
     return activeTitle(observer) == title &&
-           (kind == Kind::textView || std::filesystem::exists(_file));
+           (kind != Kind::terminal || std::filesystem::exists(_file));
   });
   if (!isReady) throw std::runtime_error("no focus: " + _process->errors());
 }

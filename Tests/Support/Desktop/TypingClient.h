@@ -13,7 +13,7 @@ namespace tapdeck::testing {
 /// An application with the keyboard focus that keeps what is typed into it.
 class TypingClient {
  public:
-  enum class Kind { textView, terminal };
+  enum class Kind { textView, qtView, terminal };
 
   /// Starts it and waits until it has the focus.
   TypingClient(Kind kind, Observer& observer);

@@ -1,5 +1,7 @@
 #include "Tests/Support/Desktop/TypingKeyboard.h"
 
+#include <xcb/xtest.h>
+
 #include <cstdlib>
 #include <stdexcept>
 
@@ -20,7 +22,8 @@ TypingKeyboard::TypingKeyboard(Observer& observer) : _observer(observer) {
 }
 
 void TypingKeyboard::setLayout(const std::string& layout) {
-  if (std::system(("setxkbmap -layout " + layout).c_str()) != 0) throw std::runtime_error(layout);
+  if (std::system(("setxkbmap -option '' -layout " + layout).c_str()) != 0)
+    throw std::runtime_error(layout);
   lockGroup(0);
   lockCaps(false);
 }
@@ -43,6 +46,13 @@ TypingKeyboard::State TypingKeyboard::state() {
   return {reply->baseMods, reply->lockedMods, reply->group};
 }
 
+int TypingKeyboard::groups() {
+  const auto reply = owned(xcb_xkb_get_controls_reply(
+      _observer.get(), xcb_xkb_get_controls(_observer.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+  if (reply == nullptr) throw std::runtime_error("the X server does not answer");
+  return reply->numGroups;
+}
+
 std::string TypingKeyboard::pressedKeys() {
   const auto reply =
       owned(xcb_query_keymap_reply(_observer.get(), xcb_query_keymap(_observer.get()), nullptr));
@@ -51,6 +61,15 @@ std::string TypingKeyboard::pressedKeys() {
     if ((reply->keys[code / 8] >> (code % 8) & 1) != 0) pressed += std::to_string(code) + " ";
   }
   return pressed;
+}
+
+void TypingKeyboard::tapKeys(const std::vector<uint8_t>& codes) {
+  for (const uint8_t code : codes) {
+    for (const uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+      xcb_test_fake_input(_observer.get(), type, code, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+    }
+  }
+  _observer.sync();
 }
 
 std::string TypingKeyboard::dump() {

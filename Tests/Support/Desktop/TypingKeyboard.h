@@ -3,6 +3,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include <string>
+#include <vector>
 
 #include "Tests/Support/Desktop/Observer.h"
 
@@ -17,13 +18,18 @@ class TypingKeyboard {
   };
 
   explicit TypingKeyboard(Observer& observer);
-  /// As `setxkbmap -layout` takes it; the first group is active and nothing is locked.
+  /// As `setxkbmap -layout` takes it, " -option" and an option after it or none; the first group is
+  /// active and nothing is locked.
   void setLayout(const std::string& layout);
   void lockGroup(uint8_t group);
   void lockCaps(bool locked);
   State state();
+  /// How many there are, those of borrowed keys included.
+  int groups();
   /// Which keycodes are pressed, in order.
   std::string pressedKeys();
+  /// Presses and releases the keys themselves, as the user does.
+  void tapKeys(const std::vector<uint8_t>& codes);
   /// All of the map, as text.
   static std::string dump();
 

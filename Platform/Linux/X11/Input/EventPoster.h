@@ -24,6 +24,8 @@ class EventPoster {
 
   /// Without the user's permission only releases of what is held here still go out.
   void post(const __CGEvent& event);
+  /// Moves the pointer without an event; needs no permission.
+  void warp(Pixel pixel) { _queue.add(WarpStep{pixel}); }
   /// Waits, not for ever, for text that is still being typed; then releases all that is held and
   /// gives the keyboard's map back.
   void letGo();

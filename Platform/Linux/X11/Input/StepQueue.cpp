@@ -14,14 +14,13 @@ constexpr milliseconds kPause{15};
 // So long text may gather for one change of the keymap, which costs every program on the desktop
 // some time.
 constexpr milliseconds kGatherTime{150};
-// The borrowed keys are given back when nothing was typed for so long.
-constexpr std::chrono::seconds kIdleTime{60};
 // What is still waiting at the end, in the worst case behind an application that does not answer.
 constexpr std::chrono::seconds kEndTime{8};
 
 }  // namespace
 
-StepQueue::StepQueue(Connection& output) : _keyboard(output), _thread([this] { run(); }) {}
+StepQueue::StepQueue(Connection& output, milliseconds idleTime)
+    : _idleTime(idleTime), _keyboard(output), _thread([this] { run(); }) {}
 
 StepQueue::~StepQueue() {
   letGo();
@@ -48,6 +47,7 @@ std::optional<Pixel> StepQueue::waitingMotion() {
   const Lock lock(_mutex);
   for (auto step = _waiting.rbegin(); step != _waiting.rend(); ++step) {
     if (const auto* motion = std::get_if<MotionStep>(&*step)) return motion->pixel;
+    if (const auto* warp = std::get_if<WarpStep>(&*step)) return warp->pixel;
   }
   return std::nullopt;
 }
@@ -71,15 +71,15 @@ void StepQueue::run() {
       _changed.notify_all();
     } else if (!_keyboard.isBorrowing()) {
       _changed.wait(lock);
-    } else if (_changed.wait_until(lock, _lastAdded + kIdleTime) == std::cv_status::timeout) {
-      if (_waiting.empty() && Clock::now() >= _lastAdded + kIdleTime) {
-        _isBusy = true;
-        lock.unlock();
-        _keyboard.giveBack();
-        lock.lock();
-        _isBusy = false;
-        _changed.notify_all();
-      }
+    } else if (const auto end = _keyboard.lastNeed() + _idleTime; Clock::now() < end) {
+      _changed.wait_until(lock, end);
+    } else {
+      _isBusy = true;
+      lock.unlock();
+      _keyboard.giveBack();
+      lock.lock();
+      _isBusy = false;
+      _changed.notify_all();
     }
   }
 }

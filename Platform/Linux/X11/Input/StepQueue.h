@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
@@ -15,7 +16,9 @@ namespace tapdeck::quartz {
 /// one change serves many.
 class StepQueue {
  public:
-  explicit StepQueue(Connection& output);
+  /// Borrowed keys are given back when none was needed for `idleTime`.
+  explicit StepQueue(Connection& output,
+                     std::chrono::milliseconds idleTime = std::chrono::seconds(60));
   ~StepQueue();
   StepQueue(const StepQueue&) = delete;
   StepQueue& operator=(const StepQueue&) = delete;
@@ -32,6 +35,7 @@ class StepQueue {
   void empty(Lock& lock);
   void gather(Lock& lock);
 
+  const std::chrono::milliseconds _idleTime;
   LiveKeyboard _keyboard;
   std::mutex _mutex;
   std::condition_variable _changed;

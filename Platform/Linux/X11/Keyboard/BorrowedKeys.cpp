@@ -13,9 +13,6 @@
 namespace tapdeck::quartz {
 namespace {
 
-// enough for the modifiers' shortcuts of a layout without Latin letters; text needs the others more
-constexpr size_t kMostSubstitutes = 16;
-
 bool useKeyboardExtension(const Connection& connection) {
   const auto reply =
       connection.wait(xcb_xkb_use_extension(connection.get(), 1, 0), xcb_xkb_use_extension_reply);
@@ -38,6 +35,17 @@ class ServerGrab {
  private:
   const Connection& _connection;
 };
+
+/// Qt 5 takes the first group for the active one once the map has changed, until it hears of a
+/// change of groups.
+void announceGroup(const Connection& connection) {
+  const auto state = connection.wait(xcb_xkb_get_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD),
+                                     xcb_xkb_get_state_reply);
+  if (state == nullptr || state->lockedGroup == 0) return;
+  for (const uint8_t group : {uint8_t{0}, state->lockedGroup}) {
+    xcb_xkb_latch_lock_state(connection.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+  }
+}
 
 bool isMapEvent(const xcb_generic_event_t& event, uint8_t firstEvent) {
   if ((event.response_type & 0x7f) != firstEvent) return false;
@@ -64,7 +72,8 @@ BorrowedKeys::BorrowedKeys(Connection& output, InputSender& sender)
     // only what bears this program's marks: the user may have another layout since
     KeyMeanings ours;
     for (const auto& [code, meaning] : left.meanings) {
-      if (isTextKey(_now.keys[code]) || isSubstitute(_now.keys[code])) ours[code] = meaning;
+      const KeyMeaning& now = _now.keys[code];
+      if (isTextKey(now) || hasUsGroup(now, meaning, code)) ours[code] = meaning;
     }
     putBack(ours);
     _sender.keepMeanings({});
@@ -112,18 +121,14 @@ std::optional<BorrowedKeys::TextPlace> BorrowedKeys::textPlace(Keysym keysym) co
   return placeOf(*slot);
 }
 
-std::optional<Keycode> BorrowedKeys::substitute(const UsKey& key) const {
-  const auto slot = _substitutes.find(key.plain);
-  if (!slot) return std::nullopt;
-  return _substituteCodes[*slot];
+std::optional<RealKey> BorrowedKeys::usKey(const UsKey& key) const {
+  const auto found = _usKeys.find(key.plain);
+  if (found == _usKeys.end()) return std::nullopt;
+  return found->second;
 }
 
 void BorrowedKeys::useText(Keysym keysym) {
   if (const auto slot = _text.find(keysym)) _text.use(*slot, ++_time);
-}
-
-void BorrowedKeys::useSubstitute(const UsKey& key) {
-  if (const auto slot = _substitutes.find(key.plain)) _substitutes.use(*slot, ++_time);
 }
 
 // The first groups of all keys come first: mostly they need no other group to be made active.
@@ -144,42 +149,44 @@ KeyMeaning BorrowedKeys::textMeaning(size_t key) const {
 }
 
 bool BorrowedKeys::takesPlacesAway(const Wanted& wanted) const {
-  if (!isBorrowing()) return false;
   size_t missing = 0;
   size_t empty = 0;
   std::set<Keysym> seen;
   for (const Keysym keysym : wanted.text)
     missing += !_text.find(keysym) && seen.insert(keysym).second;
   for (size_t slot = 0; slot < _text.size(); ++slot) empty += _text.at(slot) == kNoKeysym;
-  if (missing > empty) return true;
-  missing = empty = 0;
-  for (const UsKey& key : wanted.keys) missing += !_substitutes.find(key.plain);
-  for (size_t slot = 0; slot < _substitutes.size(); ++slot) {
-    empty += _substitutes.at(slot) == kNoKeysym;
-  }
-  return missing > empty;
+  return _text.size() > 0 && missing > empty;
 }
 
 bool BorrowedKeys::place(const Wanted& wanted) {
-  const bool first = !isBorrowing();
-  if (first && !borrow()) return false;
+  if (!followChanges()) return false;
+  KeyMeanings meanings;
+  const bool newText = !wanted.text.empty() && placeText(wanted.text, meanings);
+  const bool newKeys = !wanted.keys.empty() && placeKeys(wanted.keys, meanings);
+  if (!meanings.empty()) send(meanings, newKeys ? ToldAs::newKeyboard : ToldAs::change);
+  return (newText || newKeys) && isBorrowing();
+}
+
+bool BorrowedKeys::placeText(const std::vector<Keysym>& text, KeyMeanings& meanings) {
+  const bool first = _textCodes.empty();
+  if (first && !chooseTextCodes()) return false;
   std::set<Keycode> changed;
   bool any = false;
 
   // no more than there are places, else those needed first might find none
   std::set<Keysym> needed;
-  for (const Keysym keysym : wanted.text) {
+  for (const Keysym keysym : text) {
     if (needed.size() < _text.size()) needed.insert(keysym);
   }
-  const auto neededText = [&](size_t slot) { return needed.contains(_text.at(slot)); };
+  const auto mustStay = [&](size_t slot) { return needed.contains(_text.at(slot)); };
   const auto takeEmpty = [&](Keysym keysym) {
     if (_text.find(keysym)) return;
     if (const auto slot = _text.takeEmpty(keysym)) changed.insert(placeOf(*slot).code);
   };
-  for (const Keysym keysym : wanted.text) {
+  for (const Keysym keysym : text) {
     if (_text.find(keysym) || !needed.contains(keysym)) continue;
     auto slot = _text.takeEmpty(keysym);
-    if (!slot) slot = _text.takeOldest(keysym, _time, neededText);
+    if (!slot) slot = _text.takeOldest(keysym, _time, mustStay);
     if (!slot) break;
     any = true;
     changed.insert(placeOf(*slot).code);
@@ -191,62 +198,53 @@ bool BorrowedKeys::place(const Wanted& wanted) {
     takeEmpty(keysyms::Return);
     for (const Keysym keysym : companionsOf(' ')) takeEmpty(keysym);
   }
-
-  const auto mustStay = [&](size_t slot) {
-    const auto is = [&](const UsKey& key) { return key.plain == _substitutes.at(slot); };
-    return wanted.held.test(_substituteCodes[slot]) ||
-           std::any_of(wanted.keys.begin(), wanted.keys.end(), is);
-  };
-  KeyMeanings meanings;
-  for (const UsKey& key : wanted.keys) {
-    if (_substitutes.find(key.plain)) continue;
-    auto slot = _substitutes.takeEmpty(key.plain);
-    if (!slot) slot = _substitutes.takeOldest(key.plain, _time, mustStay);
-    if (!slot) break;
-    any = true;
-    meanings[_substituteCodes[*slot]] = substituteFor(key);
-  }
   for (size_t key = 0; key < _textCodes.size(); ++key) {
     if (first || changed.contains(_textCodes[key])) meanings[_textCodes[key]] = textMeaning(key);
   }
-  if (meanings.empty()) return any;
+  return any;
+}
 
+// Where one is lacking, others are: all of them in one change.
+bool BorrowedKeys::placeKeys(std::vector<UsKey> keys, KeyMeanings& meanings) {
+  const uint8_t group = furtherGroupOf(_layout);
+  const auto others = usTextKeys();
+  bool any = false;
+  keys.insert(keys.end(), others.begin(), others.end());
+  for (const UsKey& key : keys) {
+    if (_usKeys.contains(key.plain) || realKeyFor(key, _layout, 0)) continue;
+    const auto code = usPlaceOf(key, _layout);
+    if (!code) continue;
+    meanings[*code] = withUsGroup(_layout.keys[*code], key, group);
+    _usKeys[key.plain] = {*code, group};
+    any = true;
+  }
+  return any;
+}
+
+void BorrowedKeys::send(const KeyMeanings& meanings, ToldAs toldAs) {
+  for (const auto& [code, meaning] : meanings) _originals.try_emplace(code, _layout.keys[code]);
+  _sender.keepMeanings(_originals);
   const bool newActions = std::any_of(meanings.begin(), meanings.end(), [&](const auto& meaning) {
     return meaning.second.actions != _now.keys[meaning.first].actions;
   });
   {
     const ServerGrab grab(_output);
-    sendKeysyms(_output.get(), _now, meanings);
+    sendKeysyms(_output.get(), _now, meanings, toldAs);
     if (newActions) sendActions(_output.get(), _now, meanings);
+    announceGroup(_output);
   }
   // has the server's word on it, whoever else may have changed the map meanwhile
   _events.finish();
   followChanges();
-  return any && isBorrowing();
 }
 
-bool BorrowedKeys::borrow() {
-  if (!followChanges()) return false;
-  choose();
-  if (_textCodes.empty()) return false;
-  for (const auto* codes : {&_textCodes, &_substituteCodes}) {
-    for (const Keycode code : *codes) _originals[code] = _layout.keys[code];
-  }
-  _text = SlotPool(_textCodes.size() * kTextGroups);
-  _substitutes = SlotPool(_substituteCodes.size());
-  _sender.keepMeanings(_originals);
-  return true;
-}
-
-void BorrowedKeys::choose() {
+bool BorrowedKeys::chooseTextCodes() {
   const SpareKeys spare = spareKeysOf(_layout);
-  std::vector<Keycode> codes = spare.unused;
+  _textCodes = spare.unused;
   const auto rare = withoutGrabbed(spare.rare);
-  codes.insert(codes.end(), rare.begin(), rare.end());
-  const size_t substitutes = std::min(kMostSubstitutes, codes.size() / 4);
-  const auto border = codes.end() - static_cast<std::ptrdiff_t>(substitutes);
-  _textCodes.assign(codes.begin(), border);
-  _substituteCodes.assign(border, codes.end());
+  _textCodes.insert(_textCodes.end(), rare.begin(), rare.end());
+  _text = SlotPool(_textCodes.size() * kTextGroups);
+  return !_textCodes.empty();
 }
 
 // A key that some program has taken for itself everywhere (a launch key that starts something)
@@ -278,14 +276,16 @@ void BorrowedKeys::putBack(const KeyMeanings& originals) {
     const ServerGrab grab(_output);
     sendActions(_output.get(), _now, originals);
     sendKeysyms(_output.get(), _now, originals);
+    announceGroup(_output);
   }
   _events.finish();
 }
 
 void BorrowedKeys::forget() {
   _originals.clear();
+  _textCodes.clear();
   _text = SlotPool(0);
-  _substitutes = SlotPool(0);
+  _usKeys.clear();
   _sender.keepMeanings({});
   if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
   _layout = _now;

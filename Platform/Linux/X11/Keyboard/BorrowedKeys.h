@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -13,8 +14,8 @@
 
 namespace tapdeck::quartz {
 
-/// The keycodes that typing borrows from the keyboard's map: most of them are text keys, the others
-/// stand in for keys that the layout lacks. One thread at a time.
+/// What typing borrows from the keyboard's map: keycodes that hardly anyone uses, for text, and a
+/// further group of the keys where a US keyboard has what the layout lacks. One thread at a time.
 class BorrowedKeys {
  public:
   /// Changes the map through `output`, on which the keys are sent too, so that both keep their
@@ -30,35 +31,39 @@ class BorrowedKeys {
   /// The map as the user has it.
   const Keymap& layout() const { return _layout; }
   bool isBorrowing() const { return !_originals.empty(); }
+  bool isBorrowed(Keycode code) const { return _originals.contains(code); }
+  /// How many groups the keyboard has now, those of the borrowed keys included.
+  int groups() const { return _now.groups(); }
 
   struct TextPlace {
     Keycode code;
     uint8_t group;
   };
   std::optional<TextPlace> textPlace(Keysym keysym) const;
-  std::optional<Keycode> substitute(const UsKey& key) const;
+  /// A key that the layout lacks.
+  std::optional<RealKey> usKey(const UsKey& key) const;
   /// To be told before each use.
   void useText(Keysym keysym);
-  void useSubstitute(const UsKey& key);
 
   /// What is to get a place, the sooner needed the earlier.
   struct Wanted {
     std::vector<Keysym> text;
     std::vector<UsKey> keys;
-    /// Keycodes that are pressed: they stay what they are.
-    std::bitset<256> held;
   };
   /// Whether that takes places away from what applications may not have read yet.
   bool takesPlacesAway(const Wanted& wanted) const;
   /// Gives places, as many as there are, in one change of the map. All earlier uses count as read.
-  /// False when not even the first could get one.
+  /// False when nothing could get one that had none.
   bool place(const Wanted& wanted);
   /// The keymap is what it was before.
   void giveBack();
 
  private:
-  bool borrow();
-  void choose();
+  /// Each adds the new meanings of keys; false when nothing could get a place that had none.
+  bool placeText(const std::vector<Keysym>& text, KeyMeanings& meanings);
+  bool placeKeys(std::vector<UsKey> keys, KeyMeanings& meanings);
+  void send(const KeyMeanings& meanings, ToldAs toldAs);
+  bool chooseTextCodes();
   std::vector<Keycode> withoutGrabbed(std::vector<Keycode> codes);
   TextPlace placeOf(size_t slot) const;
   KeyMeaning textMeaning(size_t key) const;
@@ -76,9 +81,9 @@ class BorrowedKeys {
   Keymap _now;
   KeyMeanings _originals;
   std::vector<Keycode> _textCodes;
-  std::vector<Keycode> _substituteCodes;
   SlotPool _text{0};
-  SlotPool _substitutes{0};
+  /// By what the key gives plainly.
+  std::map<Keysym, RealKey> _usKeys;
   uint64_t _time = 0;
 };
 

@@ -115,7 +115,8 @@ bool ClientAnswer::takesPing(xcb_window_t window) {
          protocols.end();
 }
 
-// The answer goes to the root window, as that of a window manager's question does.
+// The answer goes to the root window, as that of a window manager's question does: to those who
+// want the root's own news too, by Qt 5's mask.
 bool ClientAnswer::ping(xcb_window_t window, Deadline deadline) {
   const xcb_atom_t protocols = _connection.atom("WM_PROTOCOLS");
   const xcb_atom_t pingAtom = _connection.atom("_NET_WM_PING");
@@ -123,7 +124,7 @@ bool ClientAnswer::ping(xcb_window_t window, Deadline deadline) {
   const auto listen = [this](uint32_t mask) {
     xcb_change_window_attributes(_connection.get(), _connection.root(), XCB_CW_EVENT_MASK, &mask);
   };
-  listen(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+  listen(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
   send(window, protocols, {pingAtom, number, window, 0, 0});
   const bool answered = awaitEvent(
       [&](const xcb_generic_event_t& event) {

@@ -2,7 +2,19 @@
 
 #include <xcb/xtest.h>
 
+#include <algorithm>
+
 namespace tapdeck::quartz {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// A button is pressed again after so long at the earliest, as no hand can do it sooner. Chromium
+// takes two presses with one time stamp for one press, and gets none of a press that comes while a
+// window manager still looks at the last one (openbox does at each click).
+constexpr std::chrono::milliseconds kPressGap{20};
+
+}  // namespace
 
 InputSender::InputSender(Connection& connection) : _connection(connection) {
   if (auto left = _journal.takeLeftOver()) {
@@ -14,6 +26,11 @@ InputSender::InputSender(Connection& connection) : _connection(connection) {
 
 void InputSender::move(Pixel pixel) {
   fake(XCB_MOTION_NOTIFY, 0, pixel);
+}
+
+void InputSender::warp(Pixel pixel) {
+  xcb_warp_pointer(_connection.get(), XCB_WINDOW_NONE, _connection.root(), 0, 0, 0, 0, pixel.x,
+                   pixel.y);
 }
 
 void InputSender::pressKey(Keycode code) {
@@ -42,13 +59,16 @@ void InputSender::pressButton(uint8_t button) {
     _held.buttons.set(button);
     _journal.write(_held);
   }
-  fake(XCB_BUTTON_PRESS, button);
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(_released[button] + kPressGap - Clock::now());
+  fake(XCB_BUTTON_PRESS, button, {0, 0}, static_cast<uint32_t>(std::max<int64_t>(0, left.count())));
 }
 
 void InputSender::releaseButton(uint8_t button) {
   fake(XCB_BUTTON_RELEASE, button);
   if (!_held.buttons.test(button)) return;
   _connection.finish();
+  _released[button] = Clock::now();
   _held.buttons.reset(button);
   _journal.write(_held);
 }
@@ -77,9 +97,9 @@ void InputSender::keepMeanings(const KeyMeanings& meanings) {
   _journal.write(_held);
 }
 
-void InputSender::fake(uint8_t type, uint8_t detail, Pixel pixel) {
-  xcb_test_fake_input(_connection.get(), type, detail, XCB_CURRENT_TIME, _connection.root(),
-                      pixel.x, pixel.y, 0);
+void InputSender::fake(uint8_t type, uint8_t detail, Pixel pixel, uint32_t delay) {
+  xcb_test_fake_input(_connection.get(), type, detail, delay, _connection.root(), pixel.x, pixel.y,
+                      0);
 }
 
 }  // namespace tapdeck::quartz

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <chrono>
+#include <cstdint>
+#include <map>
+
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Keyboard/Journal.h"
 #include "Platform/Linux/X11/PointSpace.h"
@@ -16,11 +20,13 @@ class InputSender {
   InputSender& operator=(const InputSender&) = delete;
 
   void move(Pixel pixel);
+  /// By the core protocol's WarpPointer.
+  void warp(Pixel pixel);
   void pressKey(Keycode code);
   void releaseKey(Keycode code);
   /// At once, nothing between the two.
   void tapKey(Keycode code);
-  /// The physical button.
+  /// The physical button. Soon after its last press the server waits a little first.
   void pressButton(uint8_t button);
   void releaseButton(uint8_t button);
   void tapButton(uint8_t button);
@@ -32,10 +38,13 @@ class InputSender {
   void keepMeanings(const KeyMeanings& meanings);
 
  private:
-  void fake(uint8_t type, uint8_t detail, Pixel pixel = {0, 0});
+  /// `delay`: milliseconds that the server waits before it, and before all that is sent after it.
+  void fake(uint8_t type, uint8_t detail, Pixel pixel = {0, 0}, uint32_t delay = 0);
 
   Connection& _connection;
   Journal _journal;
+  /// When each button was released last.
+  std::map<uint8_t, std::chrono::steady_clock::time_point> _released;
   Held _held;
   Held _leftOver;
 };

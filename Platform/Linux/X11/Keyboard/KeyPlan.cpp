@@ -4,14 +4,16 @@
 #include <unordered_map>
 
 #include "Platform/Linux/X11/Keyboard/Keysyms.h"
+#include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
 namespace tapdeck::quartz {
 namespace {
 
 // the first four key types are the same on every X server
-constexpr uint8_t kOneLevel = 0;
 constexpr uint8_t kTwoLevel = 1;
 constexpr uint8_t kAlphabetic = 2;
+
+constexpr int kMaxGroups = 4;
 
 // by virtual key code (kVK_)
 const std::unordered_map<CGKeyCode, UsKey>& usKeys() {
@@ -39,6 +41,99 @@ const std::unordered_map<CGKeyCode, UsKey>& usKeys() {
       {57, {Caps_Lock, 0}},
   };
   return keys;
+}
+
+/// Keycodes in a row, by evdev's numbers, from `first` on.
+struct Row {
+  Keycode first;
+  std::vector<Keysym> keysyms;
+};
+
+// no modifiers: what they do is not in their keysyms alone
+const std::unordered_map<Keysym, Keycode>& usPlaces() {
+  using namespace keysyms;
+  static const std::unordered_map<Keysym, Keycode> places = [] {
+    const Row rows[] = {
+        {9, {Escape, '1', '2', '3', '4', '5', '6', '7', '8', '9', '0', '-', '=', BackSpace, Tab}},
+        {24, {'q', 'w', 'e', 'r', 't', 'y', 'u', 'i', 'o', 'p', '[', ']', Return}},
+        {38, {'a', 's', 'd', 'f', 'g', 'h', 'j', 'k', 'l', ';', '\'', '`'}},
+        {51, {'\\'}},
+        {52, {'z', 'x', 'c', 'v', 'b', 'n', 'm', ',', '.', '/'}},
+        {65, {' '}},
+        {67, {F1, F1 + 1, F1 + 2, F1 + 3, F1 + 4, F1 + 5, F1 + 6, F1 + 7, F1 + 8, F1 + 9}},
+        {95, {F1 + 10, F1 + 11}},
+        {110, {Home, Up, Prior, Left, Right, End, Down, Next}},
+        {171, {XF86AudioNext, XF86AudioPlay, XF86AudioPrev}},
+    };
+    std::unordered_map<Keysym, Keycode> all;
+    for (const Row& row : rows) {
+      Keycode code = row.first;
+      for (const Keysym keysym : row.keysyms) all[keysym] = code++;
+    }
+    return all;
+  }();
+  return places;
+}
+
+/// Those that a US keyboard has in this place: one or none.
+std::vector<UsKey> usKeysAt(Keycode code) {
+  std::vector<UsKey> keys;
+  const auto add = [&](const UsKey& key) {
+    const auto place = usPlaces().find(key.plain);
+    if (place != usPlaces().end() && place->second == code) keys.push_back(key);
+  };
+  for (const auto& [virtualCode, key] : usKeys()) add(key);
+  for (uint32_t type = 16; type <= 18; ++type) add(*mediaKeyFor(type));
+  return keys;
+}
+
+bool isModifier(const UsKey& key) {
+  using namespace keysyms;
+  return key.plain == Shift_L || key.plain == Control_L || key.plain == Alt_L ||
+         key.plain == Super_L;
+}
+
+/// The real modifiers that the key changes by this action when it is pressed at this level.
+uint8_t modifiersChanged(const KeyMeaning& key, int activeGroup, size_t level, uint8_t action) {
+  constexpr size_t kind = 0;
+  constexpr size_t mask = 2;
+  const size_t place = static_cast<size_t>(key.groupFor(activeGroup)) * key.width + level;
+  if (level >= key.width || place >= key.actions.size()) return 0;
+  return key.actions[place][kind] == action ? key.actions[place][mask] : 0;
+}
+
+/// The real modifiers of the first key that has the keysym, at whatever level.
+uint8_t modifiersOf(Keysym keysym, const Keymap& map) {
+  for (int number = map.first; number <= map.last; ++number) {
+    const auto code = static_cast<Keycode>(number);
+    const auto& keysyms = map.keys[code].keysyms;
+    const bool hasIt = std::find(keysyms.begin(), keysyms.end(), keysym) != keysyms.end();
+    if (hasIt && map.modifiers[code] != 0) return map.modifiers[code];
+  }
+  return 0;
+}
+
+/// Its own key, else another that sets the same modifier, else one that does so under Shift, such
+/// as those that stand for no key of any keyboard (SUPR, META).
+std::optional<RealKey> modifierKeyFor(Keysym keysym, const Keymap& map, int activeGroup) {
+  const uint8_t wanted = modifiersOf(keysym, map);
+  const auto sets = [&](Keycode code, size_t level) {
+    const KeyMeaning& key = map.keys[code];
+    return wanted != 0 &&
+           modifiersChanged(key, activeGroup, level, XCB_XKB_SA_TYPE_SET_MODS) == wanted;
+  };
+  std::optional<RealKey> other;
+  for (int number = map.first; number <= map.last; ++number) {
+    const auto code = static_cast<Keycode>(number);
+    const KeyMeaning& key = map.keys[code];
+    if (sets(code, 0)) {
+      if (key.plainKeysym(key.groupFor(activeGroup)) == keysym) return RealKey{code, std::nullopt};
+      if (!other || other->isShifted) other = RealKey{code, std::nullopt};
+    } else if (!other && sets(code, 1)) {
+      other = RealKey{code, std::nullopt, true};
+    }
+  }
+  return other;
 }
 
 bool isSpare(Keysym keysym) {
@@ -74,6 +169,17 @@ bool isSpare(Keysym keysym) {
   return std::find(rare.begin(), rare.end(), keysym) != rare.end();
 }
 
+std::optional<RealKey> capsLockKey(const Keymap& map, int activeGroup) {
+  for (int number = map.first; number <= map.last; ++number) {
+    const auto code = static_cast<Keycode>(number);
+    if (modifiersChanged(map.keys[code], activeGroup, 0, XCB_XKB_SA_TYPE_LOCK_MODS) ==
+        XCB_MOD_MASK_LOCK) {
+      return RealKey{code, std::nullopt};
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<UsKey> usKeyFor(CGKeyCode code) {
@@ -104,7 +210,15 @@ std::vector<CGKeyCode> modifierKeysIn(CGEventFlags flags) {
   return keys;
 }
 
+bool isCapsLock(const UsKey& key) {
+  return key.plain == keysyms::Caps_Lock;
+}
+
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup) {
+  if (isCapsLock(key)) return capsLockKey(map, activeGroup);
+  if (isModifier(key)) {
+    if (const auto modifier = modifierKeyFor(key.plain, map, activeGroup)) return modifier;
+  }
   if (const auto code = map.keyFor(key.plain, activeGroup)) return RealKey{*code, std::nullopt};
   for (uint8_t group = 0; group < 4; ++group) {
     if (const auto code = map.keyFor(key.plain, group)) return RealKey{*code, group};
@@ -112,27 +226,59 @@ std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activ
   return std::nullopt;
 }
 
-KeyMeaning substituteFor(const UsKey& key) {
-  const bool isLetter = key.plain >= 'a' && key.plain <= 'z';
-  const bool hasShifted = key.shifted != kNoKeysym;
-  KeyMeaning meaning;
-  meaning.types[0] = isLetter ? kAlphabetic : hasShifted ? kTwoLevel : kOneLevel;
-  meaning.groupInfo = 1;
-  meaning.keysyms = {key.plain};
-  if (hasShifted) meaning.keysyms.push_back(key.shifted);
-  meaning.width = static_cast<uint8_t>(meaning.keysyms.size());
-  return meaning;
+std::vector<UsKey> usTextKeys() {
+  std::vector<UsKey> keys;
+  for (const auto& [code, key] : usKeys()) {
+    if (key.shifted != kNoKeysym) keys.push_back(key);
+  }
+  return keys;
 }
 
-bool isSubstitute(const KeyMeaning& meaning) {
-  if (!meaning.actions.empty() || meaning.groups() != 1) return false;
-  for (const auto& [code, key] : usKeys()) {
-    if (meaning.keysyms == substituteFor(key).keysyms) return true;
+std::optional<Keycode> usPlaceOf(const UsKey& key, const Keymap& map) {
+  const auto found = usPlaces().find(key.plain);
+  if (found == usPlaces().end()) return std::nullopt;
+  const Keycode code = found->second;
+  const bool isPlain = map.modifiers[code] == 0 && !map.isSpecial[code] &&
+                       map.keys[code].actions.empty() && code >= map.first && code <= map.last;
+  if (!isPlain) return std::nullopt;
+  return code;
+}
+
+uint8_t furtherGroupOf(const Keymap& map) {
+  return static_cast<uint8_t>(std::clamp(map.groups(), 1, kMaxGroups - 1));
+}
+
+KeyMeaning withUsGroup(const KeyMeaning& meaning, const UsKey& key, uint8_t group) {
+  const uint8_t usType = key.plain >= 'a' && key.plain <= 'z' ? kAlphabetic : kTwoLevel;
+  const bool isPlaceTaken = group < meaning.groups();
+  const std::array<Keysym, 2> levels = {key.plain,
+                                        key.shifted == kNoKeysym ? key.plain : key.shifted};
+  KeyMeaning widened;
+  widened.groupInfo = static_cast<uint8_t>((meaning.groupInfo & 0xf0) | (group + 1));
+  widened.width = std::max<uint8_t>(meaning.width, levels.size());
+  for (int each = 0; each <= group; ++each) {
+    const bool isUs = each == group;
+    const auto own = static_cast<size_t>(meaning.groupFor(each));
+    // a group that gives way keeps its type: the widest one has to fill the width
+    widened.types[static_cast<size_t>(each)] = isUs && !isPlaceTaken ? usType : meaning.types[own];
+    for (size_t level = 0; level < widened.width; ++level) {
+      const bool hasOwn = meaning.groups() > 0 && level < meaning.width;
+      const Keysym ownKeysym = hasOwn ? meaning.keysyms[own * meaning.width + level] : kNoKeysym;
+      const Keysym usKeysym = level < levels.size() ? levels[level] : kNoKeysym;
+      widened.keysyms.push_back(isUs ? usKeysym : ownKeysym);
+    }
   }
-  for (uint32_t type = 16; type <= 18; ++type) {
-    if (meaning.keysyms == substituteFor(*mediaKeyFor(type)).keysyms) return true;
-  }
-  return false;
+  return widened;
+}
+
+bool hasUsGroup(const KeyMeaning& meaning, const KeyMeaning& original, Keycode code) {
+  if (meaning.groups() == 0) return false;
+  const auto group = static_cast<uint8_t>(meaning.groups() - 1);
+  const auto isMadeOf = [&](const UsKey& key) {
+    return meaning.keysyms == withUsGroup(original, key, group).keysyms;
+  };
+  const auto keys = usKeysAt(code);
+  return std::any_of(keys.begin(), keys.end(), isMadeOf);
 }
 
 SpareKeys spareKeysOf(const Keymap& map) {
@@ -143,6 +289,8 @@ SpareKeys spareKeysOf(const Keymap& map) {
     const auto code = static_cast<Keycode>(number);
     const KeyMeaning& key = map.keys[code];
     if (map.modifiers[code] != 0 || map.isSpecial[code] || !key.actions.empty()) continue;
+    // may be needed for the key that belongs there
+    if (!usKeysAt(code).empty()) continue;
     if (std::all_of(key.keysyms.begin(), key.keysyms.end(),
                     [](Keysym keysym) { return keysym == kNoKeysym; })) {
       spare.unused.push_back(code);

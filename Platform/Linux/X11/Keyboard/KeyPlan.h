@@ -28,18 +28,32 @@ struct RealKey {
   Keycode code;
   /// The group to be in while the key is pressed, where the active one does not give it.
   std::optional<uint8_t> group;
+  /// Whether Shift is to be on when it is pressed.
+  bool isShifted = false;
   friend bool operator==(const RealKey&, const RealKey&) = default;
 };
 
+bool isCapsLock(const UsKey& key);
+
 /// The key of the live layout: where the active group has it, else where another group has it;
-/// absent when a spare key must take its place. Shift, Control and the like act on it as they do.
+/// absent when the layout lacks it. Shift, Control and the like act on it as they do.
+/// For a modifier any key will do that sets what its own key stands for in the modifier map; for
+/// Caps Lock only one that locks.
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup);
 
-/// What a spare keycode is to mean in place of a key that the layout lacks: as the key on a US
-/// keyboard, with all modifiers at work.
-KeyMeaning substituteFor(const UsKey& key);
-/// Whether that made it, perhaps in a process before this one.
-bool isSubstitute(const KeyMeaning& meaning);
+// A key that the layout lacks is given as a further group of the key in the same place: some
+// programs go by the keysym, others by the place, and all of them find the same key.
+
+/// The text keys of a US keyboard.
+std::vector<UsKey> usTextKeys();
+/// Where a US keyboard has the key; absent when that place is a modifier or the like here.
+std::optional<Keycode> usPlaceOf(const UsKey& key, const Keymap& map);
+/// The group above all that the map has; the last one where it has four.
+uint8_t furtherGroupOf(const Keymap& map);
+/// The key with `key` as its group `group`; it goes on giving in the others what it gave.
+KeyMeaning withUsGroup(const KeyMeaning& meaning, const UsKey& key, uint8_t group);
+/// Whether that made `meaning`, the keycode's, of `original`, perhaps in a process before this one.
+bool hasUsGroup(const KeyMeaning& meaning, const KeyMeaning& original, Keycode code);
 
 /// Keycodes that typing may take: those without meaning, then those of keys that hardly any
 /// keyboard has and hardly anyone uses.

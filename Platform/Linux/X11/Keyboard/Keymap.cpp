@@ -131,6 +131,12 @@ Keysym KeyMeaning::plainKeysym(int group) const {
   return group < groups() && place < keysyms.size() ? keysyms[place] : kNoKeysym;
 }
 
+int Keymap::groups() const {
+  int most = 0;
+  for (const KeyMeaning& key : keys) most = std::max(most, key.groups());
+  return most;
+}
+
 std::optional<Keycode> Keymap::keyFor(Keysym keysym, int effective) const {
   for (int code = first; code <= last; ++code) {
     const KeyMeaning& key = keys[static_cast<size_t>(code)];

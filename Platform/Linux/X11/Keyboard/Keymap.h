@@ -48,6 +48,8 @@ struct Keymap {
   Keycode first = 8;
   Keycode last = 255;
 
+  /// Of the key that has most; the server takes a locked group above it for another.
+  int groups() const;
   /// The key that gives `keysym` without modifiers while the group `effective` is active.
   std::optional<Keycode> keyFor(Keysym keysym, int effective) const;
 };

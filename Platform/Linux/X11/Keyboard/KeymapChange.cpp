@@ -64,7 +64,8 @@ uint16_t addActions(Writer& writer, const Keymap& map, const Run& run) {
 
 }  // namespace
 
-void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings) {
+void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings,
+                 ToldAs toldAs) {
   for (const auto& [code, meaning] : meanings) {
     KeyMeaning& key = now.keys[code];
     auto actions = std::move(key.actions);
@@ -74,7 +75,10 @@ void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& m
   const Run run(meanings);
   Writer values;
   const uint16_t keysyms = addKeysyms(values, now, run);
-  xcb_xkb_set_map(connection, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0, now.first,
+  // The server tells of a new keyboard when the range of keycodes in the request is another than
+  // its own, and keeps its own where that is wider.
+  const Keycode first = toldAs == ToldAs::newKeyboard ? now.first + 1 : now.first;
+  xcb_xkb_set_map(connection, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0, first,
                   now.last, 0, 0, run.first, run.count(), keysyms, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
                   0, 0, 0, 0, 0, values.data());
 }

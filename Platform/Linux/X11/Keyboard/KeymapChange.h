@@ -19,7 +19,11 @@ using KeyMeanings = std::map<Keycode, KeyMeaning>;
 // The server holds the number of a key's actions against the number of keysyms that it had before
 // the request: keysyms and actions cannot change together. It refuses more actions than keysyms.
 
-void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings);
+/// How the server tells of a change: some programs (Chromium) read the map anew only when they hear
+/// of a new keyboard.
+enum class ToldAs { change, newKeyboard };
+void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings,
+                 ToldAs toldAs = ToldAs::change);
 void sendActions(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings);
 
 }  // namespace tapdeck::quartz

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <span>
 #include <variant>
@@ -14,6 +15,10 @@ namespace tapdeck::quartz {
 
 // What is to be done at the server, one after the other.
 struct MotionStep {
+  Pixel pixel;
+};
+/// By the core protocol's WarpPointer: no device has moved.
+struct WarpStep {
   Pixel pixel;
 };
 struct ButtonStep {
@@ -36,7 +41,7 @@ struct KeyStep {
 struct TextStep {
   std::vector<Keysym> keysyms;
 };
-using Step = std::variant<MotionStep, ButtonStep, WheelStep, KeyStep, TextStep>;
+using Step = std::variant<MotionStep, WarpStep, ButtonStep, WheelStep, KeyStep, TextStep>;
 
 /// Carries steps out on the live keyboard, whatever its layout. One thread at a time.
 class LiveKeyboard {
@@ -55,6 +60,8 @@ class LiveKeyboard {
   /// Keys that typing borrowed are the user's again; waits like `prepare`.
   void giveBack();
   bool isBorrowing() const { return _keys.isBorrowing(); }
+  /// When borrowed keys were last needed: now, while one is pressed.
+  std::chrono::steady_clock::time_point lastNeed() const;
   void releaseAll();
   bool isHeld(const UsKey& key) const { return _pressed.contains(key.plain); }
 
@@ -63,22 +70,44 @@ class LiveKeyboard {
     /// The active group, of which this much is locked: the rest is held or latched.
     uint8_t group = 0;
     uint8_t lockedGroup = 0;
-    bool isCapsLocked = false;
+    /// Real modifiers.
+    uint8_t lockedModifiers = 0;
   };
   struct Pressed {
     RealKey key;
-    std::vector<Keycode> around;
+    /// Modifiers that nobody held and the event claimed.
+    std::vector<RealKey> around;
+  };
+  /// The group that a pressed key needs is locked until that key is released, or another one is
+  /// pressed, and for some milliseconds at least: some programs (Qt) look for a key's shortcut by
+  /// the group of a moment later.
+  struct KeyGroup {
+    Keysym key;
+    uint8_t group;
+    uint8_t lockedBefore;
+    std::chrono::steady_clock::time_point since;
   };
   State state();
-  void lockCaps(bool locked);
+  void lockModifier(uint8_t modifier, bool locked);
   void lockGroup(uint8_t group);
+  /// The group to lock so that `wanted` is active, whatever is held or latched besides.
+  uint8_t groupToLock(uint8_t wanted, const State& now) const;
+  /// A person's layout switch went on to groups that only the borrowed keys have.
+  void putGroupIntoRange();
   void carryOutKey(const KeyStep& step);
   void press(const KeyStep& step);
+  /// Absent when there is none, or nothing left to press: Caps Lock without a key is locked at
+  /// once.
+  std::optional<RealKey> keyToPress(const UsKey& key, const State& now);
   /// Both in the key's group, so that applications take them for the same key.
-  void sendKey(const RealKey& key, bool down, uint8_t lockedGroup);
+  void sendKey(const RealKey& key, bool down, const State& now);
+  /// `now` becomes what it is then.
+  void enterKeyGroup(const UsKey& key, uint8_t group, State& now);
+  void leaveKeyGroup();
   void release(const UsKey& key);
+  /// Whether a key that is still pressed is this modifier, or was pressed with it.
+  bool isNeeded(const RealKey& modifier) const;
   void type(const TextStep& step);
-  std::bitset<256> heldCodes() const;
 
   Connection& _output;
   InputSender _sender;
@@ -87,6 +116,8 @@ class LiveKeyboard {
   ClientAnswer _answer;
   /// By the keysym that the key gives plainly.
   std::map<Keysym, Pressed> _pressed;
+  std::optional<KeyGroup> _keyGroup;
+  std::chrono::steady_clock::time_point _lastNeed;
 };
 
 }  // namespace tapdeck::quartz
