@@ -123,9 +123,10 @@ void Page::vanish() {
   g_io_stream_close(soup_websocket_connection_get_io_stream(_socket.get()), nullptr, nullptr);
 }
 
-void StandInTest::startEngine(std::chrono::milliseconds silenceLimit) {
+void StandInTest::startEngine(std::chrono::milliseconds silenceLimit,
+                              std::chrono::milliseconds pendingLimit) {
   engine.reset();
-  engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit});
+  engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit, pendingLimit});
 }
 
 std::unique_ptr<Page> StandInTest::openPage() {

@@ -76,7 +76,8 @@ class StandInTest : public testing::Test {
 
   StandInTest() { startEngine(); }
 
-  void startEngine(std::chrono::milliseconds silenceLimit = std::chrono::seconds(25));
+  void startEngine(std::chrono::milliseconds silenceLimit = std::chrono::seconds(25),
+                   std::chrono::milliseconds pendingLimit = std::chrono::seconds(10));
   uint16_t port() const { return readSession().value().port; }
   std::string host() const { return "127.0.0.1:" + std::to_string(port()); }
   /// Where a page connects to, with the token.

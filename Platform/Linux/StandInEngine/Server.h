@@ -8,11 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "Platform/Linux/StandInEngine/BackgroundCalls.h"
 #include "Platform/Linux/StandInEngine/Connection.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
 #include "Platform/Linux/StandInEngine/Holds.h"
+#include "Platform/Linux/StandInEngine/Listener.h"
 #include "Platform/Linux/StandInEngine/Page.h"
+#include "Platform/Linux/StandInEngine/PendingConnections.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
+#include "Platform/Linux/StandInEngine/Turns.h"
+#include "Platform/Linux/StandInEngine/WrongSecrets.h"
 
 namespace tapdeck {
 
@@ -30,6 +35,7 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   void invokeMethod(const std::string& channel, const MethodCall& call);
   std::vector<std::string> pageAddresses() const;
   std::vector<Peer> peers() const;
+  size_t wrongSecrets() const { return _wrongSecrets.total(); }
   void observePeers(std::function<void()> changed);
 
  private:
@@ -37,14 +43,19 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   using Weak = std::weak_ptr<Server>;
 
   void listen();
-  uint16_t listeningPort() const;
+  void takeIn(standin::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
   void servePage(SoupServerMessage* message) const;
   void serveUpgrade(SoupServerMessage* message, GHashTable* query);
+  void refuseSecret(SoupServerMessage* message);
   void completeUpgrade(SoupServerMessage* message);
 
+  std::shared_ptr<Connection> connectionOf(uint64_t number) const;
+  /// A request's turn has come.
+  void carryOut(uint64_t number, const standin::Request& request);
   void forward(const std::shared_ptr<Connection>& connection, const standin::Request& request);
+  Reply replyTo(const std::shared_ptr<Connection>& connection, const standin::Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
   void peersChanged();
@@ -54,9 +65,14 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   uint16_t _port = 0;
   standin::Page _page;
   standin::Object<SoupServer> _http;
+  std::unique_ptr<standin::Listener> _listener;
+  standin::PendingConnections _pending;
   std::vector<std::shared_ptr<Connection>> _connections;
   std::map<std::string, MethodCallHandler> _handlers;
   standin::Holds _holds;
+  standin::Turns _turns;
+  standin::BackgroundCalls _background;
+  standin::WrongSecrets _wrongSecrets;
   std::function<void()> _observer;
 };
 

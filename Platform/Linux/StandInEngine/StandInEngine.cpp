@@ -39,6 +39,10 @@ std::vector<StandInEngine::Peer> StandInEngine::peers() const {
   return _server->peers();
 }
 
+size_t StandInEngine::wrongSecrets() const {
+  return _server->wrongSecrets();
+}
+
 void StandInEngine::observePeers(std::function<void()> changed) {
   _server->observePeers(std::move(changed));
 }

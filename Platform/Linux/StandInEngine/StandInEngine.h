@@ -30,6 +30,8 @@ class StandInEngine final : public UIEngine {
     uint16_t port = 8420;
     /// A connection from which nothing comes for so long, no answer to a ping either, is ended.
     std::chrono::milliseconds silenceLimit = std::chrono::seconds(25);
+    /// So long an accepted connection has to become a WebSocket or to get its answer.
+    std::chrono::milliseconds pendingLimit = std::chrono::seconds(10);
   };
   /// One open connection, for people to read.
   struct Peer {
@@ -50,8 +52,10 @@ class StandInEngine final : public UIEngine {
   /// more than one when the engine listens on every interface.
   std::vector<std::string> pageAddresses() const;
   std::vector<Peer> peers() const;
-  /// Calls `changed` after each connect and disconnect, in the place of what was set before; an
-  /// empty one ends it.
+  /// How many attempts to connect had a wrong token, since the start.
+  size_t wrongSecrets() const;
+  /// Calls `changed` after each connect, disconnect and attempt with a wrong token, in the place of
+  /// what was set before; an empty one ends it.
   void observePeers(std::function<void()> changed);
 
   /// Ends every connection, letting go of what each still holds, stops listening and removes
