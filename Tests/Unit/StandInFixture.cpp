@@ -126,12 +126,12 @@ void Page::vanish() {
 void StandInTest::startEngine(std::chrono::milliseconds silenceLimit,
                               std::chrono::milliseconds pendingLimit) {
   engine.reset();
-  engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit, pendingLimit});
+  engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit, pendingLimit, devicesFile()});
 }
 
-std::unique_ptr<Page> StandInTest::openPage() {
+std::unique_ptr<Page> StandInTest::openPage(const std::string& path) {
   const size_t before = engine->peers().size();
-  auto page = std::make_unique<Page>("ws://" + host() + enginePath());
+  auto page = std::make_unique<Page>("ws://" + host() + (path.empty() ? enginePath() : path));
   EXPECT_TRUE(page->isOpen());
   EXPECT_TRUE(waitForPeers(before + 1));
   return page;

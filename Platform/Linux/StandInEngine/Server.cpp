@@ -58,7 +58,7 @@ bool offersSubprotocol(SoupServerMessage* message) {
 StandInEngine::Peer peerOf(SoupServerMessage* message) {
   const char* address = soup_server_message_get_remote_host(message);
   const char* agent = header(message, "User-Agent");
-  return {address != nullptr ? address : "", agent != nullptr ? agent : ""};
+  return {address != nullptr ? address : "", agent != nullptr ? agent : "", 0, false};
 }
 
 bool isTextTooLong(const MethodCall& call) {
@@ -104,14 +104,15 @@ std::string whyNotListening(const StandInEngine::Options& options, const GError&
 
 StandInEngine::Server::Server(Options options)
     : _options(std::move(options)),
-      _token(newToken()),
+      _token(randomDigits(16)),
       // The path is looked up as it was sent; nothing in it is decoded.
       _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))),
       _pending(_options.pendingLimit),
       _turns([this](uint64_t connection, const Request& request) {
         const auto keep = shared_from_this();
         carryOut(connection, request);
-      }) {}
+      }),
+      _devices(_options.devicesFile) {}
 
 void StandInEngine::Server::start() {
   listen();
@@ -208,6 +209,8 @@ void StandInEngine::Server::serve(SoupServerMessage* message, GHashTable* query)
   const std::string_view path = g_uri_get_path(soup_server_message_get_uri(message));
   if (path == "/engine") {
     serveUpgrade(message, query);
+  } else if (path == "/access") {
+    serveAccess(message, query);
   } else {
     servePage(message);
   }
@@ -225,14 +228,41 @@ void StandInEngine::Server::servePage(SoupServerMessage* message) const {
   soup_server_message_set_response(message, file->type, SOUP_MEMORY_STATIC, data, size);
 }
 
+/// Says what an upgrade would meet with, since a browser tells a page nothing of a refused one.
+void StandInEngine::Server::serveAccess(SoupServerMessage* message, GHashTable* query) {
+  const auto say = [message](guint status, const char* access) {
+    soup_server_message_set_status(message, status, nullptr);
+    const std::string json = std::string("{\"access\":\"") + access + "\"}";
+    soup_server_message_set_response(message, "application/json", SOUP_MEMORY_COPY, json.data(),
+                                     json.size());
+  };
+  switch (accessBy(query).kind) {
+    case Access::Kind::granted:
+      if (_connections.size() < kMaxConnections) {
+        say(SOUP_STATUS_OK, "granted");
+      } else {
+        say(SOUP_STATUS_SERVICE_UNAVAILABLE, "full");
+      }
+      return;
+    case Access::Kind::wrongToken:
+      say(SOUP_STATUS_FORBIDDEN, "wrong-token");
+      break;
+    case Access::Kind::forgotten:
+      say(SOUP_STATUS_FORBIDDEN, "forgotten");
+      break;
+  }
+  slowDown(message);
+}
+
 void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
-  const auto* token =
-      static_cast<const char*>(query != nullptr ? g_hash_table_lookup(query, "token") : nullptr);
-  if (token == nullptr || !equalInConstantTime(token, _token)) {
-    refuseSecret(message);
+  const Access access = accessBy(query);
+  if (access.kind != Access::Kind::granted) {
+    refuse(message, SOUP_STATUS_FORBIDDEN,
+           access.kind == Access::Kind::forgotten ? "Unknown device" : "Wrong token");
+    slowDown(message);
     return;
   }
-  if (!isOwnOrigin(header(message, "Origin"), header(message, "Host"))) {
+  if (!isOwnOrigin(header(message, "Origin"), "http", header(message, "Host"))) {
     refuse(message, SOUP_STATUS_FORBIDDEN, "Wrong origin");
     return;
   }
@@ -250,25 +280,34 @@ void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable*
   if (!soup_websocket_server_process_handshake(message, nullptr, subprotocols, nullptr, nullptr)) {
     return;
   }
+  struct Upgrade {
+    Weak server;
+    std::optional<standin::Device> device;
+  };
   const auto written = +[](SoupServerMessage* upgraded, gpointer data) noexcept {
-    if (const auto self = static_cast<Weak*>(data)->lock()) self->completeUpgrade(upgraded);
+    const auto* upgrade = static_cast<Upgrade*>(data);
+    if (const auto self = upgrade->server.lock()) self->completeUpgrade(upgraded, upgrade->device);
   };
   g_signal_connect_data(
-      message, "wrote-informational", G_CALLBACK(written), new Weak(weak_from_this()),
-      [](gpointer data, GClosure*) { delete static_cast<Weak*>(data); }, GConnectFlags(0));
+      message, "wrote-informational", G_CALLBACK(written),
+      new Upgrade{weak_from_this(), access.device},
+      [](gpointer data, GClosure*) noexcept { delete static_cast<Upgrade*>(data); },
+      GConnectFlags(0));
 }
 
-void StandInEngine::Server::refuseSecret(SoupServerMessage* message) {
+void StandInEngine::Server::slowDown(SoupServerMessage* message) {
   const std::string address = peerOf(message).address;
   const auto delay = _wrongSecrets.note(address, WrongSecrets::Clock::now());
   peersChanged();
   if (!delay) {
     soup_message_headers_replace(soup_server_message_get_response_headers(message), "Retry-After",
                                  "2");
-    refuse(message, 429, "Too many wrong tokens");
+    constexpr std::string_view json = R"({"access":"slowed"})";
+    soup_server_message_set_status(message, 429, "Too Many Requests");
+    soup_server_message_set_response(message, "application/json", SOUP_MEMORY_STATIC, json.data(),
+                                     json.size());
     return;
   }
-  refuse(message, SOUP_STATUS_FORBIDDEN, "Wrong token");
   if (delay->count() == 0) return;
   struct Waiting {
     Weak server;
@@ -289,7 +328,8 @@ void StandInEngine::Server::refuseSecret(SoupServerMessage* message) {
       [](gpointer data) noexcept { delete static_cast<Waiting*>(data); });
 }
 
-void StandInEngine::Server::completeUpgrade(SoupServerMessage* message) {
+void StandInEngine::Server::completeUpgrade(SoupServerMessage* message,
+                                            const std::optional<standin::Device>& device) {
   const Object<SoupServerMessage> keep(SOUP_SERVER_MESSAGE(g_object_ref(message)));
   Peer peer = peerOf(message);
   Connection::Line line{Object<GIOStream>(soup_server_message_steal_connection(message)),
@@ -310,6 +350,8 @@ void StandInEngine::Server::completeUpgrade(SoupServerMessage* message) {
   };
   _connections.push_back(
       Connection::open(std::move(line), std::move(peer), _options.silenceLimit, std::move(events)));
+  _guests.add(_connections.back()->number(), device);
+  if (device) _devices.noteSeen(device->id);
   peersChanged();
 }
 
@@ -353,6 +395,10 @@ Reply StandInEngine::Server::replyTo(const std::shared_ptr<Connection>& connecti
 void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connection,
                                     const Request& request) {
   Reply reply = replyTo(connection, request);
+  if (request.channel == kDevicesChannel) {
+    answerAboutDevices(connection, request.call, std::move(reply));
+    return;
+  }
   const auto found = _handlers.find(request.channel);
   if (found == _handlers.end()) {
     reply.notImplemented();
@@ -380,7 +426,12 @@ void StandInEngine::Server::forget(const Connection& connection) {
   std::erase_if(_connections, [&](const auto& each) { return each.get() == &connection; });
   _turns.drop(connection.number());
   _background.drop(connection.number());
+  if (const auto* guest = _guests.find(connection.number()); guest != nullptr && guest->device) {
+    _devices.noteSeen(guest->device->id);
+  }
+  _guests.remove(connection.number());
   releaseHolds(connection);
+  tellCount();
   peersChanged();
 }
 
@@ -416,7 +467,12 @@ std::vector<std::string> StandInEngine::Server::pageAddresses() const {
 
 std::vector<StandInEngine::Peer> StandInEngine::Server::peers() const {
   std::vector<Peer> peers;
-  for (const auto& connection : _connections) peers.push_back(connection->peer());
+  for (const auto& connection : _connections) {
+    Peer& peer = peers.emplace_back(connection->peer());
+    peer.connection = connection->number();
+    const Guests::Guest* guest = _guests.find(connection->number());
+    peer.isPaired = guest != nullptr && guest->device.has_value();
+  }
   return peers;
 }
 

@@ -5,11 +5,14 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "Platform/Linux/StandInEngine/BackgroundCalls.h"
 #include "Platform/Linux/StandInEngine/Connection.h"
+#include "Platform/Linux/StandInEngine/Devices.h"
+#include "Platform/Linux/StandInEngine/Guests.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
 #include "Platform/Linux/StandInEngine/Holds.h"
 #include "Platform/Linux/StandInEngine/Listener.h"
@@ -37,19 +40,40 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   std::vector<Peer> peers() const;
   size_t wrongSecrets() const { return _wrongSecrets.total(); }
   void observePeers(std::function<void()> changed);
+  std::vector<Device> devices() const;
+  void disconnect(uint64_t connection);
+  void disconnectDevice(const std::string& device);
+  void forgetDevice(const std::string& device);
 
  private:
   using Connection = standin::Connection;
   using Weak = std::weak_ptr<Server>;
+
+  /// What a query's token or secret opens, and for which device.
+  struct Access {
+    enum class Kind { granted, wrongToken, forgotten };
+    Kind kind;
+    std::optional<standin::Device> device;
+  };
 
   void listen();
   void takeIn(standin::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
   void servePage(SoupServerMessage* message) const;
+  void serveAccess(SoupServerMessage* message, GHashTable* query);
   void serveUpgrade(SoupServerMessage* message, GHashTable* query);
-  void refuseSecret(SoupServerMessage* message);
-  void completeUpgrade(SoupServerMessage* message);
+  /// Answers the message as it stands, which is a refusal, late; 429 where too many wait already.
+  void slowDown(SoupServerMessage* message);
+  void completeUpgrade(SoupServerMessage* message, const std::optional<standin::Device>& device);
+
+  Access accessBy(GHashTable* query) const;
+  void answerAboutDevices(const std::shared_ptr<Connection>& connection, const MethodCall& call,
+                          Reply reply);
+  void pair(const Connection& connection, standin::Guests::Guest& guest, const MethodCall& call,
+            Reply reply);
+  void tellCount();
+  void endConnections(const std::vector<uint64_t>& numbers, uint16_t code, const char* reason);
 
   std::shared_ptr<Connection> connectionOf(uint64_t number) const;
   /// A request's turn has come.
@@ -73,6 +97,9 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   standin::Turns _turns;
   standin::BackgroundCalls _background;
   standin::WrongSecrets _wrongSecrets;
+  standin::Devices _devices;
+  standin::Guests _guests;
+  size_t _toldCount = 0;
   std::function<void()> _observer;
 };
 

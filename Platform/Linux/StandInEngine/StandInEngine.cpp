@@ -47,6 +47,22 @@ void StandInEngine::observePeers(std::function<void()> changed) {
   _server->observePeers(std::move(changed));
 }
 
+std::vector<StandInEngine::Device> StandInEngine::devices() const {
+  return _server->devices();
+}
+
+void StandInEngine::disconnect(uint64_t connection) {
+  _server->disconnect(connection);
+}
+
+void StandInEngine::disconnectDevice(const std::string& device) {
+  _server->disconnectDevice(device);
+}
+
+void StandInEngine::forgetDevice(const std::string& device) {
+  _server->forgetDevice(device);
+}
+
 void StandInEngine::stop() {
   // A handler that lets go of a button may let go of the engine as well.
   const auto server = _server;
