@@ -33,6 +33,8 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   /// Listens and writes session.json. Throws StandInEngineError.
   void start();
   void stop();
+  void listenOn(const std::string& address);
+  const std::string& address() const { return _options.address; }
 
   void setMethodCallHandler(const std::string& channel, MethodCallHandler handler);
   void invokeMethod(const std::string& channel, const MethodCall& call);
@@ -57,6 +59,9 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   };
 
   void listen();
+  void writeSessionFile() const;
+  /// Whether what arrived at this address of ours may stay.
+  bool isServedAt(GSocketAddress* local) const;
   void takeIn(standin::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
