@@ -457,9 +457,38 @@ void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connectio
     }
     for (const auto& each : _connections) each->setHolding(_holds.holdsAny(each->number()));
   }
+  if (request.channel == kControlChannel && Pictures::isCapture(request.call)) {
+    capture(connection, request.call, std::move(reply));
+    return;
+  }
+  if (request.channel == kControlChannel && request.call.method == "resetScreenCapture") {
+    _pictures.reset(connection->number());
+  }
   // The handler may replace itself.
   const MethodCallHandler handler = found->second;
   handler(request.call, std::move(reply));
+}
+
+void StandInEngine::Server::capture(const std::shared_ptr<Connection>& connection,
+                                    const MethodCall& call, Reply reply) {
+  const MethodCallHandler handler = _handlers.at(kControlChannel);
+  const auto answer = std::make_shared<Reply>(std::move(reply));
+  const auto ask = [weak = weak_from_this(), number = connection->number(), call, answer, handler](
+                       const MethodCall& asked, const auto& again) -> void {
+    handler(asked, Reply([=](Outcome outcome) {
+              const auto self = weak.lock();
+              auto settled = self ? self->_pictures.settle(number, call, outcome) : outcome;
+              if (settled || again == nullptr) {
+                answer->answer(settled ? *std::move(settled) : std::move(outcome));
+              } else {
+                again();
+              }
+            }));
+  };
+  const std::function<void()> askForced = [ask, call] {
+    ask(Pictures::forced(call), std::function<void()>());
+  };
+  ask(call, askForced);
 }
 
 void StandInEngine::Server::forget(const Connection& connection) {
@@ -470,6 +499,7 @@ void StandInEngine::Server::forget(const Connection& connection) {
     _devices.noteSeen(guest->device->id);
   }
   _guests.remove(connection.number());
+  _pictures.reset(connection.number());
   releaseHolds(connection);
   tellCount();
   peersChanged();

@@ -18,6 +18,7 @@
 #include "Platform/Linux/StandInEngine/Listener.h"
 #include "Platform/Linux/StandInEngine/Page.h"
 #include "Platform/Linux/StandInEngine/PendingConnections.h"
+#include "Platform/Linux/StandInEngine/Pictures.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
 #include "Platform/Linux/StandInEngine/Turns.h"
 #include "Platform/Linux/StandInEngine/WrongSecrets.h"
@@ -84,6 +85,7 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   /// A request's turn has come.
   void carryOut(uint64_t number, const standin::Request& request);
   void forward(const std::shared_ptr<Connection>& connection, const standin::Request& request);
+  void capture(const std::shared_ptr<Connection>& connection, const MethodCall& call, Reply reply);
   Reply replyTo(const std::shared_ptr<Connection>& connection, const standin::Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
@@ -101,6 +103,7 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   standin::Holds _holds;
   standin::Turns _turns;
   standin::BackgroundCalls _background;
+  standin::Pictures _pictures;
   standin::WrongSecrets _wrongSecrets;
   standin::Devices _devices;
   standin::Guests _guests;
