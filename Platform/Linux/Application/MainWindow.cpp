@@ -89,8 +89,11 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
       _networkAddress(std::move(networkAddress)),
       _quit(std::move(quit)),
       _nobody("No device is connected or paired."),
-      _lan("Allow phones in this network",
-           "Everybody in the network can try to connect, and can read what is sent."),
+      _lan("Allow phones in this network", "Everybody in the network can try to connect."),
+      _tls("Encrypt what is sent",
+           "While this is off, everybody in the network can read along. While it is on, browsers "
+           "ask "
+           "once whether to trust this computer's certificate."),
       _control("Allow control of pointer and keyboard",
                "Moves, clicks, scrolling, keys and text arrive at your applications."),
       _screen("Allow the screen to be seen", "The page may show what the displays show."),
@@ -160,7 +163,17 @@ void MainWindow::buildContents() {
   }
 
   _lan.onDecided([this](bool isAllowed) { allowNetwork(isAllowed); });
+  _tls.onDecided([this](bool isEncrypted) { encryptNetwork(isEncrypted); });
   _network.pack_start(_lan, Gtk::PACK_SHRINK);
+  _network.pack_start(_tls, Gtk::PACK_SHRINK);
+  _fingerprint.set_no_show_all();
+  _fingerprint.set_selectable();
+  _fingerprint.set_line_wrap();
+  _fingerprint.set_line_wrap_mode(Pango::WRAP_CHAR);
+  _fingerprint.set_xalign(0);
+  _fingerprint.get_style_context()->add_class("row");
+  _fingerprint.get_style_context()->add_class("small");
+  _network.pack_start(_fingerprint, Gtk::PACK_SHRINK);
   addSection("Network", _network);
 
   _control.onDecided(
@@ -236,6 +249,17 @@ void MainWindow::refreshConnections() {
   _wrongSecrets.set_visible(wrong > 0);
   _address.setAddresses(_engine->pageAddresses());
   _lan.setOn(_engine->address() != kThisComputer);
+  _tls.setOn(_engine->isEncrypted());
+  _fingerprint.set_text("The certificate's SHA-256 fingerprint: " + _engine->fingerprint());
+  _fingerprint.set_visible(_engine->isEncrypted());
+}
+
+void MainWindow::encryptNetwork(bool isEncrypted) {
+  attempt([&] {
+    _engine->setEncrypted(isEncrypted);
+    platform::setUserDefaultsBool(kEncryptNetwork, isEncrypted);
+  });
+  refreshConnections();
 }
 
 void MainWindow::allowNetwork(bool isAllowed) {

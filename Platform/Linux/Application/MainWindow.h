@@ -42,6 +42,7 @@ class MainWindow : public Gtk::Window {
   void refreshPermissions();
   void refreshConnections();
   void allowNetwork(bool isAllowed);
+  void encryptNetwork(bool isEncrypted);
   /// Does what may fail, and says so on the window.
   void attempt(const std::function<void()>& action);
   void ask(permissions::Permission permission);
@@ -69,6 +70,8 @@ class MainWindow : public Gtk::Window {
   Gtk::Label _failure;
   Gtk::Box _network{Gtk::ORIENTATION_VERTICAL};
   SwitchRow _lan;
+  SwitchRow _tls;
+  Gtk::Label _fingerprint;
   Gtk::Box _permissions{Gtk::ORIENTATION_VERTICAL};
   SwitchRow _control;
   SwitchRow _screen;
