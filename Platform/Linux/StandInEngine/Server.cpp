@@ -115,7 +115,7 @@ std::string whyNotListening(const StandInEngine::Options& options, const GError&
 StandInEngine::Server::Server(Options options)
     : _options(std::move(options)),
       _token(randomDigits(16)),
-      // The path is looked up as it was sent; nothing in it is decoded.
+      // libsoup still resolves dots and decodes letters; what is left is looked up as it stands
       _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))),
       _pending(_options.pendingLimit),
       _turns([this](uint64_t connection, const Request& request) {
