@@ -8,6 +8,7 @@
 #include <gtkmm/cssprovider.h>
 #include <gtkmm/image.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -37,6 +38,9 @@ list.card { background-color: @theme_base_color; }
 .row + .row { border-top: 1px solid @borders; }
 .pointed-out { background-color: alpha(@theme_selected_bg_color, 0.35); }
 )";
+
+/// Of the list of devices, in points; four rows.
+constexpr int kMaxListHeight = 220;
 
 void installStyle() {
   const auto provider = Gtk::CssProvider::create();
@@ -153,7 +157,9 @@ void MainWindow::buildContents() {
   _nobody.show();
   _peers.set_selection_mode(Gtk::SELECTION_NONE);
   _peers.set_placeholder(_nobody);
-  addSection("Devices", _peers);
+  _peersView.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
+  _peersView.add(_peers);
+  addSection("Devices", _peersView);
   for (Gtk::Label* label : {&_wrongSecrets, &_failure}) {
     label->set_no_show_all();
     label->set_line_wrap();
@@ -243,6 +249,10 @@ void MainWindow::refreshConnections() {
         {{"Disconnect", [this, number = peer.connection] { _engine->disconnect(number); }}}));
   }
   _peers.show_all_children();
+  int minimum = 0;
+  int natural = 0;
+  _peers.get_preferred_height(minimum, natural);
+  _peersView.set_min_content_height(std::min(natural, kMaxListHeight));
   const auto wrong = _engine->wrongSecrets();
   _wrongSecrets.set_text(
       Glib::ustring::compose("Refused for a wrong code since the start: %1", wrong));

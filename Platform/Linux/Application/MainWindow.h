@@ -8,6 +8,7 @@
 #include <gtkmm/menubutton.h>
 #include <gtkmm/modelbutton.h>
 #include <gtkmm/popover.h>
+#include <gtkmm/scrolledwindow.h>
 #include <gtkmm/window.h>
 
 #include <functional>
@@ -66,6 +67,7 @@ class MainWindow : public Gtk::Window {
   /// Before the list whose placeholder it is, which must go first.
   Gtk::Label _nobody;
   Gtk::ListBox _peers;
+  Gtk::ScrolledWindow _peersView;
   Gtk::Label _wrongSecrets;
   Gtk::Label _failure;
   Gtk::Box _network{Gtk::ORIENTATION_VERTICAL};
