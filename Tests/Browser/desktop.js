@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
-import { mkdir, rm, writeFile } from "node:fs/promises";
+import { mkdir, readFile, rm, writeFile } from "node:fs/promises";
 import { dirname, join } from "node:path";
 import { createInterface } from "node:readline";
 import { setTimeout as sleep } from "node:timers/promises";
@@ -39,10 +39,12 @@ export class Host {
     const options = { stdio: ["ignore", "pipe", "inherit"] };
     host.#process = spawn(process.env.TAPDECK_HOST, ["--port", String(port)], options);
     for await (const line of createInterface({ input: host.#process.stdout })) {
-      host.url = /http:\S+/.exec(line)?.[0];
-      if (host.url) break;
+      const file = /address is in (\S+)/.exec(line)?.[1];
+      if (!file) continue;
+      host.url = JSON.parse(await readFile(file, "utf8")).url;
+      break;
     }
-    assert.ok(host.url, "the host prints the page's address");
+    assert.ok(host.url, "the host prints where the page's address is");
     host.#process.stdout.resume();
     return host;
   }

@@ -15,7 +15,7 @@ using testing::StartsWith;
 class StandInHttp : public StandInTest {
  protected:
   std::string get(const std::string& path, const std::string& method = "GET") {
-    return exchange(method + " " + path, "Connection: close\r\nHost: " + host() + "\r\n");
+    return exchange(method + " " + path, "Host: " + host() + "\r\n");
   }
 };
 
@@ -25,6 +25,8 @@ TEST_F(StandInHttp, ServesThePageWithItsHeaders) {
   const std::string parts[] = {
       "Content-Type: text/html; charset=utf-8\r\n",
       "Cache-Control: no-store\r\n",
+      "Connection: close\r\n",
+      "Cross-Origin-Resource-Policy: same-origin\r\n",
       "Referrer-Policy: no-referrer\r\n",
       "Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; ",
       "frame-ancestors 'none'; base-uri 'none'; form-action 'none'\r\n",
@@ -114,6 +116,67 @@ TEST_F(StandInHttp, EightConnections) {
   pages.back()->close();
   ASSERT_TRUE(waitForPeers(7));
   pages.back() = openPage();
+}
+
+TEST_F(StandInHttp, ListensInTheNetworkAndStopsAgain) {
+  // this computer by another of its addresses, in the place of a network's
+  const auto there = [this] { return "127.0.0.2:" + std::to_string(port()); };
+  const auto token = enginePath();
+  const auto stays = openPage();
+  const uint16_t before = port();
+  engine->listenOn("0.0.0.0");
+  EXPECT_EQ(port(), before);
+  Page guest("ws://" + there() + token);
+  ASSERT_TRUE(guest.isOpen());
+  ASSERT_TRUE(waitForPeers(2));
+  engine->listenOn("127.0.0.1");
+  EXPECT_EQ(guest.waitForClose(), 4003);
+  EXPECT_TRUE(stays->isOpen());
+  EXPECT_EQ(engine->peers().size(), 1u);
+  const Page late("ws://" + there() + token);
+  EXPECT_FALSE(late.isOpen());
+
+  EXPECT_THROW(engine->listenOn("192.0.2.1"), StandInEngineError);
+  EXPECT_EQ(engine->address(), "127.0.0.1");
+  openPage();
+}
+
+TEST_F(StandInHttp, EncryptsForTheNetwork) {
+  const std::string certificate = runtimeDirectory.path / "certificate.pem";
+  engine.reset();
+  engine = StandInEngine::start({.address = "0.0.0.0",
+                                 .port = 0,
+                                 .devicesFile = devicesFile(),
+                                 .isEncrypted = true,
+                                 .certificateFile = certificate});
+  // this computer by another of its addresses, in the place of a network's
+  const std::string there = "127.0.0.2:" + std::to_string(port());
+  const auto local = openPage();
+  Page guest("wss://" + there + enginePath(), engine->fingerprint());
+  ASSERT_TRUE(guest.isOpen());
+  recordCalls();
+  // more than one TLS record, both ways
+  guest.call(1, kControl, {"x", Value(ValueMap{{"text", Value(std::string(100'000, 'x'))}})});
+  EXPECT_TRUE(guest.waitForMessages(1));
+  engine->invokeMethod("c", "m", Value(Value::Bytes(3'000'000, 'x')));
+  EXPECT_TRUE(guest.waitForMessages(2));
+  EXPECT_FALSE(Page("ws://" + there + enginePath()).isOpen());
+  const auto addresses = engine->pageAddresses();
+  EXPECT_THAT(addresses.back(), StartsWith("http://127.0.0.1:"));
+  for (size_t i = 0; i + 1 < addresses.size(); ++i) {
+    EXPECT_THAT(addresses[i], StartsWith("https://"));
+  }
+  EXPECT_EQ(std::filesystem::status(certificate).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+
+  const std::string fingerprint = engine->fingerprint();
+  EXPECT_THAT(fingerprint, testing::SizeIs(32 * 3 - 1));
+  engine->setEncrypted(false);
+  EXPECT_EQ(guest.waitForClose(), 4003);
+  EXPECT_TRUE(local->isOpen());
+  EXPECT_TRUE(Page("ws://" + there + enginePath()).isOpen());
+  engine->setEncrypted(true);
+  EXPECT_EQ(engine->fingerprint(), fingerprint) << "another certificate";
 }
 
 TEST_F(StandInHttp, SessionFile) {

@@ -30,16 +30,23 @@ class StandInLimits : public StandInTest {
   /// A connection that holds the mouse button, on which nothing is read but what the test reads,
   /// and no ping is answered.
   std::unique_ptr<RawClient> openRaw() {
+    auto client = openRawWithoutHolding();
+    press(*client);
+    return client;
+  }
+  std::unique_ptr<RawClient> openRawWithoutHolding() {
     recordCalls();
     auto client = std::make_unique<RawClient>(port());
-    const auto press = codec::encodeMessage(requestMessage(1, kControl, {"mouseDown", Value()}));
     EXPECT_TRUE(client->write("GET " + enginePath() + " HTTP/1.1\r\nHost: " + host() + "\r\n" +
                               kUpgrade + kProtocol + "\r\n"));
     EXPECT_TRUE(eventually([&] { return client->read() && !client->received().empty(); }));
     EXPECT_THAT(client->received(), StartsWith("HTTP/1.1 101"));
-    EXPECT_TRUE(client->write(frame(0x82, {press.begin(), press.end()})));
-    EXPECT_TRUE(eventually([&] { return calls.size() == 1; }));
     return client;
+  }
+  void press(RawClient& client) {
+    const auto press = codec::encodeMessage(requestMessage(1, kControl, {"mouseDown", Value()}));
+    EXPECT_TRUE(client.write(frame(0x82, {press.begin(), press.end()})));
+    EXPECT_TRUE(eventually([&] { return calls.size() == 1; }));
   }
 };
 
@@ -71,7 +78,8 @@ TEST_F(StandInLimits, MessageInEndlessFragments) {
 }
 
 TEST_F(StandInLimits, SlowReader) {
-  const auto client = openRaw();
+  // one that holds something would have to answer pings sooner
+  const auto client = openRawWithoutHolding();
 
   // Below the bound everything arrives, however late.
   const Value mebibyte(Value::Bytes(kMiB, 'x'));
@@ -82,6 +90,7 @@ TEST_F(StandInLimits, SlowReader) {
       eventually([&] { return client->read() && client->received().ends_with("the end"); }));
   EXPECT_GT(client->received().size(), 24 * kMiB);
 
+  press(*client);
   // Beyond it the connection ends there and then. The kernel's buffers take some before.
   int sent = 0;
   for (; sent < 64 && !engine->peers().empty(); ++sent) engine->invokeMethod("c", "m", mebibyte);
@@ -101,6 +110,31 @@ TEST_F(StandInLimits, SilentPeer) {
   EXPECT_TRUE(eventually(
       [&] { return client->read() && client->received().ends_with("no sign of life"); }));
   EXPECT_TRUE(page->isOpen());
+}
+
+TEST_F(StandInLimits, SilentPeerThatHolds) {
+  const auto client = openRaw();
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_TRUE(waitForPeers(0));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+  EXPECT_THAT(calls, ElementsAre("mouseDown", "mouseUp button=left"));
+}
+
+TEST_F(StandInLimits, BrokenFramesAreAnsweredWithTheReason) {
+  const std::pair<std::string, int> cases[] = {
+      {frame(0x83, "reserved opcode"), 1002},
+      {std::string("\x82\x01x", 3), 1002},
+      {frame(0x81, "\xff"), 1007},
+  };
+  for (const auto& [bytes, code] : cases) {
+    const auto client = openRaw();
+    ASSERT_TRUE(client->write(bytes));
+    const std::string wanted = {static_cast<char>(code >> 8), static_cast<char>(code)};
+    const auto said = [&] { return client->received().find(wanted) != std::string::npos; };
+    EXPECT_TRUE(eventually([&] { return !client->read() || said(); }));
+    EXPECT_TRUE(said()) << code;
+    calls.clear();
+  }
 }
 
 }  // namespace

@@ -89,6 +89,11 @@ void Holds::letGo(Connection connection, const Change& change) {
   if (hide != _holds.end()) _holds.erase(hide);
 }
 
+bool Holds::holdsAny(Connection connection) const {
+  return std::any_of(_holds.begin(), _holds.end(),
+                     [connection](const Hold& hold) { return hold.connection == connection; });
+}
+
 std::vector<MethodCall> Holds::end(Connection connection) {
   std::vector<Hold> left;
   std::erase_if(_holds, [&](const Hold& hold) {

@@ -31,6 +31,26 @@ bool StandInEngine::registerPlugin(const std::string&) {
   return false;
 }
 
+void StandInEngine::listenOn(const std::string& address) {
+  _server->listenOn(address);
+}
+
+const std::string& StandInEngine::address() const {
+  return _server->address();
+}
+
+void StandInEngine::setEncrypted(bool isEncrypted) {
+  _server->setEncrypted(isEncrypted);
+}
+
+bool StandInEngine::isEncrypted() const {
+  return _server->isEncrypted();
+}
+
+std::string StandInEngine::fingerprint() const {
+  return _server->fingerprint();
+}
+
 std::vector<std::string> StandInEngine::pageAddresses() const {
   return _server->pageAddresses();
 }
@@ -39,8 +59,28 @@ std::vector<StandInEngine::Peer> StandInEngine::peers() const {
   return _server->peers();
 }
 
+size_t StandInEngine::wrongSecrets() const {
+  return _server->wrongSecrets();
+}
+
 void StandInEngine::observePeers(std::function<void()> changed) {
   _server->observePeers(std::move(changed));
+}
+
+std::vector<StandInEngine::Device> StandInEngine::devices() const {
+  return _server->devices();
+}
+
+void StandInEngine::disconnect(uint64_t connection) {
+  _server->disconnect(connection);
+}
+
+void StandInEngine::disconnectDevice(const std::string& device) {
+  _server->disconnectDevice(device);
+}
+
+void StandInEngine::forgetDevice(const std::string& device) {
+  _server->forgetDevice(device);
 }
 
 void StandInEngine::stop() {

@@ -138,7 +138,7 @@ void ServerState::compare() {
   for (const auto& changed : observers) changed();
 }
 
-gboolean ServerState::onReadable(int, GIOCondition, gpointer self) {
+gboolean ServerState::onReadable(int, GIOCondition, gpointer self) noexcept {
   auto& state = *static_cast<ServerState*>(self);
   state.readEvents();
   if (state._connection.isAlive()) return G_SOURCE_CONTINUE;
@@ -146,7 +146,7 @@ gboolean ServerState::onReadable(int, GIOCondition, gpointer self) {
   return G_SOURCE_REMOVE;
 }
 
-gboolean ServerState::onQuiet(gpointer self) {
+gboolean ServerState::onQuiet(gpointer self) noexcept {
   auto& state = *static_cast<ServerState*>(self);
   state._quietSource = 0;
   state.compare();

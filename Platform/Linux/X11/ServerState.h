@@ -56,8 +56,8 @@ class ServerState {
   Displays displays() { return {monitors(), pixelsPerPoint()}; }
   void compareLater();
   void compare();
-  static gboolean onReadable(int descriptor, GIOCondition condition, gpointer self);
-  static gboolean onQuiet(gpointer self);
+  static gboolean onReadable(int descriptor, GIOCondition condition, gpointer self) noexcept;
+  static gboolean onQuiet(gpointer self) noexcept;
 
   Connection _connection;
   /// Absent until asked for, and after an event about it.
