@@ -1,24 +1,24 @@
 // Puts the page together.
 
-import { AppList } from "./apps.js";
-import { AppView } from "./appview.js";
-import { bindMouseButton } from "./buttons.js";
-import { bindClipboard } from "./clipboard.js";
-import { Connection } from "./connection.js";
-import { DisplayList, DisplayView } from "./displays.js";
-import { Keyboard } from "./keyboard.js";
-import { System } from "./keys.js";
-import { Laser } from "./laser.js";
-import { bindLoginItem } from "./loginitem.js";
-import { MediaView } from "./mediaview.js";
-import { bindModifier, Modifiers } from "./modifiers.js";
-import { bindPermissionCard, Permissions } from "./permissions.js";
-import { RemotePointer } from "./pointer.js";
-import { ScreenView } from "./screenview.js";
-import { bindScrollStrip, Momentum } from "./scrolling.js";
-import { bindTabs } from "./tabs.js";
-import { Touchpad } from "./touchpad.js";
-import { TypingQueue } from "./typing.js";
+import { AppList } from "./apps/apps.js";
+import { AppView } from "./apps/appview.js";
+import { bindMouseButton } from "./touch/buttons.js";
+import { bindClipboard } from "./more/clipboard.js";
+import { Connection } from "./connection/connection.js";
+import { DisplayList, DisplayView } from "./more/displays.js";
+import { Keyboard } from "./keyboard/keyboard.js";
+import { System } from "./keyboard/keys.js";
+import { Laser } from "./screen/laser.js";
+import { bindLoginItem } from "./settings/loginitem.js";
+import { MediaView } from "./media/mediaview.js";
+import { bindModifier, Modifiers } from "./keyboard/modifiers.js";
+import { bindPermissionCard, Permissions } from "./settings/permissions.js";
+import { RemotePointer } from "./touch/pointer.js";
+import { ScreenView } from "./screen/screenview.js";
+import { bindScrollStrip, Momentum } from "./touch/scrolling.js";
+import { bindTabs } from "./ui/tabs.js";
+import { Touchpad } from "./touch/touchpad.js";
+import { TypingQueue } from "./keyboard/typing.js";
 
 const STATES = {
   "connecting": ["Connecting…", ""],

@@ -10,7 +10,7 @@ import { promisify } from "node:util";
 
 import { chromium } from "playwright-core";
 
-import { decodeMessage, decodeMethodCall, encodeMessage } from "../../Console/codec.js";
+import { decodeMessage, decodeMethodCall, encodeMessage } from "../../Console/connection/codec.js";
 
 export const CONNECTED = "body[data-state=connected]";
 

@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { clockText, goodFor, positionAt } from "../../Console/trackclock.js";
+import { clockText, goodFor, positionAt } from "../../Console/media/trackclock.js";
 import { browser, page } from "./setup.js";
 import { eventually } from "./desktop.js";
 import { StandIn } from "./standin.js";

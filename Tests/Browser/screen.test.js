@@ -3,8 +3,8 @@ import { spawn } from "node:child_process";
 import { beforeEach, describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { fit, fractionsAt, pictureWidth } from "../../Console/letterbox.js";
-import { Pacing } from "../../Console/pacing.js";
+import { fit, fractionsAt, pictureWidth } from "../../Console/screen/letterbox.js";
+import { Pacing } from "../../Console/screen/pacing.js";
 import { eventually, pointerPlace, putPointer } from "./desktop.js";
 import { browser, center, fingers, page, witness } from "./setup.js";
 import { StandIn } from "./standin.js";

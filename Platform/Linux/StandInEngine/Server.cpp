@@ -26,7 +26,7 @@ const char* header(SoupServerMessage* message, const char* name) {
 std::string policyFor(const char* host) {
   // Some browsers do not count WebSocket as part of 'self'.
   return "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data: blob:; "
-         "connect-src 'self' ws://" +
+         "manifest-src 'self'; connect-src 'self' ws://" +
          std::string(host) + "; frame-ancestors 'none'; base-uri 'none'; form-action 'none'";
 }
 
@@ -172,15 +172,7 @@ void StandInEngine::Server::serve(SoupServerMessage* message, GHashTable* query)
 }
 
 void StandInEngine::Server::servePage(SoupServerMessage* message) const {
-  const Page::File* file = _page.find(g_uri_get_path(soup_server_message_get_uri(message)));
-  if (file == nullptr) {
-    refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
-    return;
-  }
-  gsize size = 0;
-  const auto* data = static_cast<const char*>(g_bytes_get_data(file->content.get(), &size));
-  soup_server_message_set_status(message, SOUP_STATUS_OK, nullptr);
-  soup_server_message_set_response(message, file->type, SOUP_MEMORY_STATIC, data, size);
+  if (!_page.serve(message)) refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
 }
 
 void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {

@@ -1,6 +1,6 @@
 // What the computer plays, and the commands for it.
 
-import { Poller } from "./polling.js";
+import { Poller } from "../connection/polling.js";
 import { goodFor, positionAt } from "./trackclock.js";
 
 /** Players take a moment to do what they are told: for so long (ms) they are asked more often. */

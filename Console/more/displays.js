@@ -1,6 +1,6 @@
 // The computer's displays drawn to scale, and the pointer on them.
 
-import { Poller } from "./polling.js";
+import { Poller } from "../connection/polling.js";
 
 const SVG = "http://www.w3.org/2000/svg";
 const CURSOR_INTERVAL = 300;

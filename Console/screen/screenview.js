@@ -1,7 +1,7 @@
 // The screen panel: the picture, what can be done with it, and why there is none.
 
 import { fit, fractionsAt, pictureWidth } from "./letterbox.js";
-import { Note } from "./note.js";
+import { Note } from "../ui/note.js";
 import { Picture } from "./picture.js";
 import { ScreenFeed } from "./screen.js";
 import { bindFullScreen, bindLaser, bindQuality, bindWindow } from "./screentools.js";

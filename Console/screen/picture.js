@@ -1,7 +1,7 @@
 // The picture of a screen under fingers and a mouse: what is done on it happens at that very place.
 
-import { SCROLL_GAIN } from "./gestures.js";
-import { Surface } from "./surface.js";
+import { SCROLL_GAIN } from "../touch/gestures.js";
+import { Surface } from "../touch/surface.js";
 
 /** Taps as close in time (ms) and place (pixels) as this are meant for the same point. */
 const DOUBLE_TAP = 400;

@@ -1,6 +1,6 @@
 // The computer's volume: its level, and the keys that change it.
 
-import { Poller } from "./polling.js";
+import { Poller } from "../connection/polling.js";
 
 const LOOK_AGAIN = 6000;
 /** The host's commands go on for a moment (ms) after they are answered. */

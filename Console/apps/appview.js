@@ -2,8 +2,8 @@
 
 import { matches } from "./apps.js";
 import { IconLoader } from "./icons.js";
-import { Note } from "./note.js";
-import { characters } from "./typing.js";
+import { Note } from "../ui/note.js";
+import { characters } from "../keyboard/typing.js";
 
 /** When to look whether an application has started: some take their time. */
 const LOOK_AGAIN = [1500, 4000, 10_000];

@@ -1,8 +1,8 @@
 // The media panel: what is playing, its keys, the volume and the computer's own switches.
 
-import { Note } from "./note.js";
+import { Note } from "../ui/note.js";
 import { NowPlaying } from "./nowplaying.js";
-import { bindPower } from "./power.js";
+import { bindPower } from "../more/power.js";
 import { clockText } from "./trackclock.js";
 import { bindVolume } from "./volume.js";
 

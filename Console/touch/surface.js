@@ -1,7 +1,7 @@
 // What fingers, a mouse, a wheel and keys do on a part of the page that steers the computer's pointer.
 
 import { Gestures } from "./gestures.js";
-import { Note } from "./note.js";
+import { Note } from "../ui/note.js";
 
 const WHEEL_PAUSE = 1000;
 const LINE_HEIGHT = 40;

@@ -1,7 +1,7 @@
 // The pictures of a display, one after the other.
 
 import { Pacing } from "./pacing.js";
-import { Poller } from "./polling.js";
+import { Poller } from "../connection/polling.js";
 
 /**
  * Asks for the screen's pictures while `panel` is looked at: as fast as they come, one call at a time.

@@ -1,7 +1,7 @@
 // The computer's pointer as the page drives it: moves and scrolls that never pile up, buttons that
 // never stay pressed.
 
-import { Latest, Summed } from "./pacers.js";
+import { Latest, Summed } from "../connection/pacers.js";
 
 /** How far apart (points) the pointer and an event may be and still be taken for the same. */
 const SAME_PLACE = 6;
