@@ -1,41 +1,56 @@
-// The applications panel: a grid to tap on, and a field that narrows it.
+// The applications panel: what is pinned, what runs, what was started last, and all; a field narrows it.
 
-import { matches } from "./apps.js";
-import { IconLoader } from "./icons.js";
+import { text } from "../text/text.js";
+import { all, one } from "../ui/dom.js";
 import { Note } from "../ui/note.js";
-import { characters } from "../keyboard/typing.js";
+import { grouped, matches, withRecent } from "./apps.js";
+import { IconLoader } from "./icons.js";
+import { Tile } from "./tile.js";
 
 /** When to look whether an application has started: some take their time. */
 const LOOK_AGAIN = [1500, 4000, 10_000];
 /** Icons this far out of view are asked for too, so that slow scrolling meets them ready. */
 const ICON_MARGIN = "120px";
 
+/** @typedef {import("./apps.js").AppRecord} AppRecord */
+
 const later = (delay) => new Promise((resolve) => setTimeout(resolve, delay));
 
 export class AppView {
   #panel;
+  #list;
   #search;
-  #grid;
   #nothing;
   #note;
   #apps;
   #connection;
+  #settings;
   #icons;
   #inView;
+  /** Each application's tiles by group and identifier. @type {Map<string, Tile>} */
   #tiles = new Map();
+  /** @type {Map<Element, Tile>} */
+  #byElement = new Map();
 
-  constructor(panel, apps, connection) {
+  /**
+   * @param {HTMLElement} panel
+   * @param {import("./apps.js").AppList} apps
+   * @param {import("../connection/connection.js").Connection} connection
+   * @param {import("../settings/settings.js").Settings} settings
+   */
+  constructor(panel, apps, connection, settings) {
     this.#panel = panel;
-    this.#search = panel.querySelector("input");
-    this.#grid = panel.querySelector(".app-grid");
-    this.#nothing = panel.querySelector(".nothing");
-    this.#note = new Note(panel.querySelector(".outcome"));
+    this.#list = one(panel, ".app-list");
+    this.#search = one(panel, "input", HTMLInputElement);
+    this.#nothing = one(panel, ".nothing");
+    this.#note = new Note(one(panel, ":scope > .outcome"));
     this.#apps = apps;
     this.#connection = connection;
+    this.#settings = settings;
     this.#icons = new IconLoader(connection);
     this.#inView = new IntersectionObserver((entries) => entries.forEach(
-      ({ target, isIntersecting }) => this.#look(target.dataset.app, isIntersecting)),
-    { root: panel, rootMargin: ICON_MARGIN });
+      ({ target, isIntersecting }) => this.#look(target, isIntersecting)),
+    { root: this.#list, rootMargin: ICON_MARGIN });
     this.#listen();
   }
 
@@ -49,10 +64,13 @@ export class AppView {
     };
     for (const source of [document, this.#panel]) source.addEventListener("visibilitychange", refresh);
     this.#connection.addEventListener("state", refresh);
-    this.#nothing.querySelector("button").addEventListener("click", refresh);
+    one(this.#nothing, "button").addEventListener("click", refresh);
     this.#apps.addEventListener("change", () => this.#show());
+    this.#settings.addEventListener("change", (event) => {
+      if (["pinned", "recent"].includes(/** @type {CustomEvent} */ (event).detail)) this.#show();
+    });
     this.#search.addEventListener("input", () => {
-      this.#panel.scrollTop = 0;
+      this.#list.scrollTop = 0;
       this.#narrow();
     });
     // There is nothing to send: the phone's keyboard makes room for the grid.
@@ -62,72 +80,110 @@ export class AppView {
   #show() {
     const { records, failure } = this.#apps;
     if (records && failure) this.#note.say(failure, true);
-    const tiles = (records ?? []).map((record) => this.#tileOf(record));
-    for (const [bundleId, tile] of this.#tiles) {
-      if (!tiles.includes(tile)) this.#remove(bundleId, tile);
+    const groups = grouped(records ?? [], this.#settings.values);
+    const kept = new Set();
+    for (const group of all(this.#list, ".app-group")) {
+      const name = /** @type {keyof import("./apps.js").Groups} */ (group.dataset.group);
+      const tiles = groups[name].map((record) => this.#tileOf(name, record));
+      for (const tile of tiles) kept.add(tile);
+      fill(one(group, "ul"), tiles.map(({ element }) => element));
     }
-    if (tiles.some(({ element }, index) => element !== this.#grid.children[index])) {
-      const focused = document.activeElement;
-      this.#grid.replaceChildren(...tiles.map(({ element }) => element));
-      if (this.#grid.contains(focused)) focused.focus({ preventScroll: true });
+    for (const [key, tile] of this.#tiles) {
+      if (!kept.has(tile)) this.#remove(key, tile);
     }
     this.#narrow();
   }
 
-  #tileOf(record) {
-    let tile = this.#tiles.get(record.bundleId);
+  /** @param {string} group @param {AppRecord} record */
+  #tileOf(group, record) {
+    const key = `${group} ${record.bundleId}`;
+    let tile = this.#tiles.get(key);
     if (!tile) {
-      tile = new Tile(record.bundleId, () => this.#launch(tile));
-      this.#tiles.set(record.bundleId, tile);
+      const made = new Tile(record.bundleId, () => this.#launch(made), () => this.#pin(made));
+      tile = made;
+      this.#tiles.set(key, tile);
+      this.#byElement.set(tile.element, tile);
       this.#inView.observe(tile.element);
     }
     tile.show(record);
     return tile;
   }
 
-  #remove(bundleId, tile) {
+  /** @param {string} key @param {Tile} tile */
+  #remove(key, tile) {
     this.#inView.unobserve(tile.element);
-    this.#icons.leave(bundleId);
-    this.#tiles.delete(bundleId);
+    this.#byElement.delete(tile.element);
+    this.#tiles.delete(key);
     tile.element.remove();
+    if (![...this.#tiles.values()].some(({ bundleId }) => bundleId === tile.bundleId)) {
+      this.#icons.leave(tile.bundleId);
+    }
   }
 
-  #look(bundleId, isInView) {
-    const tile = this.#tiles.get(bundleId);
-    if (!isInView) this.#icons.leave(bundleId);
-    else if (tile && !tile.hasIcon) this.#icons.want(bundleId, (icon) => tile.showIcon(icon));
+  /** @param {Element} element @param {boolean} isInView */
+  #look(element, isInView) {
+    const tile = this.#byElement.get(element);
+    if (!tile) return;
+    tile.inView = isInView;
+    const same = [...this.#tiles.values()].filter(({ bundleId }) => bundleId === tile.bundleId);
+    if (!same.some((each) => each.inView)) {
+      this.#icons.leave(tile.bundleId);
+    } else if (isInView && !tile.hasIcon) {
+      this.#icons.want(tile.bundleId, (icon) => same.forEach((each) => each.showIcon(icon)));
+    }
   }
 
   #narrow() {
     const search = this.#search.value.trim();
     let shown = 0;
-    for (const { element, name } of this.#tiles.values()) {
-      element.hidden = !matches(name, search);
-      if (!element.hidden) shown++;
+    for (const group of all(this.#list, ".app-group")) {
+      // What is looked for is shown once.
+      group.hidden = search !== "" && group.dataset.group !== "all";
+      let some = false;
+      for (const element of one(group, "ul").children) {
+        const tile = this.#byElement.get(element);
+        tile?.narrow(matches(tile.name, search));
+        some ||= tile?.element.hidden === false;
+        if (!group.hidden && tile?.element.hidden === false) shown++;
+      }
+      group.hidden ||= !some;
     }
     this.#showNothing(shown, search);
   }
 
+  /** @param {number} shown @param {string} search */
   #showNothing(shown, search) {
     const { records, failure } = this.#apps;
     const lacking = !records || records.length === 0;
-    const reason = failure ? `The applications could not be listed. ${failure}`
-      : lacking ? "The computer names no applications." : `No application is called “${search}”.`;
     this.#nothing.hidden = shown > 0;
-    this.#nothing.querySelector("p").textContent = shown > 0 ? "" : reason;
-    this.#nothing.querySelector(".actions").hidden = !lacking;
+    one(this.#nothing, "p").textContent = shown > 0 ? ""
+      : failure ? text("appsUnlisted", { reason: failure })
+        : lacking ? text("appsNone") : text("appsNotFound", { name: search });
+    one(this.#nothing, ".actions").hidden = !lacking;
   }
 
+  /** @param {Tile} tile */
+  #pin({ bundleId, name }) {
+    const { pinned, vibration } = this.#settings.values;
+    const isPinned = pinned.includes(bundleId);
+    this.#settings.set("pinned",
+      isPinned ? pinned.filter((id) => id !== bundleId) : [...pinned, bundleId]);
+    if (vibration) navigator.vibrate?.(25);
+    this.#note.say(text(isPinned ? "appUnpinned" : "appPinned", { name }));
+  }
+
+  /** @param {Tile} tile */
   async #launch(tile) {
     const { bundleId, name } = tile;
     tile.flash();
-    this.#note.say(this.#apps.isRunning(bundleId) ? `${name} comes to the front.` : `Starting ${name}…`);
+    this.#note.say(text(this.#apps.isRunning(bundleId) ? "appComes" : "appStarts", { name }));
     try {
       await this.#apps.launch(bundleId);
     } catch (error) {
-      this.#note.say(error.message, true);
+      this.#note.say(/** @type {Error} */ (error).message, true);
       return;
     }
+    this.#settings.set("recent", withRecent(this.#settings.values.recent, bundleId));
     for (const delay of LOOK_AGAIN) {
       await later(delay);
       if (!this.#visible || !this.#connection.connected) return;
@@ -137,63 +193,11 @@ export class AppView {
   }
 }
 
-/** One application in the grid: a button with an icon, a name and a mark when it is running. */
-class Tile {
-  element = document.createElement("li");
-  hasIcon = false;
-  name = "";
-  #button = document.createElement("button");
-  #icon = document.createElement("span");
-  #label = document.createElement("span");
-  #running = document.createElement("span");
-
-  constructor(bundleId, onTap) {
-    this.bundleId = bundleId;
-    this.element.dataset.app = bundleId;
-    this.#button.type = "button";
-    this.#button.addEventListener("click", onTap);
-    this.#icon.className = "app-icon";
-    this.#icon.setAttribute("aria-hidden", true);
-    this.#label.className = "app-name";
-    this.#running.className = "unseen";
-    this.#running.textContent = ", running";
-    this.#button.append(this.#icon, this.#label, this.#running);
-    this.element.append(this.#button);
-  }
-
-  show({ name, isRunning }) {
-    this.name = name;
-    this.#label.textContent = name;
-    this.#button.title = name;
-    this.#running.hidden = !isRunning;
-    this.element.classList.toggle("running", isRunning);
-  }
-
-  /** An application without an icon gets its initial instead. */
-  showIcon(base64) {
-    this.hasIcon = true;
-    if (!base64) {
-      this.#drawInitial();
-      return;
-    }
-    const image = document.createElement("img");
-    image.alt = "";
-    image.addEventListener("error", () => this.#drawInitial());
-    image.src = `data:image/png;base64,${base64}`;
-    this.#icon.classList.add("loaded");
-    this.#icon.replaceChildren(image);
-  }
-
-  flash() {
-    this.#icon.classList.remove("launched");
-    // Read in between, or the animation would not start again.
-    void this.#icon.offsetWidth;
-    this.#icon.classList.add("launched");
-  }
-
-  #drawInitial() {
-    this.#icon.classList.remove("loaded");
-    this.#icon.classList.add("drawn");
-    this.#icon.textContent = characters(this.name.trim())[0]?.toUpperCase() ?? "?";
-  }
+/** @param {HTMLElement} grid @param {Element[]} elements */
+function fill(grid, elements) {
+  if (grid.children.length === elements.length
+    && elements.every((element, index) => element === grid.children[index])) return;
+  const focused = /** @type {HTMLElement | null} */ (document.activeElement);
+  grid.replaceChildren(...elements);
+  if (grid.contains(focused)) focused?.focus({ preventScroll: true });
 }

@@ -3,10 +3,13 @@
 /** Asks for one icon at a time, so that a tap or a key never waits behind more than one of them. */
 export class IconLoader {
   #connection;
+  /** @type {Map<string, string>} */
   #known = new Map();
+  /** @type {Map<string, (icon: string) => void>} */
   #wanted = new Map();
   #loading = false;
 
+  /** @param {import("../connection/connection.js").Connection} connection */
   constructor(connection) {
     this.#connection = connection;
     connection.addEventListener("state", () => this.#load());
@@ -14,8 +17,9 @@ export class IconLoader {
 
   /** Gives `show` the application's icon as the base64 text of a PNG, "" when it has none. */
   want(bundleId, show) {
-    if (this.#known.has(bundleId)) {
-      show(this.#known.get(bundleId));
+    const known = this.#known.get(bundleId);
+    if (known !== undefined) {
+      show(known);
     } else {
       this.#wanted.set(bundleId, show);
       this.#load();
@@ -45,7 +49,7 @@ export class IconLoader {
   async #ask(bundleId) {
     try {
       return await this.#connection.call("getAppIcon", { bundleId }) ?? "";
-    } catch (error) {
+    } catch {
       return this.#connection.connected ? "" : null;
     }
   }

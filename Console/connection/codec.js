@@ -1,5 +1,7 @@
 // The standard message and method codec: the bytes that travel between this page and the host.
 
+import { text } from "../text/text.js";
+
 const NULL = 0, TRUE = 1, FALSE = 2, INT32 = 3, INT64 = 4, LARGE_INT = 5, FLOAT64 = 6, STRING = 7;
 const BYTES = 8, INT32_LIST = 9, INT64_LIST = 10, FLOAT64_LIST = 11, LIST = 12, MAP = 13;
 const FLOAT32_LIST = 14;
@@ -196,6 +198,7 @@ class Reader {
   }
 
   #map(depth) {
+    /** @type {[any, any][]} */
     const entries = [];
     for (let left = this.#size(); left > 0; left--) {
       entries.push([this.read(depth), this.read(depth)]);
@@ -273,7 +276,7 @@ export function decodeMethodCall(bytes) {
 
 /** The result in a reply; throws a CallError for an error record and for "not implemented". */
 export function decodeReply(payload) {
-  if (payload === null) throw new CallError("NOT_IMPLEMENTED", "The host does not offer this.");
+  if (payload === null) throw new CallError("NOT_IMPLEMENTED", text("errorNotOffered"));
   const reader = new Reader(payload);
   const outcome = reader.byte();
   if (outcome === 0) return reader.finish(reader.read());

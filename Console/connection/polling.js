@@ -15,6 +15,11 @@ export class Poller {
   #timer = 0;
   #wake = () => {};
 
+  /**
+   * @param {HTMLElement} panel
+   * @param {import("./connection.js").Connection} connection
+   * @param {(first: boolean) => Promise<number>} ask
+   */
   constructor(panel, connection, ask) {
     this.#panel = panel;
     this.#connection = connection;
@@ -57,7 +62,7 @@ export class Poller {
     if (delay <= 0) {
       await new Promise(requestAnimationFrame);
     } else if (this.active) {
-      await new Promise((resolve) => {
+      await new Promise((/** @type {(value?: unknown) => void} */ resolve) => {
         this.#wake = resolve;
         this.hurry(delay);
       });

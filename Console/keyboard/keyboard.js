@@ -1,152 +1,167 @@
-// The keyboard panel: the field that types, and the keys that a phone does not have.
+// The field that types, and the keys that a phone does not have: in the keyboard's own place, and in a
+// bar above the phone's keyboard wherever else.
 
-import { keyOf, NAMED_KEYS } from "./keys.js";
+import { number, text } from "../text/text.js";
+import { all, byId, one } from "../ui/dom.js";
+import { Note } from "../ui/note.js";
+import { repeats } from "../ui/repeat.js";
+import { keyOf, NAMED_KEYS, shortcut, spell } from "./keys.js";
 import { LiveField } from "./livefield.js";
 import { characters } from "./typing.js";
 
-const REPEAT_AFTER = 420;
 const REPEAT_EVERY = 55;
 /** So much text (UTF-16 units) takes long enough to be worth showing, and stopping. */
 const LONG_TEXT = 100;
+/** So much that waits is worth another way. */
+const PASTE_FROM = 200;
 /** Keys that mean something to the browser too, and go to the computer only when captured. */
 const BROWSER_KEY = /^(Tab|F\d+)$/;
-const MODIFIER_KEYS = { shiftKey: "shift", ctrlKey: "control", altKey: "option", metaKey: "command" };
+/** @type {[keyof KeyboardEvent, string][]} */
+const MODIFIER_KEYS = [["shiftKey", "shift"], ["ctrlKey", "control"], ["altKey", "option"],
+  ["metaKey", "command"]];
 
 const onApple = /Mac|iPhone|iPad/.test(navigator.platform);
 
-const heldIn = (event) =>
-  Object.entries(MODIFIER_KEYS).filter(([flag]) => event[flag]).map(([, name]) => name);
+/** @param {KeyboardEvent} event */
+const heldIn = (event) => MODIFIER_KEYS.filter(([flag]) => event[flag]).map(([, name]) => name);
 
 export class Keyboard {
-  #panel;
-  #field;
-  #text;
-  #capture;
-  #work;
-  #outcome;
+  #panel = byId("panel-keyboard");
+  #bar = byId("typing-bar");
+  #typing = one(document, ".typing");
+  #field = one(this.#typing, "textarea", HTMLTextAreaElement);
+  #capture = one(this.#panel, ".capture");
+  #work = one(this.#typing, ".work");
+  #note = new Note(one(this.#typing, ".outcome"));
   #connection;
   #queue;
   #modifiers;
-  #repeat = 0;
+  #text;
   #leaving = false;
 
-  constructor(panel, connection, queue, modifiers, system) {
-    this.#panel = panel;
-    this.#field = panel.querySelector("textarea");
-    this.#capture = panel.querySelector(".capture");
-    this.#work = panel.querySelector(".work");
-    this.#outcome = panel.querySelector(".outcome");
+  /**
+   * @param {import("../connection/connection.js").Connection} connection
+   * @param {import("./typing.js").TypingQueue} queue
+   * @param {import("./modifiers.js").Modifiers} modifiers
+   */
+  constructor(connection, queue, modifiers) {
     this.#connection = connection;
     this.#queue = queue;
     this.#modifiers = modifiers;
     this.#text = new LiveField(this.#field, {
       erase: (count) => { for (; count > 0; count--) queue.press("backspace"); },
-      type: (text) => this.#type(text),
+      type: (typed) => this.#type(typed),
       enter: () => this.#press("return"),
       impatient: () => modifiers.command,
       changed: () => this.#show(),
     });
-    this.#listen(system);
+    this.#listen();
     this.#show();
   }
 
-  /** Ends what a finger or the field is in the middle of. */
+  /** Ends what the field is in the middle of. */
   rest() {
-    clearTimeout(this.#repeat);
     this.#text.finish();
   }
 
-  #listen(system) {
-    // A tap on a key leaves the focus in the field, or the phone's keyboard would go away.
-    this.#panel.addEventListener("mousedown", (event) => {
-      if (event.target.closest("button")) event.preventDefault();
-    });
-    for (const button of this.#panel.querySelectorAll("[data-key]")) this.#bindKey(button);
-    for (const button of this.#panel.querySelectorAll("[data-shortcut]")) {
-      const { key, modifiers } = system.shortcut(button.dataset.shortcut);
-      button.querySelector("kbd").textContent = system.spell({ key, modifiers });
-      button.addEventListener("click", () => this.#press(key, modifiers));
+  /** Puts the field where it is wanted: into the keyboard's own place or into the bar. @param {boolean} inPanel */
+  moveField(inPanel) {
+    const slot = one(inPanel ? this.#panel : this.#bar, ".typing-slot");
+    if (this.#typing.parentElement !== slot) slot.append(this.#typing);
+  }
+
+  focus() {
+    this.#field.focus({ preventScroll: true });
+  }
+
+  /** A page of a talk, say: a key with nothing around it. @param {string} key */
+  press(key) {
+    this.#press(key);
+  }
+
+  #listen() {
+    for (const area of [this.#panel, this.#bar]) {
+      // A tap on a key leaves the focus in the field, or the phone's keyboard would go away.
+      area.addEventListener("mousedown", (event) => {
+        const button = /** @type {Element} */ (event.target).closest("button");
+        if (button && !button.matches("#bar-close")) event.preventDefault();
+      });
+      for (const button of all(area, "[data-key]")) this.#bindKey(button);
+      for (const button of all(area, "[data-shortcut]")) {
+        const keys = shortcut(button.dataset.shortcut ?? "");
+        one(button, "kbd").textContent = spell(keys);
+        button.addEventListener("click", () => this.#press(keys.key, keys.modifiers));
+      }
     }
     this.#field.addEventListener("keydown", (event) => this.#keyDown(event));
     this.#field.addEventListener("keyup", () => this.#keyUp());
     this.#capture.addEventListener("click", () => this.#setCapture(!this.#capturing));
-    this.#work.querySelector("button").addEventListener("click", () => {
+    one(this.#work, ".stop").addEventListener("click", () => {
       this.#queue.stop();
       this.#text.discard();
     });
-    this.#queue.addEventListener("change", () => this.#show());
-    this.#queue.addEventListener("lost", ({ detail }) => {
+    one(this.#work, ".paste-instead").addEventListener("click", () => {
+      this.#queue.paste(shortcut("paste"));
       this.#text.discard();
-      this.#outcome.textContent = `The line broke, and ${detail} characters may not have arrived.`;
+      this.#note.say(text("typingPasted"));
+    });
+    this.#queue.addEventListener("change", () => this.#show());
+    this.#queue.addEventListener("lost", (event) => {
+      this.#text.discard();
+      this.#note.say(text("typingLost", { count: /** @type {CustomEvent} */ (event).detail }), true);
     });
     this.#connection.addEventListener("state", () => this.#show());
   }
 
+  /** @param {HTMLElement} button */
   #bindKey(button) {
-    const press = () => this.#press(button.dataset.key);
-    const end = () => {
-      clearTimeout(this.#repeat);
-      button.classList.remove("pressed");
-    };
-    button.addEventListener("contextmenu", (event) => event.preventDefault());
-    if (!button.hasAttribute("data-repeat")) {
+    const press = () => this.#press(button.dataset.key ?? "");
+    if (button.hasAttribute("data-repeat")) {
+      repeats(button, press, { every: REPEAT_EVERY, ready: () => !this.#queue.busy });
+    } else {
       button.addEventListener("click", press);
-      return;
+      button.addEventListener("contextmenu", (event) => event.preventDefault());
     }
-    button.addEventListener("pointerdown", (event) => {
-      if (event.button !== 0) return;
-      clearTimeout(this.#repeat);
-      button.classList.add("pressed");
-      press();
-      this.#repeatAfter(REPEAT_AFTER, press);
-    });
-    for (const type of ["pointerup", "pointercancel", "pointerleave"]) {
-      button.addEventListener(type, end);
-    }
-    // A click that no pointer made is a screen reader's or a key's.
-    button.addEventListener("click", (event) => {
-      if (!event.pointerType && event.detail === 0) press();
-    });
-  }
-
-  // A repetition that the computer is not ready for is left out: it must end with the finger.
-  #repeatAfter(delay, press) {
-    this.#repeat = setTimeout(() => {
-      if (!this.#queue.busy) press();
-      this.#repeatAfter(REPEAT_EVERY, press);
-    }, delay);
   }
 
   // What is typed while a command modifier is held means keys.
-  #type(text) {
-    this.#outcome.textContent = "";
-    if (!this.#modifiers.command) {
-      this.#queue.type(text);
-      return;
-    }
-    for (const character of characters(text)) {
+  /** @param {string} typed */
+  #type(typed) {
+    this.#note.say("");
+    let rest = typed;
+    for (const character of characters(typed)) {
+      if (!this.#modifiers.command) break;
+      rest = rest.slice(character.length);
       const key = keyOf(character);
       if (key) this.#queue.press(key);
       else this.#queue.type(character);
+      this.#modifiers.used();
     }
+    if (!rest) return;
+    this.#queue.type(rest);
+    this.#modifiers.used();
   }
 
+  /** @param {string} key @param {string[]} [modifiers] */
   #press(key, modifiers = []) {
     if (!this.#connection.connected) return;
     if (key === "backspace" && this.#modifiers.held.size === 0 && this.#text.eraseLast()) return;
     this.#text.finish();
     this.#queue.press(key, modifiers.filter((name) => !this.#modifiers.held.has(name)));
+    this.#modifiers.used();
   }
 
   get #capturing() {
     return this.#capture.getAttribute("aria-checked") === "true";
   }
 
+  /** @param {boolean} on */
   #setCapture(on) {
-    this.#capture.setAttribute("aria-checked", on);
+    this.#capture.setAttribute("aria-checked", String(on));
     if (on) this.#field.focus();
   }
 
+  /** @param {KeyboardEvent} event */
   #keyDown(event) {
     const wasLeaving = this.#leaving;
     this.#leaving = this.#capturing && (event.key === "Control" || event.key === "Alt")
@@ -167,6 +182,7 @@ export class Keyboard {
     this.#capture.focus();
   }
 
+  /** @param {KeyboardEvent} event */
   #keyFor(event) {
     const named = NAMED_KEYS[event.key];
     if (this.#capturing) return named ?? shortcutKey(event);
@@ -175,21 +191,22 @@ export class Keyboard {
 
   #show() {
     const { left, total } = this.#queue;
-    const { connected } = this.#connection;
-    this.#panel.classList.toggle("waiting", left > 0 || this.#text?.composing === true);
-    this.#panel.classList.toggle("empty", this.#text?.empty !== false);
-    this.#field.readOnly = !connected;
+    this.#typing.classList.toggle("waiting", left > 0 || this.#text?.composing === true);
+    this.#typing.classList.toggle("empty", this.#text?.empty !== false);
+    this.#field.readOnly = !this.#connection.connected;
     // Once it is shown it stays until the last character has arrived.
     this.#work.hidden = left === 0 || (this.#work.hidden && left < LONG_TEXT);
     if (this.#work.hidden) return;
-    const progress = this.#work.querySelector("progress");
+    const progress = one(this.#work, "progress", HTMLProgressElement);
     progress.max = total;
     progress.value = total - left;
-    this.#work.querySelector("span").textContent = `${left.toLocaleString("en")} left`;
+    one(this.#work, "span").textContent = text("typingLeft", { count: number(left) });
+    one(this.#work, ".paste-instead").hidden = left < PASTE_FROM;
   }
 }
 
 // A combination that writes a character is text; only one that does not is a shortcut.
+/** @param {KeyboardEvent} event */
 function shortcutKey(event) {
   const writes = event.getModifierState("AltGraph") || (onApple && event.altKey && !event.ctrlKey);
   if (event.key.length !== 1 || !(event.ctrlKey || event.metaKey || event.altKey)) return undefined;

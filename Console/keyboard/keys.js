@@ -1,27 +1,16 @@
-// The keys of the host by name, and what they are called on either system.
+// The keys of the host by name, and what they are called.
 
-/** What differs between the systems that a host runs on; the page's body says which one it is. */
-const SYSTEMS = {
-  linux: {
-    modifiers: { shift: "Shift", control: "Ctrl", option: "Alt", command: "Super" },
-    shortcut: "control",
-    switcher: "option",
-    join: "+",
-  },
-  macos: {
-    modifiers: { shift: "⇧ Shift", control: "⌃ Ctrl", option: "⌥ Option", command: "⌘ Cmd" },
-    symbols: { shift: "⇧", control: "⌃", option: "⌥", command: "⌘" },
-    shortcut: "command",
-    switcher: "command",
-    join: "",
-  },
-};
+import { text } from "../text/text.js";
 
+/** @typedef {import("../text/text.js").TextKey} TextKey */
+
+/** @type {Record<string, string[]>} */
 const SHORTCUTS = {
-  copy: ["c"], paste: ["v"], cut: ["x"], undo: ["z"], redo: ["z", "shift"], all: ["a"],
+  copy: ["c", "control"], paste: ["v", "control"], cut: ["x", "control"], undo: ["z", "control"],
+  redo: ["z", "control", "shift"], all: ["a", "control"], switch: ["tab", "option"],
 };
 
-/** Keys that do not write, by the name that browsers give them. */
+/** Keys that do not write, by the name that browsers give them. @type {Record<string, string>} */
 export const NAMED_KEYS = {
   Enter: "return", Escape: "escape", Tab: "tab",
   ArrowLeft: "left", ArrowRight: "right", ArrowUp: "up", ArrowDown: "down",
@@ -30,37 +19,25 @@ export const NAMED_KEYS = {
 };
 
 const WRITING_KEYS = new Set("abcdefghijklmnopqrstuvwxyz0123456789-=[]\\;',./`");
+/** @type {Record<string, string>} */
 const SPELLED_OUT = { " ": "space", "\n": "return", "\t": "tab" };
 
-/** The key that writes this character without a modifier, or undefined. */
+/** The key that writes this character without a modifier, or undefined. @param {string} character */
 export function keyOf(character) {
   const name = character.toLowerCase();
   return SPELLED_OUT[name] ?? (WRITING_KEYS.has(name) ? name : undefined);
 }
 
-export class System {
-  #system;
+/** What the key of a modifier is called. @param {string} name */
+export const modifierName = (name) =>
+  text(/** @type {TextKey} */ (`cap${name[0].toUpperCase()}${name.slice(1)}`));
 
-  constructor(name) {
-    this.#system = SYSTEMS[name];
-  }
-
-  /** What the key of a modifier is called. */
-  modifier(name) {
-    return this.#system.modifiers[name];
-  }
-
-  /** A shortcut's key and modifiers. */
-  shortcut(name) {
-    if (name === "switch") return { key: "tab", modifiers: [this.#system.switcher] };
-    const [key, ...more] = SHORTCUTS[name];
-    return { key, modifiers: [this.#system.shortcut, ...more] };
-  }
-
-  /** How a shortcut is written, such as "Ctrl+C" or "⌘C". */
-  spell({ key, modifiers }) {
-    const { symbols, modifiers: names, join } = this.#system;
-    const keyName = key.length === 1 ? key.toUpperCase() : key[0].toUpperCase() + key.slice(1);
-    return [...modifiers.map((name) => (symbols ?? names)[name]), keyName].join(join);
-  }
+/** A shortcut's key and modifiers. @param {string} name */
+export function shortcut(name) {
+  const [key, ...modifiers] = SHORTCUTS[name];
+  return { key, modifiers };
 }
+
+/** How a shortcut is written, such as "Ctrl+C". @param {{key: string, modifiers: string[]}} keys */
+export const spell = ({ key, modifiers }) =>
+  [...modifiers.map(modifierName), key[0].toUpperCase() + key.slice(1)].join("+");

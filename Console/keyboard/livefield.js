@@ -16,7 +16,11 @@ const LINE_BREAKS = new Set(["insertLineBreak", "insertParagraph"]);
 const composesEveryWord = () => /Android/.test(navigator.userAgent)
   && !navigator.languages.some((language) => /^(zh|ja|ko)\b/.test(language));
 
-/** What makes `before` into `after` at its end: characters to erase, then text to add; pure. */
+/**
+ * What makes `before` into `after` at its end: characters to erase, then text to add; pure.
+ * @param {string} before
+ * @param {string} after
+ */
 export function difference(before, after) {
   let same = 0;
   while (same < before.length && before[same] === after[same]) same++;
@@ -36,6 +40,11 @@ export class LiveField {
   #known = "";
   #actions;
 
+  /**
+   * @param {HTMLTextAreaElement} field
+   * @param {{erase: (count: number) => void, type: (text: string) => void, enter: () => void,
+   *   impatient: () => boolean, changed: () => void}} actions
+   */
   constructor(field, actions) {
     this.#field = field;
     this.#actions = actions;
@@ -69,7 +78,7 @@ export class LiveField {
 
   /** Erases the last character here and there; false if there is none that could be. */
   eraseLast() {
-    const last = characters(this.#known).at(-1);
+    const last = characters(this.#known).pop();
     if (this.composing || !last) return false;
     this.#field.value = GUARD + this.#known.slice(0, -last.length);
     this.#sync();

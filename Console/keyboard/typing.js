@@ -8,11 +8,17 @@ const WINDOW = 800;
 const segmenter = new Intl.Segmenter(undefined, { granularity: "grapheme" });
 
 /** A text's characters as a person counts them. */
-export const characters = (text) => Array.from(segmenter.segment(text), ({ segment }) => segment);
+export const characters = (/** @type {string} */ text) => Array.from(segmenter.segment(text), ({ segment }) => segment);
 
 /** The start of the character that the UTF-16 unit at this place belongs to. */
-export const characterStart = (text, at) => segmenter.segment(text).containing(at)?.index ?? at;
+export const characterStart = (/** @type {string} */ text, /** @type {number} */ at) => segmenter.segment(text).containing(at)?.index ?? at;
 
+/** @type {(key: string) => [string, object]} */
+const down = (key) => ["keyDown", { key }];
+/** @type {(key: string) => [string, object]} */
+const up = (key) => ["keyUp", { key }];
+
+/** @param {string} text */
 function firstChunk(text) {
   const found = characters(text.slice(0, WINDOW));
   // The window's last character may go on behind it.
@@ -29,11 +35,13 @@ export class TypingQueue extends EventTarget {
   left = 0;
   total = 0;
   #connection;
+  /** @type {{text?: string, calls: [string, object][], holds?: boolean}[]} */
   #items = [];
   #busy = false;
-  /** The keys that were sent down to stay so. */
+  /** The keys that were sent down to stay so. @type {Set<string>} */
   #down = new Set();
 
+  /** @param {import("../connection/connection.js").Connection} connection */
   constructor(connection) {
     super();
     this.#connection = connection;
@@ -44,32 +52,43 @@ export class TypingQueue extends EventTarget {
     return this.#busy;
   }
 
+  /** @param {string} text */
   type(text) {
-    const last = this.#items.at(-1);
+    const last = this.#items[this.#items.length - 1];
     if (last?.text) last.text += text;
-    else this.#items.push({ text });
+    else this.#items.push({ text, calls: [] });
     this.left += text.length;
     this.total += text.length;
     this.#pump();
   }
 
-  /** Presses a key with these modifiers around it; what is pressed is let go of in any case. */
+  /**
+   * Presses a key with these modifiers around it; what is pressed is let go of in any case.
+   * @param {string} key
+   * @param {string[]} [modifiers]
+   */
   press(key, modifiers = []) {
-    this.#add({
-      calls: [...modifiers.map((name) => ["keyDown", name]), ["keyPress", key],
-        ...modifiers.toReversed().map((name) => ["keyUp", name])],
-    });
+    this.#add({ calls: [...modifiers.map(down), ["keyPress", { key }], ...[...modifiers].reverse().map(up)] });
   }
 
-  /** Presses a key that stays down, or lets go of it. */
-  hold(key, down) {
-    this.#add({ calls: [[down ? "keyDown" : "keyUp", key]], holds: true });
+  /** Presses a key that stays down, or lets go of it. @param {string} key @param {boolean} isDown */
+  hold(key, isDown) {
+    this.#add({ calls: [isDown ? down(key) : up(key)], holds: true });
+  }
+
+  /** Lets the text that waits take the way by the clipboard: written there, then pasted with these keys. */
+  paste({ key, modifiers }) {
+    const text = this.#items.map((item) => item.text ?? "").join("");
+    this.stop();
+    if (!text) return;
+    this.#add({ calls: [["setClipboard", { text }]] });
+    this.press(key, modifiers);
   }
 
   /** Lets go of all that is held at once, ahead of everything that waits. */
   letGo() {
     this.#items = this.#items.filter(({ holds }) => !holds);
-    for (const key of this.#down) this.#connection.call("keyUp", { key }).catch(() => {});
+    for (const key of this.#down) this.#connection.call(...up(key)).catch(() => {});
     this.#down.clear();
   }
 
@@ -112,10 +131,11 @@ export class TypingQueue extends EventTarget {
       this.left = Math.max(0, this.left - text.length);
     } else {
       this.#items.shift();
-      for (const [method, key] of item.calls) {
-        if (item.holds && method === "keyDown") this.#down.add(key);
-        else if (item.holds) this.#down.delete(key);
-        await this.#connection.call(method, { key });
+      for (const [method, args] of item.calls) {
+        const { key } = /** @type {{key?: string}} */ (args);
+        if (item.holds && key && method === "keyDown") this.#down.add(key);
+        else if (item.holds && key) this.#down.delete(key);
+        await this.#connection.call(method, args);
       }
     }
   }

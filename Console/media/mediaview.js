@@ -1,8 +1,9 @@
-// The media panel: what is playing, its keys, the volume and the computer's own switches.
+// The media panel: what is playing, its keys and the volume.
 
+import { text } from "../text/text.js";
+import { all, one } from "../ui/dom.js";
 import { Note } from "../ui/note.js";
 import { NowPlaying } from "./nowplaying.js";
-import { bindPower } from "../more/power.js";
 import { clockText } from "./trackclock.js";
 import { bindVolume } from "./volume.js";
 
@@ -15,25 +16,24 @@ export class MediaView {
   #timer = 0;
   #dragged = false;
 
+  /** @param {HTMLElement} panel @param {import("../connection/connection.js").Connection} connection */
   constructor(panel, connection) {
-    const [note, powerNote] = [...panel.querySelectorAll(".outcome")].map((line) => new Note(line));
-    this.#note = note;
-    this.#card = panel.querySelector(".now-playing");
-    this.#cover = panel.querySelector(".cover img");
-    this.#slider = panel.querySelector("[type=range]");
+    this.#note = new Note(one(panel, ".outcome"));
+    this.#card = one(panel, ".now-playing");
+    this.#cover = one(panel, ".cover img", HTMLImageElement);
+    this.#slider = one(panel, ".position input", HTMLInputElement);
     this.#playing = new NowPlaying(panel, connection);
     this.#playing.addEventListener("change", () => this.#show());
+    this.#playing.addEventListener("unanswered", () => this.#note.say(text("noAnswerFromPlayer"), true));
     this.#listen();
-    bindVolume(panel.querySelector(".volume"), panel, connection, note);
-    bindPower(panel.querySelectorAll("[data-power]"), panel.querySelector("dialog"), connection,
-      powerNote);
+    bindVolume(one(panel, ".volume"), panel, connection, this.#note);
     this.#show();
   }
 
   #listen() {
-    for (const button of this.#card.querySelectorAll("[data-media]")) {
+    for (const button of all(this.#card, "[data-media]")) {
       button.addEventListener("click", () =>
-        this.#note.attempt(() => this.#playing.command(button.dataset.media)));
+        this.#note.attempt(() => this.#playing.command(button.dataset.media ?? "")));
     }
     this.#cover.addEventListener("error", () => this.#showCover(""));
     this.#slider.addEventListener("input", () => {
@@ -51,30 +51,31 @@ export class MediaView {
   }
 
   #show() {
-    const { track, failure, art } = this.#playing;
-    const idle = track === undefined && !failure ? "Looking…" : "Nothing is playing";
-    this.#card.classList.toggle("playing", track?.playing === true);
+    const { track, failure, art, plays } = this.#playing;
+    const idle = text(track === undefined && !failure ? "lookingForPlayers" : "nothingPlays");
+    this.#card.classList.toggle("playing", plays);
     this.#card.classList.toggle("idle", !track);
     this.#write(".pill", track?.app ?? "");
-    this.#write("h3", track?.title ?? idle);
+    this.#write("h2", track?.title ?? idle);
     this.#write(".artist", track?.artist ?? failure);
     this.#write(".album", track?.album ?? "");
     this.#showCover(art);
-    this.#card.querySelector("[data-media=mediaPlayPause]")
-      .setAttribute("aria-label", track?.playing ? "Pause" : "Play");
-    this.#card.querySelector(".position").hidden = !track;
+    one(this.#card, "[data-media=mediaPlayPause]").setAttribute("aria-label", text(plays ? "pause" : "play"));
+    one(this.#card, ".position").hidden = !track;
     this.#slider.hidden = !track?.canSeek;
     if (track) this.#showLength(track);
     this.#tick();
   }
 
   // Written only when it is another text: a screen reader reads out what changes here.
-  #write(selector, text) {
-    const line = this.#card.querySelector(selector);
-    if (line.textContent !== text) line.textContent = text;
-    line.hidden = !text;
+  /** @param {string} selector @param {string} content */
+  #write(selector, content) {
+    const line = one(this.#card, selector);
+    if (line.textContent !== content) line.textContent = content;
+    line.hidden = !content;
   }
 
+  /** @param {string} art */
   #showCover(art) {
     const source = art && `data:image/jpeg;base64,${art}`;
     if (source && this.#cover.getAttribute("src") !== source) this.#cover.src = source;
@@ -82,9 +83,10 @@ export class MediaView {
     this.#cover.hidden = !source;
   }
 
+  /** @param {import("./nowplaying.js").Track} track */
   #showLength({ canSeek, duration }) {
-    this.#slider.max = Math.ceil(duration);
-    this.#card.querySelector(".length").textContent = canSeek ? clockText(duration) : "";
+    this.#slider.max = String(Math.ceil(duration));
+    one(this.#card, ".length").textContent = canSeek ? clockText(duration) : "";
   }
 
   // The position goes on by itself, a second at a time, while somebody looks.
@@ -92,7 +94,7 @@ export class MediaView {
     clearTimeout(this.#timer);
     const { track } = this.#playing;
     if (!track) return;
-    if (!this.#dragged) this.#slider.value = this.#playing.position;
+    if (!this.#dragged) this.#slider.value = String(this.#playing.position);
     this.#showPosition();
     if (!track.playing || !this.#playing.watched) return;
     this.#timer = setTimeout(() => this.#tick(), 1000 - (this.#playing.position % 1) * 1000);
@@ -100,10 +102,11 @@ export class MediaView {
 
   #showPosition() {
     const { position, track } = this.#playing;
+    if (!track) return;
     const shown = this.#dragged ? Number(this.#slider.value) : position;
     const [elapsed, length] = [clockText(shown), clockText(track.duration)];
-    this.#card.querySelector(".elapsed").textContent = elapsed;
-    this.#slider.setAttribute("aria-valuetext", `${elapsed} of ${length}`);
-    this.#slider.style.setProperty("--played", track.canSeek ? shown / track.duration : 0);
+    one(this.#card, ".elapsed").textContent = elapsed;
+    this.#slider.setAttribute("aria-valuetext", text("positionOf", { position: elapsed, length }));
+    this.#slider.style.setProperty("--played", String(track.canSeek ? shown / track.duration : 0));
   }
 }

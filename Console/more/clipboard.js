@@ -1,14 +1,21 @@
 // The computer's clipboard, read into a text box and written from it.
 
-/** Binds the panel's box and its two buttons. */
-export function bindClipboard(panel, connection) {
-  const box = panel.querySelector("textarea");
-  const buttons = [...panel.querySelectorAll("button")];
-  const [read, write] = buttons;
-  const outcome = panel.querySelector(".outcome");
+import { text } from "../text/text.js";
+import { all, one } from "../ui/dom.js";
 
-  const say = (text, failed = false) => {
-    outcome.textContent = text;
+/**
+ * Binds the panel's box and its two buttons.
+ * @param {HTMLElement} panel
+ * @param {import("../connection/connection.js").Connection} connection
+ */
+export function bindClipboard(panel, connection) {
+  const box = one(panel, "textarea", HTMLTextAreaElement);
+  const buttons = all(panel, ".actions button", HTMLButtonElement);
+  const [read, write] = buttons;
+  const outcome = one(panel, ".outcome");
+
+  const say = (content, failed = false) => {
+    outcome.textContent = content;
     outcome.classList.toggle("failed", failed);
   };
 
@@ -18,19 +25,18 @@ export function bindClipboard(panel, connection) {
     try {
       await action();
     } catch (error) {
-      say(error.message, true);
+      say(/** @type {Error} */ (error).message, true);
     }
     buttons.forEach((button) => { button.disabled = false; });
   };
 
   read.addEventListener("click", () => run(async () => {
-    const text = await connection.call("getClipboard");
-    box.value = text;
-    say(text === "" ? "The computer’s clipboard holds no text." : "Read from the computer.");
+    const content = await connection.call("getClipboard");
+    box.value = content;
+    say(text(content === "" ? "clipboardEmpty" : "clipboardWasRead"));
   }));
   write.addEventListener("click", () => run(async () => {
     const taken = await connection.call("setClipboard", { text: box.value });
-    if (taken) say("Written to the computer’s clipboard.");
-    else say("The computer did not take the text.", true);
+    say(text(taken ? "clipboardWritten" : "clipboardNotTaken"), !taken);
   }));
 }

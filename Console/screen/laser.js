@@ -1,53 +1,39 @@
 // The laser dot, which never outlives the page that switched it on.
 
-/** Emits "change" whenever `on` (what the user wants) changes. While the page is hidden, it is off. */
+/** Emits "change" whenever `on` changes. It goes off when the page is left or hidden. */
 export class Laser extends EventTarget {
   on = false;
   #connection;
-  #shown = false;
-  #away = false;
 
+  /** @param {import("../connection/connection.js").Connection} connection */
   constructor(connection) {
     super();
     this.#connection = connection;
-    connection.addEventListener("state", () => this.#lineChanged());
-    document.addEventListener("visibilitychange", () => this.leave(document.hidden));
-    window.addEventListener("pageshow", () => this.leave(document.hidden));
+    // The host takes away the dot of a connection that ended.
+    connection.addEventListener("state", () => { if (!connection.connected) this.#become(false); });
+    document.addEventListener("visibilitychange", () => { if (document.hidden) this.leave(); });
   }
 
-  /** Switches the dot on or off; rejects when the host does not do it. */
+  /** Switches the dot on or off; rejects when the host does not do it. @param {boolean} on */
   async turn(on) {
-    this.#want(on);
+    if (on === this.on) return;
+    this.#become(on);
     try {
-      await this.#apply();
+      await this.#connection.call(on ? "showLaser" : "hideLaser");
     } catch (error) {
-      if (this.#connection.connected) this.#want(this.#shown = false);
+      this.#become(false);
       throw error;
     }
   }
 
-  /** Takes the dot away for as long as the page is. */
-  leave(away = true) {
-    this.#away = away;
-    this.#apply().catch(() => {});
+  leave() {
+    this.turn(false).catch(() => {});
   }
 
-  #want(on) {
+  /** @param {boolean} on */
+  #become(on) {
     if (on === this.on) return;
     this.on = on;
     this.dispatchEvent(new Event("change"));
-  }
-
-  async #apply() {
-    const shown = this.on && !this.#away;
-    if (shown === this.#shown || !this.#connection.connected) return;
-    this.#shown = shown;
-    await this.#connection.call(shown ? "showLaser" : "hideLaser");
-  }
-
-  // It may be another host than before; one that shows the dot already keeps it as it is.
-  #lineChanged() {
-    if (this.#connection.connected && this.on) this.#shown = false;
-    this.#apply().catch(() => {});
   }
 }

@@ -1,22 +1,29 @@
 // Whether the host starts by itself when the user logs in.
 
+import { text } from "../text/text.js";
+import { one } from "../ui/dom.js";
+
 const CHANNEL = "launch_at_startup";
 
-/** Binds the panel's switch; it shows what the computer says, and nothing while that is not known. */
+/**
+ * Binds the panel's switch; it shows what the computer says, and nothing while that is not known.
+ * @param {HTMLElement} panel
+ * @param {import("../connection/connection.js").Connection} connection
+ */
 export function bindLoginItem(panel, connection) {
-  const card = panel.querySelector("#login-item");
-  const toggle = card.querySelector("[role=switch]");
-  const outcome = card.querySelector(".outcome");
+  const card = one(panel, "#login-item");
+  const toggle = one(card, "[role=switch]", HTMLButtonElement);
+  const outcome = one(card, ".outcome");
   let changing = false;
 
-  const say = (text, failed = false) => {
-    outcome.textContent = text;
+  const say = (content, failed = false) => {
+    outcome.textContent = content;
     outcome.classList.toggle("failed", failed);
   };
 
   const read = async () => {
-    const enabled = await connection.call("launchAtStartupIsEnabled", null, CHANNEL);
-    toggle.setAttribute("aria-checked", enabled);
+    const enabled = await connection.call("launchAtStartupIsEnabled", null, { channel: CHANNEL });
+    toggle.setAttribute("aria-checked", String(enabled));
     return enabled;
   };
 
@@ -29,7 +36,7 @@ export function bindLoginItem(panel, connection) {
       toggle.disabled = false;
     } catch (error) {
       toggle.disabled = true;
-      say(error.message, true);
+      say(/** @type {Error} */ (error).message, true);
     }
   };
 
@@ -38,16 +45,16 @@ export function bindLoginItem(panel, connection) {
     changing = true;
     say("");
     try {
-      await connection.call("launchAtStartupSetEnabled", { setEnabledValue: wanted }, CHANNEL);
+      await connection.call("launchAtStartupSetEnabled", { setEnabledValue: wanted }, { channel: CHANNEL });
       // The computer may have refused, and the call does not tell.
       const enabled = await read();
       if (wanted && !enabled) {
-        say("It is still off: the computer wants this approved in its own settings first.", true);
+        say(text("loginStillOff"), true);
       } else if (!wanted && enabled) {
-        say("It is still on: the computer did not let go of it.", true);
+        say(text("loginStillOn"), true);
       }
     } catch (error) {
-      say(error.message, true);
+      say(/** @type {Error} */ (error).message, true);
     }
     changing = false;
   };

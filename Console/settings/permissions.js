@@ -1,107 +1,55 @@
-// What the computer lets the host do, and asking for what is missing.
+// What is shown of the permissions: a card for each, and one banner while any is missing.
 
-const CHECK_INTERVAL = 3000;
+import { text } from "../text/text.js";
+import { all, byId, one } from "../ui/dom.js";
+import { Note } from "../ui/note.js";
 
-const KINDS = {
-  control: {
-    check: "isAccessibilityTrusted",
-    request: "requestAccessibilityPermission",
-    settings: "openAccessibilitySettings",
-  },
-  screen: {
-    check: "screenPermissionGranted",
-    request: "requestScreenPermission",
-    settings: "openScreenRecordingSettings",
-  },
-};
+/** @typedef {import("../connection/line.js").Line} Line */
 
-/**
- * Checks the permissions when the page connects or comes into view, and goes on checking only
- * while one is missing and the page is looked at. Emits "change"; `granted` holds true, false or
- * null (not known) for "control" and "screen".
- */
-export class Permissions extends EventTarget {
-  granted = { control: null, screen: null };
-  #connection;
-  #checking = false;
-  #timer = 0;
-
-  constructor(connection) {
-    super();
-    this.#connection = connection;
-    connection.addEventListener("state", () => this.check());
-    document.addEventListener("visibilitychange", () => this.check());
-  }
-
-  async check() {
-    clearTimeout(this.#timer);
-    if (!this.#connection.connected) this.#take({ control: null, screen: null });
-    if (!this.#connection.connected || document.hidden || this.#checking) return;
-    this.#checking = true;
-    const [control, screen] =
-      await Promise.all([this.#ask(KINDS.control.check), this.#ask(KINDS.screen.check)]);
-    this.#checking = false;
-    this.#take({ control, screen });
-    if (control === false || screen === false) {
-      this.#timer = setTimeout(() => this.check(), CHECK_INTERVAL);
-    }
-  }
-
-  async request(kind) {
-    await this.#connection.call(KINDS[kind].request);
-    await this.check();
-  }
-
-  openSettings(kind) {
-    return this.#connection.call(KINDS[kind].settings);
-  }
-
-  async #ask(method) {
-    try {
-      return await this.#connection.call(method);
-    } catch {
-      return null;
-    }
-  }
-
-  #take(granted) {
-    if (granted.control === this.granted.control && granted.screen === this.granted.screen) return;
-    this.granted = granted;
-    this.dispatchEvent(new Event("change"));
-  }
-}
-
-/** Binds one card of the panel: its pill, its two buttons and its line for what went wrong. */
-export function bindPermissionCard(card, permissions) {
-  const kind = card.dataset.permission;
-  const pill = card.querySelector(".pill");
-  const actions = card.querySelector(".actions");
-  const outcome = card.querySelector(".outcome");
-  const [request, settings] = actions.querySelectorAll("button");
+/** @param {HTMLElement} card @param {Line} line */
+export function bindPermissionCard(card, line) {
+  const kind = /** @type {"control" | "screen"} */ (card.dataset.permission);
+  const pill = one(card, ".pill");
+  const actions = one(card, ".actions");
+  const note = new Note(one(card, ".outcome"));
 
   const show = () => {
-    const granted = permissions.granted[kind];
-    const [label, look] = granted === null ? ["Not known", ""]
-      : granted ? ["Granted", "good"] : ["Missing", "bad"];
-    pill.textContent = label;
-    pill.className = `pill ${look}`;
+    const granted = line.granted[kind];
+    pill.textContent = text(granted === null ? "permissionUnknown"
+      : granted ? "permissionGranted" : "permissionMissing");
+    pill.className = `pill ${granted === null ? "" : granted ? "good" : "bad"}`;
     actions.hidden = granted !== false;
-    if (granted) outcome.textContent = "";
   };
-  const attempt = async (action, afterwards) => {
-    outcome.textContent = "";
-    try {
-      await action();
-      if (permissions.granted[kind] === false) outcome.textContent = afterwards;
-    } catch (error) {
-      outcome.textContent = error.message;
-    }
-  };
-
-  request.addEventListener("click", () => attempt(() => permissions.request(kind),
-    "Asked. Answer on the computer; this page notices by itself."));
-  settings.addEventListener("click", () => attempt(() => permissions.openSettings(kind),
-    "The settings open on the computer."));
-  permissions.addEventListener("change", show);
+  bindRequests(actions, kind, line, note);
+  line.addEventListener("change", show);
   show();
+}
+
+/**
+ * Two buttons: to ask for a permission, and to open the computer's settings.
+ * @param {HTMLElement} actions @param {"control" | "screen"} kind @param {Line} line @param {Note} note
+ */
+export function bindRequests(actions, kind, line, note) {
+  const [request, settings] = all(actions, "button");
+  request.addEventListener("click", () => note.attempt(() => line.request(kind), text("askedForIt")));
+  settings.addEventListener("click", () => note.attempt(() => line.openSettings(kind), text("settingsOpen")));
+}
+
+/** @param {Line} line */
+export function bindPermissionBanner(line) {
+  const banner = byId("permission-banner");
+  const marks = all(document, ".permission-mark");
+  for (const mark of marks) {
+    const words = document.createElement("span");
+    words.className = "unseen";
+    words.textContent = text("permissionMark");
+    mark.append(words);
+  }
+  line.addEventListener("change", () => {
+    const [control, screen] = [line.granted.control === false, line.granted.screen === false];
+    banner.hidden = !control && !screen;
+    one(banner, "span").textContent = banner.hidden ? ""
+      : text(control && screen ? "bannerBoth" : control ? "bannerControl" : "bannerScreen");
+    for (const mark of marks) mark.hidden = banner.hidden;
+  });
 }

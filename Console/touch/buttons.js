@@ -2,10 +2,15 @@
 
 const HOLD_KEYS = new Set([" ", "Enter"]);
 
-/** Makes `element` (with the button's name in data-button) a mouse button of the computer. */
+/**
+ * Makes `element` (with the button's name in data-button) a mouse button of the computer.
+ * @param {HTMLElement} element
+ * @param {import("./pointer.js").RemotePointer} pointer
+ */
 export function bindMouseButton(element, pointer) {
-  const button = element.dataset.button;
+  const button = element.dataset.button ?? "left";
   // A release that comes before the mouse has been looked at waits for the press.
+  /** @type {Promise<unknown>} */
   let ready = Promise.resolve();
 
   const press = () => pointer.press(element, button);
@@ -35,7 +40,7 @@ export function bindMouseButton(element, pointer) {
   });
   // What a screen reader activates comes as a click that no pointer made.
   element.addEventListener("click", (event) => {
-    if (event.pointerType || event.detail > 0) return;
+    if (/** @type {PointerEvent} */ (event).pointerType || event.detail > 0) return;
     press();
     release();
   });

@@ -13,9 +13,13 @@ const isNear = (value, seen) =>
 
 const whole = (x, y) => [Math.trunc(x), Math.trunc(y)];
 
-/** Emits "held" whenever `held` (the name of the pressed button, or null) changes. */
+/**
+ * Emits "held" whenever `held` (the name of the pressed button, or null) changes, and "clicked" after a
+ * click and a release.
+ */
 export class RemotePointer extends EventTarget {
-  held = null;
+  held = /** @type {string | null} */ (null);
+  /** @type {object | null} */
   #holder = null;
   #connection;
   #displays;
@@ -23,7 +27,10 @@ export class RemotePointer extends EventTarget {
   #places;
   #scrolls;
 
-  /** `displays` gives the records of the computer's displays. */
+  /**
+   * @param {import("../connection/connection.js").Connection} connection
+   * @param {() => import("../more/displays.js").DisplayRecord[]} displays
+   */
   constructor(connection, displays) {
     super();
     this.#connection = connection;
@@ -49,6 +56,7 @@ export class RemotePointer extends EventTarget {
 
   click(button) {
     this.#now("click", { button });
+    this.dispatchEvent(new Event("clicked"));
   }
 
   /** Presses a button for `holder`, an object of the caller's; who held one before lets go. */
@@ -113,6 +121,7 @@ export class RemotePointer extends EventTarget {
     if (this.held === null) return;
     this.#now("mouseUp", { button: this.held });
     this.#setHeld(null, null);
+    this.dispatchEvent(new Event("clicked"));
   }
 
   #setHeld(holder, button) {
@@ -133,6 +142,7 @@ export class RemotePointer extends EventTarget {
   }
 
   #postScroll(x, y) {
+    /** @type {(method: string, value: number) => Promise<unknown>} */
     const post = (method, value) =>
       this.#connection.call(method, { amount: Math.abs(value), direction: value > 0 ? 1 : -1 });
     const calls = [];

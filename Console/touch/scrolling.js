@@ -11,23 +11,37 @@ const STANDSTILL = 0.03;
 /** The speed falls to about a third within this time (ms). */
 const DECAY = 325;
 
-const STRIP_GAIN = 2.2;
-const KEY_STEPS = { ArrowUp: 40, ArrowDown: -40, PageUp: 400, PageDown: -400 };
+const STRIP_GAIN = 1.5;
+/** @type {Record<string, number>} */
+const KEY_STEPS = { ArrowUp: 27, ArrowDown: -27, PageUp: 270, PageDown: -270 };
 
 const calm = matchMedia("(prefers-reduced-motion: reduce)");
+
+/** How many points two fingers scroll per pixel. */
+export const SCROLL_GAIN = 1.5;
 
 /** Passes scrolling on to `scroll(x, y)` and lets it run out after the fingers are gone. */
 export class Momentum {
   #scroll;
+  #settings;
+  /** @type {{x: number, y: number, time: number}[]} */
   #recent = [];
   #frame = 0;
 
-  constructor(scroll) {
+  /**
+   * @param {(x: number, y: number) => void} scroll
+   * @param {import("../settings/settings.js").Settings} settings
+   */
+  constructor(scroll, settings) {
     this.#scroll = scroll;
+    this.#settings = settings;
   }
 
-  /** Scrolls by points; `time` is the event's. */
+  /** Scrolls as a finger does that moves by pixels; `time` is the event's. */
   move(x, y, time) {
+    const { scrollSpeed, scrollFollows } = this.#settings.values;
+    const gain = SCROLL_GAIN * scrollSpeed * (scrollFollows ? 1 : -1);
+    [x, y] = [x * gain, y * gain];
     this.#recent = this.#recent.filter((step) => time - step.time < RECENT);
     this.#recent.push({ x, y, time });
     this.#scroll(x, y);
@@ -37,8 +51,8 @@ export class Momentum {
   release(time) {
     const steps = this.#recent.filter((step) => time - step.time < RECENT);
     this.#recent = [];
-    if (calm.matches || steps.length < 2 || time - steps.at(-1).time > REST) return;
-    const elapsed = Math.max(8, steps.at(-1).time - steps[0].time);
+    if (calm.matches || steps.length < 2 || time - steps[steps.length - 1].time > REST) return;
+    const elapsed = Math.max(8, steps[steps.length - 1].time - steps[0].time);
     // The first step led to the first time, so it is no part of what came since.
     const sum = (axis) => steps.slice(1).reduce((total, step) => total + step[axis], 0);
     const speed = Math.hypot(sum("x"), sum("y")) / elapsed;
@@ -66,9 +80,13 @@ export class Momentum {
   }
 }
 
-/** Makes `strip` scroll up and down under one finger, a mouse or the keys. */
+/**
+ * Makes `strip` scroll up and down under one finger, a mouse or the keys.
+ * @param {HTMLElement} strip
+ * @param {Momentum} momentum
+ */
 export function bindScrollStrip(strip, momentum) {
-  let finger = null;
+  let finger = /** @type {number | null} */ (null);
   let last = 0;
 
   const end = (event, thrown) => {
@@ -77,6 +95,7 @@ export function bindScrollStrip(strip, momentum) {
     strip.classList.remove("pressed");
     if (thrown) momentum.release(event.timeStamp);
   };
+  /** @type {(type: string, listener: (event: any) => void) => void} */
   const on = (type, listener) => strip.addEventListener(type, (event) => {
     event.stopPropagation();
     listener(event);

@@ -1,15 +1,23 @@
 // What fingers, a mouse, a wheel and keys do on a part of the page that steers the computer's pointer.
 
-import { Gestures } from "./gestures.js";
+import { text } from "../text/text.js";
+import { one } from "../ui/dom.js";
 import { Note } from "../ui/note.js";
+import { Recogniser } from "./recogniser.js";
 
 const WHEEL_PAUSE = 1000;
 const LINE_HEIGHT = 40;
 const KEY_STEP = 10;
 const KEY_STRIDE = 60;
+const VIBRATION = 18;
+/** @type {Record<number, "center" | "right">} */
 const MOUSE_CLICKS = { 1: "center", 2: "right" };
+/** @type {Record<string, "left" | "right">} */
 const KEY_CLICKS = { Enter: "left", ContextMenu: "right" };
+/** @type {Record<string, [number, number]>} */
 const ARROWS = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1] };
+
+/** @typedef {Pick<PointerEvent, "clientX" | "clientY">} Place */
 
 /**
  * Turns the events of `element` into gestures, with a mark under the finger and a line for notes
@@ -18,56 +26,100 @@ const ARROWS = { ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], Arrow
 export class Surface {
   pointer;
   momentum;
+  settings;
   #element;
   #mark;
   #note;
-  #gestures;
+  #recogniser;
+  #line;
+  #timer = 0;
   #self = Promise.resolve(false);
   #lastWheel = -Infinity;
   #halting = false;
 
-  /** `actions` as Gestures has them, but for "tap", which is the method of this class. */
-  constructor(element, pointer, momentum, actions) {
+  /**
+   * @param {HTMLElement} element
+   * @param {{pointer: import("./pointer.js").RemotePointer, momentum: import("./scrolling.js").Momentum,
+   *   line: import("../connection/line.js").Line, settings: import("../settings/settings.js").Settings}} parts
+   * @param {Partial<import("./recogniser.js").Actions>} actions but for taps, which are methods of this class
+   */
+  constructor(element, { pointer, momentum, line, settings }, actions) {
     this.pointer = pointer;
     this.momentum = momentum;
+    this.settings = settings;
+    this.#line = line;
     this.#element = element;
-    this.#mark = element.querySelector(".pad-mark");
-    this.#note = new Note(element.querySelector(".pad-note"));
-    this.#gestures = new Gestures({ ...actions, tap: (button) => this.#tap(button) });
+    this.#mark = one(element, ".pad-mark");
+    this.#note = new Note(one(element, ".pad-note"));
+    this.#recogniser = new Recogniser({
+      move: (dx, dy) => pointer.move(dx, dy),
+      scroll: (dx, dy, time) => this.scroll(dx, dy, time),
+      scrolled: (time) => momentum.release(time),
+      press: () => this.#press(),
+      release: () => pointer.release(this),
+      hold: () => this.hold(),
+      tap: (button) => this.#tap(button),
+      ...actions,
+    });
     this.#listen();
   }
 
   get phase() {
-    return this.#gestures.phase;
+    return this.#recogniser.phase;
   }
 
   /** Ends every gesture that is under way and lets go of what it holds. */
   cancel() {
     this.momentum.stop();
-    this.#gestures.cancelAll();
+    this.#recogniser.cancelAll();
     this.#changed(null);
   }
 
-  /** Whether a pointer that comes down here is meant for the computer. */
-  accepts() {
+  /** How fingers are to be understood from now on. @returns {import("./recogniser.js").Options} */
+  options() {
+    const { speed, holdDrag } = this.settings.values;
+    return { speed, holds: holdDrag, tapDrags: true, places: false, pair: "scroll" };
+  }
+
+  /** Whether a pointer that comes down here is meant for the computer. @param {PointerEvent | WheelEvent} _event */
+  accepts(_event) {
     return true;
   }
 
-  /** A pointer came down; the first of a gesture is told by the phase "still". */
-  began() {}
+  /** A pointer came down. @param {PointerEvent} _event */
+  began(_event) {}
 
-  /** A pointer moved, came down or went up; null when it is gone. */
-  followed() {}
+  /** A pointer moved, came down or went up; null when it is gone. @param {PointerEvent | null} _event */
+  followed(_event) {}
 
+  /** A finger rests. */
+  hold() {
+    if (this.pointer.held !== null) return;
+    this.pointer.press(this, "left");
+    this.vibrate();
+  }
+
+  /** @param {string} button */
   click(button) {
     this.pointer.click(button);
   }
 
-  wheel(x, y) {
+  /** @param {number} x @param {number} y @param {number} time */
+  scroll(x, y, time) {
+    this.momentum.move(x, y, time);
+  }
+
+  /** @param {number} x @param {number} y @param {WheelEvent} _event */
+  wheel(x, y, _event) {
     this.pointer.scroll(x, y);
   }
 
+  vibrate() {
+    if (this.settings.values.vibration) navigator.vibrate?.(VIBRATION);
+  }
+
   #listen() {
+    /** @type {(type: string, listener: (event: any) => void) => void} */
     const on = (type, listener) =>
       this.#element.addEventListener(type, listener.bind(this), { passive: false });
     on("pointerdown", this.#down);
@@ -83,49 +135,60 @@ export class Surface {
     });
   }
 
+  /** @param {PointerEvent} event */
   #down(event) {
     if (!this.accepts(event)) return;
     this.#element.setPointerCapture(event.pointerId);
     if (event.pointerType === "mouse") this.#self = this.pointer.isSelf(event);
+    else this.#line.check();
     this.#element.classList.add("used");
     // A touch that stops what is still scrolling does nothing else.
     const halted = this.momentum.stop();
-    if (this.phase === "idle") this.#halting = halted;
+    if (this.phase === "idle") {
+      this.#halting = halted;
+      this.#recogniser.options = this.options();
+    }
     this.#unlessSelf(event, () => {
       const button = MOUSE_CLICKS[event.button];
       if (!button && event.button !== 0) return;
-      if (!button) {
-        const mouse = event.pointerType === "mouse";
-        this.#gestures.down(event.pointerId, event.clientX, event.clientY, event.timeStamp, mouse);
-      }
       this.began(event);
-      if (button) this.#tap(button);
-      else this.#changed(event);
-    });
-  }
-
-  #move(event) {
-    if (!this.#element.hasPointerCapture(event.pointerId)) return;
-    this.#unlessSelf(event, () => {
-      this.#gestures.move(event.pointerId, event.clientX, event.clientY, event.timeStamp);
+      if (button) {
+        this.#tap(button);
+        return;
+      }
+      this.#recogniser.down({ id: event.pointerId, x: event.clientX, y: event.clientY,
+        time: event.timeStamp, size: Math.max(event.width, event.height), mouse: event.pointerType === "mouse" });
       this.#changed(event);
     });
   }
 
+  /** @param {PointerEvent} event */
+  #move(event) {
+    if (!this.#element.hasPointerCapture(event.pointerId)) return;
+    this.#unlessSelf(event, () => {
+      this.#recogniser.move({ id: event.pointerId, x: event.clientX, y: event.clientY,
+        time: event.timeStamp });
+      this.#changed(event);
+    });
+  }
+
+  /** @param {PointerEvent} event */
   #up(event) {
     this.#unlessSelf(event, () => {
-      this.#gestures.up(event.pointerId, event.timeStamp);
+      this.#recogniser.up(event.pointerId, event.timeStamp);
       this.#changed(null);
     });
   }
 
+  /** @param {PointerEvent} event */
   #cancelled(event) {
     this.#unlessSelf(event, () => {
-      this.#gestures.cancel(event.pointerId);
+      this.#recogniser.cancel(event.pointerId);
       this.#changed(null);
     });
   }
 
+  /** @param {WheelEvent} event */
   #wheel(event) {
     event.preventDefault();
     if (!this.accepts(event)) return;
@@ -139,6 +202,7 @@ export class Surface {
     });
   }
 
+  /** @param {KeyboardEvent} event */
   #key(event) {
     const arrow = ARROWS[event.key];
     if (arrow) {
@@ -162,18 +226,28 @@ export class Surface {
     }
     this.#self.then((self) => {
       if (!self) action();
-      else if (event.type === "pointerdown") this.#note.say("This would move the mouse that is on it. "
-        + "Open this page on a phone or another computer.");
+      else if (event.type === "pointerdown") this.#note.say(text("padSelf"));
     });
   }
 
+  /** @param {string} button */
   #tap(button) {
     if (this.pointer.held !== null || this.#halting) return;
     this.click(button);
+    this.vibrate();
     this.#pulse();
   }
 
+  #press() {
+    if (this.pointer.held !== null || this.#halting) return;
+    this.pointer.press(this, "left");
+    this.vibrate();
+    this.#pulse();
+  }
+
+  /** @param {PointerEvent | null} event */
   #changed(event) {
+    this.#arm();
     this.followed(event);
     this.#mark.classList.toggle("waiting", this.phase === "still");
     this.#mark.classList.toggle("shown", this.phase !== "idle");
@@ -182,6 +256,17 @@ export class Surface {
     const x = event.clientX - box.left - this.#element.clientLeft;
     const y = event.clientY - box.top - this.#element.clientTop;
     this.#mark.style.translate = `${x}px ${y}px`;
+  }
+
+  // Events bear the time of the touch, which is a little before now.
+  #arm() {
+    clearTimeout(this.#timer);
+    const { due } = this.#recogniser;
+    if (due === Infinity) return;
+    this.#timer = setTimeout(() => {
+      this.#recogniser.tick(Math.max(due, performance.now()));
+      this.#changed(null);
+    }, Math.max(0, due - performance.now()));
   }
 
   #pulse() {

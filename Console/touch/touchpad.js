@@ -3,19 +3,8 @@
 import { Surface } from "./surface.js";
 
 export class Touchpad extends Surface {
-  constructor(pad, pointer, momentum) {
-    super(pad, pointer, momentum, {
-      move: (dx, dy) => pointer.move(dx, dy),
-      scroll: (x, y, time) => momentum.move(x, y, time),
-      scrolled: (time) => momentum.release(time),
-      hold: () => this.#hold(),
-      letGo: () => pointer.release(this),
-    });
-  }
-
-  #hold() {
-    if (this.pointer.held !== null) return;
-    this.pointer.press(this, "left");
-    navigator.vibrate?.(25);
+  /** @param {HTMLElement} pad @param {ConstructorParameters<typeof Surface>[1]} parts */
+  constructor(pad, parts) {
+    super(pad, parts, {});
   }
 }

@@ -13,6 +13,8 @@ import { chromium } from "playwright-core";
 import { decodeMessage, decodeMethodCall, encodeMessage } from "../../Console/connection/codec.js";
 
 export const CONNECTED = "body[data-state=connected]";
+const MAIN_PLACES = ["touchpad", "screen", "media", "apps", "more"];
+export const PLACES = [...MAIN_PLACES, "keyboard", "displays", "clipboard", "present", "power", "settings"];
 
 const PATIENCE = 20_000;
 const graphemes = new Intl.Segmenter();
@@ -69,10 +71,17 @@ export function launchBrowser(shown = false) {
   });
 }
 
+/** Goes to a place of the page by what leads there. */
+export async function go(page, place) {
+  if (!MAIN_PLACES.includes(place)) await page.click("#tab-more");
+  await page.click(`#tab-${place}`);
+  await page.waitForSelector(`#panel-${place}`);
+}
+
 /** A phone's page at this address; what goes wrong in its scripts lands in `page.problems`. */
-export async function openPhone(browser, url) {
+export async function openPhone(browser, url, options = {}) {
   const context = await browser.newContext({
-    viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true,
+    viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true, locale: "en-GB", ...options,
   });
   const page = await context.newPage();
   page.setDefaultTimeout(PATIENCE);
@@ -165,6 +174,21 @@ export class Fingers {
         finger.x += dx / steps;
         finger.y += dy / steps;
       }
+      await this.#dispatch("touchMove");
+    }
+  }
+
+  /** Moves two fingers apart by this factor, about the middle between them. */
+  async spread(ids, factor, steps = 12) {
+    const [a, b] = ids.map((id) => this.#down.get(id));
+    const middle = { x: (a.x + b.x) / 2, y: (a.y + b.y) / 2 };
+    const from = [a, b].map(({ x, y }) => ({ x: x - middle.x, y: y - middle.y }));
+    for (let step = 1; step <= steps; step++) {
+      const by = 1 + ((factor - 1) * step) / steps;
+      [a, b].forEach((finger, at) => {
+        finger.x = middle.x + from[at].x * by;
+        finger.y = middle.y + from[at].y * by;
+      });
       await this.#dispatch("touchMove");
     }
   }
