@@ -325,6 +325,8 @@ export class Recogniser {
     this.#tapping = false;
     this.phase = pinches ? "transforming" : "scrolling";
     this.#axis = dominantAxis(dx, dy);
+    // What it took to see that they pinch counts too.
+    if (pinches) this.#transform(centre(a.startX, a.startY, b.startX, b.startY));
   }
 
   // Two fingers that move together move the content once, not twice.
@@ -336,8 +338,7 @@ export class Recogniser {
 
   #centre() {
     const [a, b] = [...this.#fingers.values()];
-    if (!b) return null;
-    return { x: (a.x + b.x) / 2, y: (a.y + b.y) / 2, apart: Math.hypot(a.x - b.x, a.y - b.y) };
+    return b ? centre(a.x, a.y, b.x, b.y) : null;
   }
 
   /** @param {{x: number, y: number, apart: number} | null} before */
@@ -364,6 +365,10 @@ export class Recogniser {
     }
   }
 }
+
+/** The middle of two fingers and how far they are apart. */
+const centre = (x1, y1, x2, y2) =>
+  ({ x: (x1 + x2) / 2, y: (y1 + y2) / 2, apart: Math.hypot(x1 - x2, y1 - y2) });
 
 /** @param {number} dx @param {number} dy @returns {"x" | "y" | null} */
 function dominantAxis(dx, dy) {

@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { allow, CONNECTED, copyOnComputer, eventually, exec, launchBrowser, pasteOnComputer,
+import { allow, CONNECTED, copyOnComputer, eventually, exec, go, launchBrowser, pasteOnComputer,
   pointerPlace, useMouseAt } from "./desktop.js";
 import { center, fingers, host, pad, page, replaceHost, witness } from "./setup.js";
 
@@ -139,7 +139,7 @@ describe("scrolling", () => {
 
 describe("sections", () => {
   test("displays are redrawn at a change and take the pointer", async () => {
-    await page.click("#tab-displays");
+    await go(page, "displays");
     await page.waitForFunction(() => document.querySelectorAll(".display").length === 1);
     await exec("xrandr", ["--setmonitor", "narrow", "600/150x1200/300+0+0", "screen"]);
     try {
@@ -160,7 +160,7 @@ describe("sections", () => {
   });
 
   test("the clipboard goes both ways", async () => {
-    await page.click("#tab-clipboard");
+    await go(page, "clipboard");
     await copyOnComputer("ä → 😀\nsecond line");
     await page.click("text=Read clipboard");
     await page.waitForFunction((text) => document.querySelector("#clipboard-text").value === text,
@@ -173,40 +173,47 @@ describe("sections", () => {
 
     await page.fill("#clipboard-text", "x".repeat(1100 * 1024));
     await page.click("text=Write clipboard");
-    await page.waitForSelector("#panel-clipboard .outcome.failed >> text=more than the host takes");
+    await page.waitForSelector("#panel-clipboard .outcome.failed >> text=more than the computer takes");
     assert.ok(await page.isVisible(CONNECTED));
   });
 
-  test("a missing permission is shown, and gone when it is granted", async () => {
+  test("a permission that is taken back is noticed on every place, and gone when it is granted", async () => {
+    await go(page, "media");
+    await page.waitForTimeout(1000);
     await allow(false, true);
     try {
-      await page.reload();
-      await page.waitForSelector("#control-banner >> visible=true");
-      await page.click("#control-banner button");
+      await page.waitForSelector("#permission-banner >> visible=true", { timeout: 6000 });
+      await page.click("#permission-banner button");
       const pill = (kind) => page.locator(`[data-permission=${kind}] .pill`).textContent();
       assert.deepEqual([await pill("control"), await pill("screen")], ["Missing", "Granted"]);
     } finally {
       await allow(true, true);
     }
-    await page.waitForSelector("[data-permission=control] .pill.good");
-    await page.click("#tab-touchpad");
-    assert.equal(await page.isVisible("#control-banner"), false);
+    await page.waitForSelector("#permission-banner", { state: "hidden" });
   });
 });
 
-test("the page says what is wrong with its address and comes back by itself", async () => {
-  const showsState = (state) => page.waitForSelector(`body[data-state=${state}] #advice:not([hidden])`);
-  const useToken = (hash) => page.evaluate((hash) => { location.hash = hash; }, hash);
-  await useToken("0123456789abcdef0123456789abcdef");
-  await showsState("refused");
-  await useToken("");
-  await showsState("no-token");
-  await useToken(new URL(host.url).hash);
+test("the page says what is wrong with its address, takes another, and comes back by itself", async () => {
+  const token = new URL(host.url).hash.slice(1);
+  const showsReason = (reason) =>
+    page.waitForSelector(`body[data-reason=${reason}] #line-panel:not([hidden])`);
+  const start = async (hash) => {
+    await page.evaluate(() => localStorage.removeItem("tapdeck.device"));
+    await page.goto("about:blank");
+    await page.goto(new URL(`/#${hash}`, host.url).href);
+  };
+  await start("0123456789abcdef0123456789abcdef");
+  await showsReason("wrong-token");
+  assert.ok(await page.evaluate(() => document.querySelector("main").inert));
+  await page.fill("#line-address", "http://192.0.2.7/");
+  await page.click("#line-panel [type=submit]");
+  await page.waitForSelector("#line-panel .outcome:not(:empty)");
+  await start("");
+  await showsReason("no-token");
+  await page.fill("#line-address", `http://192.0.2.7:1/#${token}`);
+  await page.click("#line-panel [type=submit]");
   await page.waitForSelector(CONNECTED);
 
-  await replaceHost(() => showsState("unreachable"));
-  await showsState("refused");
-  await useToken(new URL(host.url).hash);
-  await page.waitForSelector(CONNECTED);
-  assert.equal(await page.isVisible("#advice"), false);
+  await replaceHost(() => page.waitForSelector("body[data-state=unreachable] #line-panel:not([hidden])"));
+  await page.waitForSelector(`${CONNECTED}, body[data-reason=wrong-token]`);
 });

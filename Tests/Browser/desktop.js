@@ -3,6 +3,7 @@
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
 import { mkdir, rm, writeFile } from "node:fs/promises";
+import { connect, createServer } from "node:net";
 import { dirname, join } from "node:path";
 import { createInterface } from "node:readline";
 import { setTimeout as sleep } from "node:timers/promises";
@@ -147,6 +148,49 @@ export class Line {
     if (!this.noted.test(method)) return send();
     this.calls.push(`${method} ${args.key ?? args.text ?? args.bundleId}`);
     return this.#held ? this.#held.push(send) : send();
+  }
+}
+
+/**
+ * A line to the host that is as long as one wants: what goes over it arrives `delay` ms later, and while
+ * it is `dead` nothing does, though nobody is told.
+ */
+export class LongLine {
+  dead = false;
+  #server;
+  #sockets = new Set();
+
+  static async to(url, delay) {
+    const line = new LongLine();
+    const { hostname, port } = new URL(url);
+    line.#server = createServer((near) => {
+      const far = connect(Number(port), hostname);
+      // Browsers name the line's end where they mean the host's; both names are equally long.
+      const rename = (data) => Buffer.from(
+        data.toString("latin1").replaceAll(`:${line.#server.address().port}`, `:${port}`), "latin1");
+      line.#pass(near, far, delay, (data) => data.subarray(0, 4).toString() === "GET " ? rename(data) : data);
+      line.#pass(far, near, delay, (data) => data);
+    });
+    do {
+      await new Promise((resolve) => { line.#server.listen(0, hostname, resolve); });
+    } while (String(line.#server.address().port).length !== port.length);
+    line.url = url.replace(`:${port}`, `:${line.#server.address().port}`);
+    return line;
+  }
+
+  close() {
+    for (const socket of this.#sockets) socket.destroy();
+    this.#server.close();
+  }
+
+  #pass(from, to, delay, change) {
+    this.#sockets.add(from);
+    from.setNoDelay(true);
+    from.on("data", (data) => setTimeout(() => {
+      if (!this.dead && to.writable) to.write(change(data));
+    }, delay));
+    from.on("close", () => setTimeout(() => to.destroy(), delay));
+    from.on("error", () => {});
   }
 }
 
