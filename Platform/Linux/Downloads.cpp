@@ -27,7 +27,7 @@ GMainContext* downloadContext() {
     GMainContext* own = g_main_context_new();
     g_thread_unref(g_thread_new(
         "downloads",
-        [](gpointer data) -> gpointer {
+        [](gpointer data) noexcept -> gpointer {
           auto* loopContext = static_cast<GMainContext*>(data);
           g_main_context_push_thread_default(loopContext);
           g_main_loop_run(g_main_loop_new(loopContext, FALSE));
@@ -55,7 +55,7 @@ class Download {
     }
   }
 
-  static gboolean start(gpointer self) {
+  static gboolean start(gpointer self) noexcept {
     static_cast<Download*>(self)->start();
     return G_SOURCE_REMOVE;
   }
@@ -75,7 +75,7 @@ class Download {
   }
 
   /// What was asked for over TLS is not taken without it.
-  static void redirected(SoupMessage* message, gpointer self) {
+  static void redirected(SoupMessage* message, gpointer self) noexcept {
     const auto* download = static_cast<Download*>(self);
     const bool wasSecure = download->_address.starts_with("https:");
     if (wasSecure && std::string_view(g_uri_get_scheme(soup_message_get_uri(message))) != "https") {
@@ -83,12 +83,12 @@ class Download {
     }
   }
 
-  static gboolean timedOut(gpointer self) {
+  static gboolean timedOut(gpointer self) noexcept {
     g_cancellable_cancel(static_cast<Download*>(self)->_cancellable.get());
     return G_SOURCE_CONTINUE;
   }
 
-  static void answered(GObject* session, GAsyncResult* result, gpointer self) {
+  static void answered(GObject* session, GAsyncResult* result, gpointer self) noexcept {
     auto* download = static_cast<Download*>(self);
     download->_stream.reset(soup_session_send_finish(SOUP_SESSION(session), result, nullptr));
     if (download->_stream == nullptr) return download->finish(std::nullopt);
@@ -100,7 +100,7 @@ class Download {
                               _cancellable.get(), chunkRead, this);
   }
 
-  static void chunkRead(GObject* stream, GAsyncResult* result, gpointer self) {
+  static void chunkRead(GObject* stream, GAsyncResult* result, gpointer self) noexcept {
     auto* download = static_cast<Download*>(self);
     download->take(g_input_stream_read_finish(G_INPUT_STREAM(stream), result, nullptr));
   }

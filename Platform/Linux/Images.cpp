@@ -95,7 +95,7 @@ void stretch(const GdkPixbuf* picture, CGRect part, Bitmap& bitmap) {
 }
 
 /// Keeps the loader from making room for pictures that no cover needs: no size is an error to it.
-void refuseHugePicture(GdkPixbufLoader* loader, int width, int height, gpointer) {
+void refuseHugePicture(GdkPixbufLoader* loader, int width, int height, gpointer) noexcept {
   constexpr int64_t mostPixels = 40'000'000;
   if (int64_t{width} * height > mostPixels) gdk_pixbuf_loader_set_size(loader, 0, 0);
 }

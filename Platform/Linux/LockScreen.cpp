@@ -40,14 +40,14 @@ constexpr Locker kLockers[] = {
 void ask(const Locker* locker);
 
 /// Goes on with the next one unless this has locked.
-void finish(GObject* connection, GAsyncResult* result, gpointer data) {
+void finish(GObject* connection, GAsyncResult* result, gpointer data) noexcept {
   const auto* locker = static_cast<const Locker*>(data);
   const Variant reply(
       g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));
   if (reply == nullptr) ask(std::next(locker));
 }
 
-void callLock(GObject*, GAsyncResult* result, gpointer data) {
+void callLock(GObject*, GAsyncResult* result, gpointer data) noexcept {
   const auto* locker = static_cast<const Locker*>(data);
   const Shared<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
   if (connection == nullptr) {

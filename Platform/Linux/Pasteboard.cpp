@@ -36,7 +36,7 @@ struct OwnAnswer {
   std::optional<std::string> text;
 };
 
-void takeOwnAnswer(GtkClipboard*, GtkSelectionData* data, gpointer shared) {
+void takeOwnAnswer(GtkClipboard*, GtkSelectionData* data, gpointer shared) noexcept {
   const std::unique_ptr<std::shared_ptr<OwnAnswer>> answer(
       static_cast<std::shared_ptr<OwnAnswer>*>(shared));
   int length = 0;

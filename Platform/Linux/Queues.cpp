@@ -13,12 +13,12 @@ namespace {
 
 using Work = std::function<void()>;
 
-gboolean runOnMain(gpointer work) {
+gboolean runOnMain(gpointer work) noexcept {
   (*static_cast<Work*>(work))();
   return G_SOURCE_REMOVE;
 }
 
-void deleteWork(gpointer work) {
+void deleteWork(gpointer work) noexcept {
   delete static_cast<Work*>(work);
 }
 
@@ -49,7 +49,7 @@ class GlobalQueues {
 
   GThreadPool* newPool() { return g_thread_pool_new(run, this, kThreadsPerPool, FALSE, nullptr); }
 
-  static void run(gpointer work, gpointer self) {
+  static void run(gpointer work, gpointer self) noexcept {
     auto* queues = static_cast<GlobalQueues*>(self);
     {
       const std::unique_ptr<Work> owned(static_cast<Work*>(work));

@@ -15,7 +15,7 @@ struct RepeatingTimer::Timer {
     Timer* timer;
   };
 
-  static gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
+  static gboolean dispatch(GSource* source, GSourceFunc, gpointer) noexcept {
     // what is called may end the timer
     const auto fired = reinterpret_cast<Source*>(source)->timer->fireLater(source);
     fired();

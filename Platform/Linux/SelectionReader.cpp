@@ -15,8 +15,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Longer texts are taken for a fault of their owner rather than held in memory.
-constexpr std::size_t kLongestText = std::size_t{64} << 20;
+/// Beyond the longest text by as much as shows that there is more, in whole words.
+constexpr std::size_t kMaxRead = kMaxSelectionText + 4;
 
 struct Freeing {
   void operator()(void* memory) const { std::free(memory); }
@@ -164,19 +164,19 @@ class SelectionReader {
       if (!part) continue;  // The event of a value that was taken already.
       whole.type = part->type;
       if (part->bytes.empty()) return whole;
-      if (whole.bytes.size() + part->bytes.size() > kLongestText) return giveUp();
       whole.bytes += part->bytes;
+      if (whole.bytes.size() > kMaxSelectionText) return whole;
     }
   }
 
   /// Reads the property and deletes it; absent when it is not set.
   std::optional<Property> takeProperty() {
-    constexpr uint32_t kLongestInWords = kLongestText / 4;
+    constexpr uint32_t kMaxWords = kMaxRead / 4;
     const auto request = xcb_get_property(_connection.get(), 1, _window, _property,
-                                          XCB_GET_PROPERTY_TYPE_ANY, 0, kLongestInWords);
+                                          XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxWords);
     const Owned<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(_connection.get(), request, nullptr));
-    if (!reply || reply->type == XCB_ATOM_NONE || reply->bytes_after > 0) return std::nullopt;
+    if (!reply || reply->type == XCB_ATOM_NONE) return std::nullopt;
     const auto* bytes = static_cast<const char*>(xcb_get_property_value(reply.get()));
     return Property{
         reply->type,

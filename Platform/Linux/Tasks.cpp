@@ -96,7 +96,7 @@ int32_t statusOf(GSubprocess* ended) {
 
 using Handler = std::function<void(int32_t)>;
 
-void childEnded(GObject* source, GAsyncResult* result, gpointer data) {
+void childEnded(GObject* source, GAsyncResult* result, gpointer data) noexcept {
   const std::unique_ptr<Handler> handler(static_cast<Handler*>(data));
   auto* child = G_SUBPROCESS(source);
   g_subprocess_wait_finish(child, result, nullptr);

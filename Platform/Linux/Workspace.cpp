@@ -29,7 +29,7 @@ std::optional<permissions::Permission> permissionBehind(std::string_view address
   return std::nullopt;
 }
 
-void finishLaunch(GObject*, GAsyncResult* result, gpointer) {
+void finishLaunch(GObject*, GAsyncResult* result, gpointer) noexcept {
   g_app_info_launch_default_for_uri_finish(result, nullptr);
 }
 

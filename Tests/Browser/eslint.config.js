@@ -11,7 +11,7 @@ export default [
       "no-var": "error",
       "prefer-const": "error",
       "no-unused-vars": ["error", { args: "after-used", argsIgnorePattern: "^_" }],
-      "max-len": ["error", { code: 116 }],
+      "max-len": ["error", { code: 120 }],
       "no-restricted-syntax": ["error",
         { selector: "AssignmentExpression[left.property.name=/^(innerHTML|outerHTML)$/]",
           message: "Write texts, not markup." }],

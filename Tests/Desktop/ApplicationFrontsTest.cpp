@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Platform/Clock.h"
-#include "Platform/Linux/Application/BrowserName.h"
+#include "Platform/Linux/StandInEngine/BrowserName.h"
 #include "Platform/Linux/Permissions.h"
 #include "Platform/Linux/Queues.h"
 #include "Platform/ProcessInfo.h"

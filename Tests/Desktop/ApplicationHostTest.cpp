@@ -4,7 +4,10 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <tuple>
+#include <vector>
 
+#include "Platform/Linux/Application/FatalError.h"
 #include "Platform/Linux/Application/GtkConnection.h"
 #include "Platform/Linux/Permissions.h"
 #include "Platform/Linux/SessionFile.h"
@@ -21,7 +24,8 @@ using ::testing::Not;
 struct RunningHost : ChildProcess {
   RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
     EXPECT_TRUE(awaitLine()) << errors();
-    EXPECT_EQ(output(), "Tapdeck: " + readSession().value().url + "\n");
+    // not the token: standard output may be a journal here
+    EXPECT_EQ(output(), "Tapdeck: the page's address is in " + sessionFilePath().string() + "\n");
   }
 };
 
@@ -45,10 +49,22 @@ TEST(HostTest, EndsCleanlyAtTheUsualSignals) {
   }
 }
 
+TEST(HostTest, EndsInTheMiddleOfALongText) {
+  RunningHost host;
+  const std::string text(6000, 'a');
+  ChildProcess call({callProgram, "typeText", "{\"text\": \"" + text + "\"}"});
+  runFor(std::chrono::seconds(1));
+  host.send(SIGTERM);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(host.status(), 0) << host.errors();
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ(call.status(), 0) << "the text had not begun: " << call.errors();
+}
+
 TEST(HostTest, OutlivesItsWindowAndBringsItBack) {
   RunningHost host;
   closeTheWindow();
-  EXPECT_EQ(outputOf({hostProgram, "--show"}), host.output());
+  EXPECT_EQ(outputOf({hostProgram, "--show"}), "Tapdeck: " + readSession().value().url + "\n");
   EXPECT_TRUE(eventually(windowIsVisible));
 }
 
@@ -68,7 +84,7 @@ TEST(HostTest, AsksTheUserWhoDecidesByTheSwitch) {
 }
 
 TEST(HostTest, SaysWhyItCannotStart) {
-  const PrivateServer bare({"-extension", "XTEST"});
+  const PrivateServer bare({"-extension", "XTEST"}), other({});
   RunningHost first;
   const Session session = readSession().value();
   const std::string port = std::to_string(session.port);
@@ -82,13 +98,14 @@ TEST(HostTest, SaysWhyItCannotStart) {
   const std::vector<Case> cases = {
       {{}, nullptr, 1, "DISPLAY"},
       {{}, bare.display().c_str(), 1, "XTEST"},
+      {{"--port", "0"}, here.c_str(), 1, "another Tapdeck controls this display"},
       {{"--port", port},
-       here.c_str(),
+       other.display().c_str(),
        1,
        "Port " + port + " is taken by another program. Choose another port with --port"},
-      {{"--listen", "nowhere"}, here.c_str(), 1, "\"nowhere\" is not an IP address"},
+      {{"--listen", "nowhere"}, other.display().c_str(), 1, "\"nowhere\" is not an IP address"},
       // a documentation address: no machine has it
-      {{"--listen", "192.0.2.1"}, here.c_str(), 1, "Cannot listen on 192.0.2.1"},
+      {{"--listen", "192.0.2.1"}, other.display().c_str(), 1, "Cannot listen on 192.0.2.1"},
       {{"--porto=1"}, here.c_str(), 64, "porto"},
   };
   for (const auto& [options, display, status, message] : cases) {
@@ -111,6 +128,16 @@ TEST(HostTest, EndsWithItsXServer) {
   EXPECT_EQ(host.status(), 1);
   EXPECT_THAT(host.errors(), HasSubstr("X server"));
   EXPECT_FALSE(std::filesystem::exists(sessionFilePath()));
+}
+
+TEST(FatalErrorDeathTest, SaysWhyAndEnds) {
+  const auto fail = []() noexcept { std::ignore = std::vector<int>().at(1); };
+  EXPECT_EXIT(
+      {
+        endCleanlyOnFatalError();
+        fail();
+      },
+      ::testing::ExitedWithCode(1), "tapdeck-host: ended by an error: vector");
 }
 
 }  // namespace

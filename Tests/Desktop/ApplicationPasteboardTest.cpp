@@ -113,6 +113,11 @@ TEST(PasteboardTest, TakesTheTextOfOtherClients) {
     putThereByXclip(text);
     EXPECT_TRUE(pasteboardString() == text) << text.size() << " bytes";
   }
+  // one that cannot be sent on is neither held whole nor taken for none
+  putThereByXclip(longText(70'000'000));
+  const auto cut = pasteboardString().value_or("").size();
+  EXPECT_GT(cut, platform::kMaxSelectionText);
+  EXPECT_LT(cut, platform::kMaxSelectionText * 5 / 4);
 }
 
 TEST(PasteboardTest, GivesItsTextToItselfAndToOthers) {

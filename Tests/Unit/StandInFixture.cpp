@@ -123,14 +123,15 @@ void Page::vanish() {
   g_io_stream_close(soup_websocket_connection_get_io_stream(_socket.get()), nullptr, nullptr);
 }
 
-void StandInTest::startEngine(std::chrono::milliseconds silenceLimit) {
+void StandInTest::startEngine(std::chrono::milliseconds silenceLimit,
+                              std::chrono::milliseconds pendingLimit) {
   engine.reset();
-  engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit});
+  engine = StandInEngine::start({"127.0.0.1", 0, silenceLimit, pendingLimit, devicesFile()});
 }
 
-std::unique_ptr<Page> StandInTest::openPage() {
+std::unique_ptr<Page> StandInTest::openPage(const std::string& path) {
   const size_t before = engine->peers().size();
-  auto page = std::make_unique<Page>("ws://" + host() + enginePath());
+  auto page = std::make_unique<Page>("ws://" + host() + (path.empty() ? enginePath() : path));
   EXPECT_TRUE(page->isOpen());
   EXPECT_TRUE(waitForPeers(before + 1));
   return page;

@@ -76,12 +76,15 @@ class StandInTest : public testing::Test {
 
   StandInTest() { startEngine(); }
 
-  void startEngine(std::chrono::milliseconds silenceLimit = std::chrono::seconds(25));
+  void startEngine(std::chrono::milliseconds silenceLimit = std::chrono::seconds(25),
+                   std::chrono::milliseconds pendingLimit = std::chrono::seconds(10));
   uint16_t port() const { return readSession().value().port; }
   std::string host() const { return "127.0.0.1:" + std::to_string(port()); }
   /// Where a page connects to, with the token.
   std::string enginePath() const { return "/engine?token=" + readSession().value().token; }
-  std::unique_ptr<Page> openPage();
+  std::string devicesFile() const { return runtimeDirectory.path / "devices.ini"; }
+  /// By the run's token where no path is given.
+  std::unique_ptr<Page> openPage(const std::string& path = "");
   /// One request whose headers are given as lines, with the main context running; the whole
   /// response, or its head when the connection is upgraded.
   std::string exchange(const std::string& requestLine, const std::string& headers) const;

@@ -15,7 +15,7 @@ using testing::StartsWith;
 class StandInHttp : public StandInTest {
  protected:
   std::string get(const std::string& path, const std::string& method = "GET") {
-    return exchange(method + " " + path, "Connection: close\r\nHost: " + host() + "\r\n");
+    return exchange(method + " " + path, "Host: " + host() + "\r\n");
   }
 };
 
@@ -25,6 +25,8 @@ TEST_F(StandInHttp, ServesThePageWithItsHeaders) {
   const std::string parts[] = {
       "Content-Type: text/html; charset=utf-8\r\n",
       "Cache-Control: no-cache\r\n",
+      "Connection: close\r\n",
+      "Cross-Origin-Resource-Policy: same-origin\r\n",
       "Referrer-Policy: no-referrer\r\n",
       "Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; ",
       "manifest-src 'self'; ",

@@ -103,5 +103,30 @@ TEST_F(StandInLimits, SilentPeer) {
   EXPECT_TRUE(page->isOpen());
 }
 
+TEST_F(StandInLimits, SilentPeerThatHolds) {
+  const auto client = openRaw();
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_TRUE(waitForPeers(0));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+  EXPECT_THAT(calls, ElementsAre("mouseDown", "mouseUp button=left"));
+}
+
+TEST_F(StandInLimits, BrokenFramesAreAnsweredWithTheReason) {
+  const std::pair<std::string, int> cases[] = {
+      {frame(0x83, "reserved opcode"), 1002},
+      {std::string("\x82\x01x", 3), 1002},
+      {frame(0x81, "\xff"), 1007},
+  };
+  for (const auto& [bytes, code] : cases) {
+    const auto client = openRaw();
+    ASSERT_TRUE(client->write(bytes));
+    const std::string wanted = {static_cast<char>(code >> 8), static_cast<char>(code)};
+    const auto said = [&] { return client->received().find(wanted) != std::string::npos; };
+    EXPECT_TRUE(eventually([&] { return !client->read() || said(); }));
+    EXPECT_TRUE(said()) << code;
+    calls.clear();
+  }
+}
+
 }  // namespace
 }  // namespace tapdeck

@@ -1,8 +1,10 @@
 #include <glib-unix.h>
 #include <glibmm/main.h>
 #include <gtkmm/main.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -10,12 +12,14 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 
+#include "Platform/Linux/Application/EndSignals.h"
+#include "Platform/Linux/Application/FatalError.h"
 #include "Platform/Linux/Application/GtkConnection.h"
 #include "Platform/Linux/Application/MainWindow.h"
+#include "Platform/Linux/Application/OnlyHost.h"
 #include "Platform/Linux/Application/Options.h"
 #include "Platform/Linux/Pasteboard.h"
 #include "Platform/Linux/Quartz/WindowServer.h"
@@ -29,7 +33,8 @@ namespace tapdeck {
 namespace {
 
 constexpr int kUsageError = 64;
-constexpr std::chrono::milliseconds kLastWork{2000};
+constexpr std::chrono::milliseconds kLastWork{300};
+constexpr rlim_t kDescriptors = 4096;
 
 /// A Unix signal that the main loop hears for as long as this lives.
 class SignalSource {
@@ -42,7 +47,7 @@ class SignalSource {
   ~SignalSource() { g_source_remove(_source); }
 
  private:
-  static gboolean call(gpointer self) {
+  static gboolean call(gpointer self) noexcept {
     static_cast<SignalSource*>(self)->_heard();
     return G_SOURCE_CONTINUE;
   }
@@ -51,10 +56,23 @@ class SignalSource {
   guint _source = 0;
 };
 
-/// Whether whoever started the process, such as nohup, wants it to ignore the signal.
-bool isIgnored(int signal) {
-  struct sigaction action {};
-  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+/// The limit of a session is meant for programs that use select(); this one may have many open.
+void raiseDescriptorLimit() {
+  rlimit limit{};
+  if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+  limit.rlim_cur = std::max(limit.rlim_cur, std::min<rlim_t>(limit.rlim_max, kDescriptors));
+  setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+/// The address holds the run's token, which is for the person who started the host: standard output
+/// that is no terminal may be a journal that others read.
+void printAddress(const StandInEngine& engine) {
+  if (isatty(STDOUT_FILENO) != 0) {
+    std::printf("Tapdeck: %s\n", engine.pageAddresses().front().c_str());
+  } else {
+    std::printf("Tapdeck: the page's address is in %s\n", sessionFilePath().c_str());
+  }
+  std::fflush(stdout);
 }
 
 /// Runs the host until it is asked to quit; all of it but what GTK holds is gone afterwards.
@@ -64,11 +82,11 @@ void serve(const Options& options) {
   MainWindow* mainWindow = nullptr;
   // Before the engine writes the session file, which a signal must not leave behind. None is heard
   // until the loop runs, and then there is a window.
-  const SignalSource terminate(SIGTERM, quit);
-  const SignalSource interrupt(SIGINT, quit);
+  const EndSignals end([loop] {
+    quartz::beginToEnd();
+    loop->quit();
+  });
   const SignalSource show(SIGUSR1, [&mainWindow] { mainWindow->bringForward(); });
-  std::optional<SignalSource> hangUp;
-  if (!isIgnored(SIGHUP)) hangUp.emplace(SIGHUP, quit);
 
   const auto engine = StandInEngine::start({options.address, options.port});
   const auto state = std::make_shared<MainFlutterWindow>();
@@ -77,8 +95,7 @@ void serve(const Options& options) {
   mainWindow = &window;
   window.bringForward();
 
-  std::printf("Tapdeck: %s\n", engine->pageAddresses().front().c_str());
-  std::fflush(stdout);
+  printAddress(*engine);
   loop->run();
   engine->stop();
   // while the signals are still heard: a second one must not end the process before this is done
@@ -86,9 +103,18 @@ void serve(const Options& options) {
 }
 
 int run(const Options& options) {
+  endCleanlyOnFatalError();
+  raiseDescriptorLimit();
   quartz::connectToWindowServer();
   connectGtk();
   Gtk::Main::init_gtkmm_internals();
+  if (!claimDisplay()) {
+    std::fputs(
+        "tapdeck-host: another Tapdeck controls this display already. Bring it forward with "
+        "--show, or end it first.\n",
+        stderr);
+    return EXIT_FAILURE;
+  }
   serve(options);
 
   platform::storePasteboard();

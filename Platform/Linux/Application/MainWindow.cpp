@@ -7,7 +7,7 @@
 
 #include <utility>
 
-#include "Platform/Linux/Application/BrowserName.h"
+#include "Platform/Linux/StandInEngine/BrowserName.h"
 
 namespace tapdeck {
 

@@ -1,3 +1,4 @@
+#include "Platform/Linux/Quartz/Ending.h"
 #include "Platform/Linux/Quartz/Event.h"
 #include "Platform/Linux/Quartz/PointSpace.h"
 #include "Platform/Linux/Quartz/Session.h"
@@ -67,6 +68,7 @@ CGEventRef CGEventCreateMouseEvent(CGEventSourceRef, CGEventType type, CGPoint p
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode key, bool keyDown) {
+  if (tapdeck::quartz::endOfPatience()) return nullptr;
   auto* event = new __CGEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp);
   event->keyCode = key;
   return event;

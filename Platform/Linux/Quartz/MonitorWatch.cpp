@@ -77,7 +77,7 @@ void MonitorWatch::compare() {
   for (const auto& changed : observers) changed();
 }
 
-gboolean MonitorWatch::onReadable(int, GIOCondition, gpointer self) {
+gboolean MonitorWatch::onReadable(int, GIOCondition, gpointer self) noexcept {
   auto& watch = *static_cast<MonitorWatch*>(self);
   if (watch.readEvents()) watch.compareSoon();
   if (watch._connection->isAlive()) return G_SOURCE_CONTINUE;
@@ -85,7 +85,7 @@ gboolean MonitorWatch::onReadable(int, GIOCondition, gpointer self) {
   return G_SOURCE_REMOVE;
 }
 
-gboolean MonitorWatch::onQuiet(gpointer self) {
+gboolean MonitorWatch::onQuiet(gpointer self) noexcept {
   auto& watch = *static_cast<MonitorWatch*>(self);
   watch._quietSource = 0;
   // its reply may bring events in with it, which then make nothing readable

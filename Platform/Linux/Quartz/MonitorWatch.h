@@ -36,8 +36,8 @@ class MonitorWatch {
   bool readEvents();
   void compareSoon();
   void compare();
-  static gboolean onReadable(int descriptor, GIOCondition condition, gpointer self);
-  static gboolean onQuiet(gpointer self);
+  static gboolean onReadable(int descriptor, GIOCondition condition, gpointer self) noexcept;
+  static gboolean onQuiet(gpointer self) noexcept;
 
   std::unique_ptr<Connection> _connection;
   std::vector<std::function<void()>> _observers;

@@ -41,6 +41,10 @@ double pixelsPerPoint();
 /// A change of pixelsPerPoint() counts too. Throws WindowServerError.
 void observeMonitors(std::function<void()> changed);
 
+/// The process is about to end: from now on no keyboard event can be made, so that text that is
+/// being typed stops at its next character, and letGo() drops what waits to be typed. Any thread.
+void beginToEnd();
+
 /// Releases every key and button that events posted here still hold pressed, and shows the cursor.
 /// Returns when the server has done so. The end of the process by exit does it too.
 void letGo();

@@ -2,32 +2,33 @@
 
 #include <sys/random.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "Platform/Linux/StandInEngine/Handles.h"
 
 namespace tapdeck::standin {
 
-std::string newToken() {
-  std::array<uint8_t, 16> bytes;
+std::string randomDigits(size_t size) {
+  std::vector<uint8_t> bytes(size);
   ssize_t count;
   do {
     count = getrandom(bytes.data(), bytes.size(), 0);
   } while (count < 0 && errno == EINTR);
   // A request of up to 256 bytes is never cut short.
-  if (count != static_cast<ssize_t>(bytes.size())) {
+  if (!std::cmp_equal(count, bytes.size())) {
     throw std::system_error(errno, std::generic_category(), "No random numbers");
   }
-  std::string token;
+  std::string digits;
   for (const uint8_t byte : bytes) {
-    token += "0123456789abcdef"[byte >> 4];
-    token += "0123456789abcdef"[byte & 15];
+    digits += "0123456789abcdef"[byte >> 4];
+    digits += "0123456789abcdef"[byte & 15];
   }
-  return token;
+  return digits;
 }
 
 bool equalInConstantTime(std::string_view a, std::string_view b) {
@@ -58,8 +59,9 @@ bool isOwnHost(const char* host, GSocketAddress* local) {
          g_ascii_strcasecmp(given.c_str(), name.c_str()) == 0;
 }
 
-bool isOwnOrigin(const char* origin, std::string_view host) {
-  return origin == nullptr || std::string_view(origin) == "http://" + std::string(host);
+bool isOwnOrigin(const char* origin, std::string_view scheme, std::string_view host) {
+  return origin == nullptr ||
+         std::string_view(origin) == std::string(scheme) + "://" + std::string(host);
 }
 
 }  // namespace tapdeck::standin

@@ -12,8 +12,8 @@ namespace tapdeck::standin {
 /// by a name of its own that resolves to our address even read the answers (DNS rebinding); the
 /// Host and Origin checks keep it out, the token keeps out everybody who has not seen the address.
 
-/// 128 random bits from the system's generator, as 32 hexadecimal digits.
-std::string newToken();
+/// So many random bytes (at most 256) from the system's generator, as hexadecimal digits.
+std::string randomDigits(size_t bytes);
 
 /// Takes equally long wherever the two differ.
 bool equalInConstantTime(std::string_view a, std::string_view b);
@@ -25,7 +25,8 @@ std::string authorityOf(GInetAddress* address, uint16_t port);
 /// as localhost when it is a loopback address.
 bool isOwnHost(const char* host, GSocketAddress* local);
 
-/// Whether an Origin header is absent or the origin of our own page at this (own) host.
-bool isOwnOrigin(const char* origin, std::string_view host);
+/// Whether an Origin header is absent or the origin of our own page at this (own) host, by this
+/// scheme ("http" or "https").
+bool isOwnOrigin(const char* origin, std::string_view scheme, std::string_view host);
 
 }  // namespace tapdeck::standin

@@ -1,13 +1,62 @@
 #include "Platform/Linux/StandInEngine/BoundedStream.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace tapdeck::standin {
 namespace {
+
+/// How much is read in one turn of the main loop.
+constexpr size_t kMaxReadPerTurn = size_t{64} << 10;
+constexpr std::chrono::milliseconds kMaxTurn{5};
+constexpr size_t kChunk = size_t{64} << 10;
+
+/// What waits to be sent, in pieces, so that memory is neither doubled to grow nor moved to shrink.
+class Unsent {
+ public:
+  size_t size() const { return _size; }
+
+  void add(const uint8_t* data, size_t size) {
+    _size += size;
+    while (size > 0) {
+      if (_chunks.empty() || _chunks.back().size() == kChunk) {
+        _chunks.emplace_back().reserve(std::min(size, kChunk));
+      }
+      auto& chunk = _chunks.back();
+      const size_t count = std::min(size, kChunk - chunk.size());
+      chunk.insert(chunk.end(), data, data + count);
+      data += count;
+      size -= count;
+    }
+  }
+
+  /// The first bytes that are together; there must be some.
+  std::pair<const uint8_t*, size_t> first() const {
+    return {_chunks.front().data() + _taken, _chunks.front().size() - _taken};
+  }
+
+  void take(size_t count) {
+    _taken += count;
+    _size -= count;
+    if (_taken < _chunks.front().size()) return;
+    _chunks.pop_front();
+    _taken = 0;
+  }
+
+  void clear() { *this = Unsent(); }
+
+ private:
+  std::deque<std::vector<uint8_t>> _chunks;
+  /// Of the first chunk.
+  size_t _taken = 0;
+  size_t _size = 0;
+};
 
 /// What the stream and its two directions share. Sources keep a direction alive beyond the stream.
 class Flow {
@@ -27,42 +76,55 @@ class Flow {
       g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_MESSAGE_TOO_LARGE, "Message too large");
       return -1;
     }
+    if (turnIsOver()) {
+      _readInTurn = 0;
+      g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK, "The turn is over");
+      return -1;
+    }
     const gssize count =
         g_pollable_input_stream_read_nonblocking(input(), buffer, size, nullptr, error);
-    if (count > 0) _unfinished += static_cast<size_t>(count);
+    if (count > 0) {
+      _unfinished += static_cast<size_t>(count);
+      _readInTurn += static_cast<size_t>(count);
+    } else {
+      // whoever reads until nothing is left has come to that
+      _readInTurn = 0;
+    }
     return count;
   }
+  void readOnlyWhile(std::function<bool()> mayRead) { _mayRead = std::move(mayRead); }
   void messageEnded() { _unfinished = 0; }
   void receivedBeside(size_t size) { _unfinished -= std::min(_unfinished, size); }
 
   gssize write(const uint8_t* data, gsize size, GError** error) {
     size_t taken = 0;
-    if (_unsent.empty()) {
+    if (_unsent.size() == 0) {
       const gssize count = writeToBase(data, size, error);
       if (count < 0) return -1;
       taken = static_cast<size_t>(count);
     }
     const size_t rest = size - taken;
-    if (rest > _bounds.unsent || unsent() > _bounds.unsent - rest) {
+    if (rest > _bounds.unsent || _unsent.size() > _bounds.unsent - rest) {
       g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_NO_SPACE, "The peer does not read");
       return -1;
     }
-    _unsent.insert(_unsent.end(), data + taken, data + size);
-    if (!_unsent.empty() && !_flushing) flushLater();
+    _unsent.add(data + taken, rest);
+    if (_unsent.size() > 0 && !_flushing) flushLater();
     return static_cast<gssize>(size);
   }
 
   gboolean close(GError** error) {
     _flushing.reset();
-    forgetUnsent();
+    _unsent.clear();
     return g_io_stream_close(_base.get(), nullptr, error);
   }
 
  private:
-  size_t unsent() const { return _unsent.size() - _flushed; }
-  void forgetUnsent() {
-    std::vector<uint8_t>().swap(_unsent);
-    _flushed = 0;
+  bool turnIsOver() {
+    if (_mayRead && !_mayRead()) return true;
+    const auto now = std::chrono::steady_clock::now();
+    if (_readInTurn == 0) _turnStart = now;
+    return _readInTurn >= kMaxReadPerTurn || now - _turnStart > kMaxTurn;
   }
 
   /// The count, 0 when the base would block.
@@ -81,7 +143,7 @@ class Flow {
 
   void flushLater() {
     _flushing.reset(g_pollable_output_stream_create_source(output(), nullptr));
-    const GPollableSourceFunc callback = [](GObject*, gpointer flow) -> gboolean {
+    const GPollableSourceFunc callback = [](GObject*, gpointer flow) noexcept {
       return static_cast<Flow*>(flow)->flush();
     };
     g_source_set_callback(_flushing.get(), G_SOURCE_FUNC(callback), this, nullptr);
@@ -90,28 +152,24 @@ class Flow {
 
   gboolean flush() {
     GError* problem = nullptr;
-    const gssize count = writeToBase(_unsent.data() + _flushed, unsent(), &problem);
+    const auto [data, size] = _unsent.first();
+    const gssize count = writeToBase(data, size, &problem);
     const ErrorHandle error(problem);
     // A failing socket says so to the reading side too, which ends the connection.
-    if (count < 0) forgetUnsent();
-    if (count > 0) _flushed += static_cast<size_t>(count);
-    if (unsent() == 0) {
-      forgetUnsent();
-      _flushing.reset();
-      return G_SOURCE_REMOVE;
-    }
-    if (_flushed > _unsent.size() / 2) {
-      _unsent.erase(_unsent.begin(), _unsent.begin() + static_cast<ptrdiff_t>(_flushed));
-      _flushed = 0;
-    }
-    return G_SOURCE_CONTINUE;
+    if (count < 0) _unsent.clear();
+    if (count > 0) _unsent.take(static_cast<size_t>(count));
+    if (_unsent.size() > 0) return G_SOURCE_CONTINUE;
+    _flushing.reset();
+    return G_SOURCE_REMOVE;
   }
 
   Object<GIOStream> _base;
   StreamBounds _bounds;
   size_t _unfinished = 0;
-  std::vector<uint8_t> _unsent;
-  size_t _flushed = 0;
+  std::function<bool()> _mayRead;
+  size_t _readInTurn = 0;
+  std::chrono::steady_clock::time_point _turnStart;
+  Unsent _unsent;
   Source _flushing;
 };
 
@@ -150,10 +208,10 @@ Flow& flowOf(gpointer self) {
 }
 
 void bounded_input_pollable(GPollableInputStreamInterface* interface) {
-  interface->is_readable = [](GPollableInputStream* self) {
+  interface->is_readable = [](GPollableInputStream* self) noexcept {
     return g_pollable_input_stream_is_readable(flowOf<BoundedInput>(self).input());
   };
-  interface->create_source = [](GPollableInputStream* self, GCancellable* cancellable) {
+  interface->create_source = [](GPollableInputStream* self, GCancellable* cancellable) noexcept {
     GSource* ready =
         g_pollable_input_stream_create_source(flowOf<BoundedInput>(self).input(), nullptr);
     GSource* source = g_pollable_source_new_full(self, ready, cancellable);
@@ -161,21 +219,21 @@ void bounded_input_pollable(GPollableInputStreamInterface* interface) {
     return source;
   };
   interface->read_nonblocking = [](GPollableInputStream* self, void* buffer, gsize size,
-                                   GError** error) {
+                                   GError** error) noexcept {
     return flowOf<BoundedInput>(self).read(buffer, size, error);
   };
 }
 
 void bounded_output_pollable(GPollableOutputStreamInterface* interface) {
-  interface->is_writable = [](GPollableOutputStream*) -> gboolean { return TRUE; };
-  interface->create_source = [](GPollableOutputStream* self, GCancellable* cancellable) {
+  interface->is_writable = [](GPollableOutputStream*) noexcept -> gboolean { return TRUE; };
+  interface->create_source = [](GPollableOutputStream* self, GCancellable* cancellable) noexcept {
     GSource* ready = g_idle_source_new();
     GSource* source = g_pollable_source_new_full(self, ready, cancellable);
     g_source_unref(ready);
     return source;
   };
   interface->write_nonblocking = [](GPollableOutputStream* self, const void* data, gsize size,
-                                    GError** error) {
+                                    GError** error) noexcept {
     return flowOf<BoundedOutput>(self).write(static_cast<const uint8_t*>(data), size, error);
   };
 }
@@ -214,13 +272,13 @@ void bounded_stream_init(BoundedStream* self) {
   new (&self->flow) FlowHandle();
 }
 
-gboolean closeBounded(GIOStream* self, GCancellable*, GError** error) {
+gboolean closeBounded(GIOStream* self, GCancellable*, GError** error) noexcept {
   return flowOf<BoundedStream>(self).close(error);
 }
 
 /// Closing a socket does not block; the default would do it on a thread of its own.
 void closeBoundedAsync(GIOStream* self, int, GCancellable* cancellable,
-                       GAsyncReadyCallback callback, gpointer data) {
+                       GAsyncReadyCallback callback, gpointer data) noexcept {
   const Object<GTask> task(g_task_new(self, cancellable, callback, data));
   GError* error = nullptr;
   if (closeBounded(self, nullptr, &error)) {
@@ -272,6 +330,10 @@ void messageEnded(GIOStream* boundedStream) {
 
 void receivedBeside(GIOStream* boundedStream, size_t size) {
   flowOf<BoundedStream>(boundedStream).receivedBeside(size);
+}
+
+void readOnlyWhile(GIOStream* boundedStream, std::function<bool()> mayRead) {
+  flowOf<BoundedStream>(boundedStream).readOnlyWhile(std::move(mayRead));
 }
 
 }  // namespace tapdeck::standin

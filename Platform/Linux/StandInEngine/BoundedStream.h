@@ -2,6 +2,8 @@
 
 #include <gio/gio.h>
 
+#include <functional>
+
 #include "Platform/Linux/StandInEngine/Handles.h"
 
 namespace tapdeck::standin {
@@ -15,7 +17,8 @@ struct StreamBounds {
 };
 
 /// A stream over `base` for a SoupWebsocketConnection, which bounds neither a message in fragments
-/// nor what waits to be sent. Writing never blocks: what the base does not take at once waits here
+/// nor what waits to be sent, and reads for as long as something comes: here each turn of the main
+/// loop has a bounded share. Writing never blocks: what the base does not take at once waits here
 /// and is written from the default main context. Closing is immediate and discards what waits.
 /// Both directions are pollable, as those of `base` must be. Main thread only.
 Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds);
@@ -24,5 +27,8 @@ Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds);
 /// of `size` bytes that is no part of an unfinished message.
 void messageEnded(GIOStream* boundedStream);
 void receivedBeside(GIOStream* boundedStream, size_t size);
+
+/// From now on the stream is read from only while `mayRead`; else it looks as if nothing had come.
+void readOnlyWhile(GIOStream* boundedStream, std::function<bool()> mayRead);
 
 }  // namespace tapdeck::standin

@@ -2,6 +2,7 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 
 #include <algorithm>
 #include <span>
@@ -13,8 +14,9 @@ namespace tapdeck::standin {
 namespace {
 
 /// Room for the frame headers of a message in fragments.
-constexpr StreamBounds kBounds = {kLargestMessage + (size_t{64} << 10), kMostUnsent};
+constexpr StreamBounds kBounds = {kMaxMessage + (size_t{64} << 10), kMaxUnsent};
 constexpr int kSilentTicksAllowed = 5;
+constexpr std::chrono::seconds kSilenceLimitHolding{5};
 /// A masked frame's header, without an extended length.
 constexpr size_t kControlFrameHeader = 6;
 
@@ -26,8 +28,8 @@ uint64_t nextNumber() {
 /// libsoup goes on using its connection after a signal's handlers have run.
 void releaseLater(Object<SoupWebsocketConnection> socket) {
   g_idle_add_full(
-      G_PRIORITY_DEFAULT, [](gpointer) -> gboolean { return G_SOURCE_REMOVE; }, socket.release(),
-      g_object_unref);
+      G_PRIORITY_DEFAULT, [](gpointer) noexcept -> gboolean { return G_SOURCE_REMOVE; },
+      socket.release(), g_object_unref);
 }
 
 /// Lets the closing handshake, which libsoup bounds to 5 seconds, go on without an owner.
@@ -36,7 +38,7 @@ void releaseOnceClosed(Object<SoupWebsocketConnection> socket) {
     releaseLater(std::move(socket));
     return;
   }
-  const auto closed = +[](SoupWebsocketConnection* self, gpointer) {
+  const auto closed = +[](SoupWebsocketConnection* self, gpointer) noexcept {
     releaseLater(Object<SoupWebsocketConnection>(self));
   };
   g_signal_connect(socket.release(), "closed", G_CALLBACK(closed), nullptr);
@@ -44,27 +46,33 @@ void releaseOnceClosed(Object<SoupWebsocketConnection> socket) {
 
 }  // namespace
 
-std::shared_ptr<Connection> Connection::open(GIOStream* stream, GUri* uri, StandInEngine::Peer peer,
+std::shared_ptr<Connection> Connection::open(Line line, StandInEngine::Peer peer,
                                              std::chrono::milliseconds silenceLimit,
                                              Events events) {
   std::shared_ptr<Connection> connection(
-      new Connection(stream, uri, std::move(peer), std::move(events)));
-  connection->watchSilence(silenceLimit);
+      new Connection(std::move(line), std::move(peer), silenceLimit, std::move(events)));
+  connection->watchSilence();
   return connection;
 }
 
-Connection::Connection(GIOStream* stream, GUri* uri, StandInEngine::Peer peer, Events events)
+Connection::Connection(Line line, StandInEngine::Peer peer, std::chrono::milliseconds silenceLimit,
+                       Events events)
     : _number(nextNumber()),
       _peer(std::move(peer)),
+      _silenceLimit(silenceLimit),
       _events(std::move(events)),
-      _stream(newBoundedStream(stream, kBounds)),
-      _socket(soup_websocket_connection_new(_stream.get(), uri, SOUP_WEBSOCKET_CONNECTION_SERVER,
-                                            nullptr, kSubprotocol, nullptr)) {
-  soup_websocket_connection_set_max_incoming_payload_size(_socket.get(), kLargestMessage);
+      _tcp(std::move(line.socket)),
+      _stream(newBoundedStream(line.stream.get(), kBounds)),
+      _socket(soup_websocket_connection_new(_stream.get(), line.uri,
+                                            SOUP_WEBSOCKET_CONNECTION_SERVER, nullptr, kSubprotocol,
+                                            nullptr)) {
+  soup_websocket_connection_set_max_incoming_payload_size(_socket.get(), kMaxMessage);
+  readOnlyWhile(_stream.get(), [this] { return _ended || _events.mayRead(*this); });
   connectSignals();
 }
 
 Connection::~Connection() {
+  readOnlyWhile(_stream.get(), {});
   g_signal_handlers_disconnect_by_data(_socket.get(), this);
   if (soup_websocket_connection_get_state(_socket.get()) == SOUP_WEBSOCKET_STATE_OPEN) {
     soup_websocket_connection_close(_socket.get(), SOUP_WEBSOCKET_CLOSE_GOING_AWAY, nullptr);
@@ -74,20 +82,21 @@ Connection::~Connection() {
 
 void Connection::connectSignals() {
   // The events may drop the last owner of the connection in the middle of a handler.
-  const auto message = +[](SoupWebsocketConnection*, int type, GBytes* bytes, gpointer self) {
-    const auto connection = static_cast<Connection*>(self)->shared_from_this();
-    connection->takeMessage(static_cast<SoupWebsocketDataType>(type), bytes);
-  };
-  const auto pong = +[](SoupWebsocketConnection*, GByteArray* payload, gpointer self) {
+  const auto message =
+      +[](SoupWebsocketConnection*, int type, GBytes* bytes, gpointer self) noexcept {
+        const auto connection = static_cast<Connection*>(self)->shared_from_this();
+        connection->takeMessage(static_cast<SoupWebsocketDataType>(type), bytes);
+      };
+  const auto pong = +[](SoupWebsocketConnection*, GByteArray* payload, gpointer self) noexcept {
     auto* connection = static_cast<Connection*>(self);
     connection->_silentTicks = 0;
     receivedBeside(connection->_stream.get(), kControlFrameHeader + payload->len);
   };
-  const auto error = +[](SoupWebsocketConnection*, GError* problem, gpointer self) {
+  const auto error = +[](SoupWebsocketConnection*, GError* problem, gpointer self) noexcept {
     const auto connection = static_cast<Connection*>(self)->shared_from_this();
     connection->takeError(*problem);
   };
-  const auto ended = +[](SoupWebsocketConnection*, gpointer self) {
+  const auto ended = +[](SoupWebsocketConnection*, gpointer self) noexcept {
     const auto connection = static_cast<Connection*>(self)->shared_from_this();
     connection->end();
   };
@@ -98,21 +107,40 @@ void Connection::connectSignals() {
   g_signal_connect(_socket.get(), "closed", G_CALLBACK(ended), this);
 }
 
-void Connection::watchSilence(std::chrono::milliseconds limit) {
-  const auto pingEvery = std::chrono::duration_cast<std::chrono::seconds>(limit) * 2 / 5;
+void Connection::watchSilence() {
+  const auto limit = _isHolding
+                         ? std::min<std::chrono::milliseconds>(_silenceLimit, kSilenceLimitHolding)
+                         : _silenceLimit;
+  // several pings in the time, in whole seconds as libsoup counts them
+  const auto pingEvery = std::chrono::duration_cast<std::chrono::seconds>(
+      _isHolding ? limit / kSilentTicksAllowed : limit * 2 / kSilentTicksAllowed);
   soup_websocket_connection_set_keepalive_interval(
       _socket.get(), static_cast<guint>(std::max<int64_t>(1, pingEvery.count())));
   // Ticks are counted, not time: after the main thread was busy for long, what the peer has sent
   // meanwhile is read before the next tick.
+  _silentTicks = 0;
   const auto tick = std::max<int64_t>(1, limit.count() / kSilentTicksAllowed);
   _silenceWatch.reset(g_timeout_source_new(static_cast<guint>(tick)));
-  const GSourceFunc callback = [](gpointer self) -> gboolean {
+  const GSourceFunc callback = [](gpointer self) noexcept -> gboolean {
     const auto connection = static_cast<Connection*>(self)->shared_from_this();
     connection->countSilence();
     return G_SOURCE_CONTINUE;
   };
   g_source_set_callback(_silenceWatch.get(), callback, this, nullptr);
   g_source_attach(_silenceWatch.get(), nullptr);
+}
+
+void Connection::setHolding(bool isHolding) {
+  if (_ended || isHolding == _isHolding) return;
+  _isHolding = isHolding;
+  watchSilence();
+}
+
+bool Connection::endIfPeerIsGone() {
+  if (_ended || !_tcp) return _ended;
+  pollfd socket{g_socket_get_fd(_tcp.get()), POLLRDHUP, 0};
+  if (::poll(&socket, 1, 0) > 0) end();
+  return _ended;
 }
 
 void Connection::send(const codec::Bytes& message) {
@@ -137,7 +165,7 @@ void Connection::takeMessage(SoupWebsocketDataType type, GBytes* message) {
   }
   gsize size = 0;
   const auto* data = static_cast<const uint8_t*>(g_bytes_get_data(message, &size));
-  if (size > kLargestMessage) {
+  if (size > kMaxMessage) {
     close(SOUP_WEBSOCKET_CLOSE_TOO_BIG, nullptr);
     return;
   }
@@ -146,7 +174,7 @@ void Connection::takeMessage(SoupWebsocketDataType type, GBytes* message) {
     close(static_cast<uint16_t>(*refusal), "not a request");
     return;
   }
-  _events.request(*this, std::get<Request>(std::move(parsed)));
+  _events.request(*this, std::get<Request>(std::move(parsed)), size);
 }
 
 void Connection::takeError(const GError& error) {
@@ -154,6 +182,9 @@ void Connection::takeError(const GError& error) {
   if (g_error_matches(&error, SOUP_WEBSOCKET_ERROR, SOUP_WEBSOCKET_CLOSE_TOO_BIG) ||
       g_error_matches(&error, G_IO_ERROR, G_IO_ERROR_MESSAGE_TOO_LARGE)) {
     close(SOUP_WEBSOCKET_CLOSE_TOO_BIG, nullptr);
+  } else if (g_error_matches(&error, SOUP_WEBSOCKET_ERROR, SOUP_WEBSOCKET_CLOSE_PROTOCOL_ERROR) ||
+             g_error_matches(&error, SOUP_WEBSOCKET_ERROR, SOUP_WEBSOCKET_CLOSE_BAD_DATA)) {
+    close(static_cast<uint16_t>(error.code), "broken protocol");
   } else {
     end();
   }

@@ -14,21 +14,31 @@
 
 namespace tapdeck::standin {
 
-inline constexpr size_t kLargestMessage = size_t{1} << 20;
-inline constexpr size_t kMostUnsent = size_t{32} << 20;
+inline constexpr size_t kMaxMessage = size_t{1} << 20;
+inline constexpr size_t kMaxUnsent = size_t{32} << 20;
 
 /// One page's WebSocket connection. Main thread only, on the default GLib main context.
 class Connection : public std::enable_shared_from_this<Connection> {
  public:
   struct Events {
-    std::function<void(Connection&, const Request&)> request;
+    /// With the message's size in bytes.
+    std::function<void(Connection&, Request, size_t)> request;
+    /// Whether the next request may be read.
+    std::function<bool(const Connection&)> mayRead;
     /// Called once, when the connection can carry no more requests: the peer closed or vanished, it
     /// broke the protocol or a bound, or close() was called. Not called by the destructor.
     std::function<void(Connection&)> ended;
   };
 
-  /// Takes over an upgraded HTTP connection. `silenceLimit`: see StandInEngine::Options.
-  static std::shared_ptr<Connection> open(GIOStream* stream, GUri* uri, StandInEngine::Peer peer,
+  /// An upgraded HTTP connection.
+  struct Line {
+    Object<GIOStream> stream;
+    Object<GSocket> socket;
+    GUri* uri;
+  };
+
+  /// Takes the connection over. `silenceLimit`: see StandInEngine::Options.
+  static std::shared_ptr<Connection> open(Line line, StandInEngine::Peer peer,
                                           std::chrono::milliseconds silenceLimit, Events events);
   ~Connection();
 
@@ -38,13 +48,19 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Sends what it can without waiting; nothing when the connection has ended. Ends the connection
   /// when the peer leaves too much unread.
   void send(const codec::Bytes& message);
+  /// Ends the connection when the peer has closed its side, however much of what it sent before is
+  /// not read yet; whether it has ended.
+  bool endIfPeerIsGone();
+  /// While something is held the peer's silence is noticed after 5 seconds.
+  void setHolding(bool isHolding);
   /// Starts the closing handshake with this close code of RFC 6455.
   void close(uint16_t code, const char* reason);
 
  private:
-  Connection(GIOStream* stream, GUri* uri, StandInEngine::Peer peer, Events events);
+  Connection(Line line, StandInEngine::Peer peer, std::chrono::milliseconds silenceLimit,
+             Events events);
   void connectSignals();
-  void watchSilence(std::chrono::milliseconds limit);
+  void watchSilence();
   void takeMessage(SoupWebsocketDataType type, GBytes* message);
   void takeError(const GError& error);
   void countSilence();
@@ -52,11 +68,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
 
   uint64_t _number;
   StandInEngine::Peer _peer;
+  std::chrono::milliseconds _silenceLimit;
   Events _events;
+  Object<GSocket> _tcp;
   Object<GIOStream> _stream;
   Object<SoupWebsocketConnection> _socket;
   Source _silenceWatch;
   int _silentTicks = 0;
+  bool _isHolding = false;
   bool _ended = false;
 };
 

@@ -74,6 +74,11 @@ bool Holds::note(Connection connection, const MethodCall& call) {
   return true;
 }
 
+bool Holds::holdsAny(Connection connection) const {
+  return std::any_of(_holds.begin(), _holds.end(),
+                     [connection](const Hold& hold) { return hold.connection == connection; });
+}
+
 std::vector<MethodCall> Holds::end(Connection connection) {
   std::vector<Hold> left;
   std::erase_if(_holds, [&](const Hold& hold) {

@@ -21,6 +21,9 @@ class Holds {
   /// hold more than any keyboard has or names something that can be no key or button.
   bool note(Connection connection, const MethodCall& call);
 
+  /// Whether the connection holds anything.
+  bool holdsAny(Connection connection) const;
+
   /// The connection is gone: the calls that let go of what it still holds and no other connection
   /// does. Buttons come first, then keys, in each case the last pressed first.
   std::vector<MethodCall> end(Connection connection);

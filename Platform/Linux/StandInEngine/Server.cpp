@@ -15,8 +15,11 @@ using namespace standin;
 
 namespace {
 
-constexpr size_t kMostConnections = 8;
-constexpr const char* kControlChannel = "com.tapdeck/control";
+constexpr size_t kMaxConnections = 8;
+/// Typing takes the main thread for 5 ms a character.
+constexpr size_t kMaxTextCharacters = 6000;
+/// Less than half of what a connection may leave unread.
+constexpr size_t kMaxReply = (size_t{16} << 20) + (size_t{64} << 10);
 
 /// The list joins repeated headers, so that a second Host or Origin does not slip through.
 const char* header(SoupServerMessage* message, const char* name) {
@@ -35,6 +38,9 @@ void setProtectiveHeaders(SoupServerMessage* message) {
   soup_message_headers_replace(headers, "Cache-Control", "no-store");
   soup_message_headers_replace(headers, "X-Content-Type-Options", "nosniff");
   soup_message_headers_replace(headers, "Referrer-Policy", "no-referrer");
+  soup_message_headers_replace(headers, "Cross-Origin-Resource-Policy", "same-origin");
+  // libsoup before 3.3 keeps an idle connection after its client has closed it.
+  soup_message_headers_replace(headers, "Connection", "close");
 }
 
 void refuse(SoupServerMessage* message, guint status, const char* reason) {
@@ -52,7 +58,26 @@ bool offersSubprotocol(SoupServerMessage* message) {
 StandInEngine::Peer peerOf(SoupServerMessage* message) {
   const char* address = soup_server_message_get_remote_host(message);
   const char* agent = header(message, "User-Agent");
-  return {address != nullptr ? address : "", agent != nullptr ? agent : ""};
+  return {address != nullptr ? address : "", agent != nullptr ? agent : "", 0, false};
+}
+
+bool isTextTooLong(const MethodCall& call) {
+  if (call.method != "typeText") return false;
+  const auto* map = call.arguments.getIf<Value::Map>();
+  const Value* value = map != nullptr ? map->find("text") : nullptr;
+  const auto* text = value != nullptr ? value->getIf<std::string>() : nullptr;
+  if (text == nullptr) return false;
+  // a UTF-8 character's bytes but the first are all of the form 10xxxxxx
+  const auto characters =
+      std::count_if(text->begin(), text->end(), [](char byte) { return (byte & 0xc0) != 0x80; });
+  return std::cmp_greater(characters, kMaxTextCharacters);
+}
+
+codec::Bytes encodeBoundedReply(int64_t id, const std::string& channel, const Outcome& outcome) {
+  codec::Bytes message = encodeReply(id, channel, outcome);
+  if (message.size() <= kMaxReply) return message;
+  return encodeReply(id, channel,
+                     MethodError{"TOO_LARGE", "More than 16 MiB cannot be sent.", Value()});
 }
 
 std::string whyNotListening(const StandInEngine::Options& options, const GError& error) {
@@ -79,9 +104,15 @@ std::string whyNotListening(const StandInEngine::Options& options, const GError&
 
 StandInEngine::Server::Server(Options options)
     : _options(std::move(options)),
-      _token(newToken()),
+      _token(randomDigits(16)),
       // The path is looked up as it was sent; nothing in it is decoded.
-      _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))) {}
+      _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))),
+      _pending(_options.pendingLimit),
+      _turns([this](uint64_t connection, const Request& request) {
+        const auto keep = shared_from_this();
+        carryOut(connection, request);
+      }),
+      _devices(_options.devicesFile) {}
 
 void StandInEngine::Server::start() {
   listen();
@@ -89,13 +120,15 @@ void StandInEngine::Server::start() {
   const GDestroyNotify disown = [](gpointer data) { delete static_cast<Weak*>(data); };
   soup_server_add_early_handler(
       _http.get(), nullptr,
-      [](SoupServer*, SoupServerMessage* message, const char*, GHashTable*, gpointer data) {
+      [](SoupServer*, SoupServerMessage* message, const char*, GHashTable*,
+         gpointer data) noexcept {
         if (const auto self = static_cast<Weak*>(data)->lock()) self->admit(message);
       },
       owner(), disown);
   soup_server_add_handler(
       _http.get(), nullptr,
-      [](SoupServer*, SoupServerMessage* message, const char*, GHashTable* query, gpointer data) {
+      [](SoupServer*, SoupServerMessage* message, const char*, GHashTable* query,
+         gpointer data) noexcept {
         if (const auto self = static_cast<Weak*>(data)->lock()) self->serve(message, query);
       },
       owner(), disown);
@@ -116,18 +149,27 @@ void StandInEngine::Server::listen() {
                              "such as 127.0.0.1, or 0.0.0.0 for all.");
   }
   GError* problem = nullptr;
-  soup_server_listen(_http.get(), address.get(), SoupServerListenOptions(0), &problem);
+  _listener = Listener::open(
+      address.get(),
+      [weak = weak_from_this()](Object<GSocketConnection> accepted) {
+        if (const auto self = weak.lock()) self->takeIn(std::move(accepted));
+      },
+      &problem);
   const ErrorHandle error(problem);
   if (error) throw StandInEngineError(whyNotListening(_options, *error));
-  _port = listeningPort();
+  _port = _listener->port();
 }
 
-uint16_t StandInEngine::Server::listeningPort() const {
-  GSList* listeners = soup_server_get_listeners(_http.get());
-  const Object<GSocketAddress> address(
-      g_socket_get_local_address(G_SOCKET(listeners->data), nullptr));
-  g_slist_free(listeners);
-  return address ? g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(address.get())) : 0;
+void StandInEngine::Server::takeIn(Object<GSocketConnection> accepted) {
+  noticeDeadPeer(g_socket_connection_get_socket(accepted.get()));
+  const Object<GSocketAddress> local(
+      g_socket_connection_get_local_address(accepted.get(), nullptr));
+  const Object<GSocketAddress> remote(
+      g_socket_connection_get_remote_address(accepted.get(), nullptr));
+  if (!local || !remote) return;
+  _pending.add(accepted.get(), remote.get());
+  soup_server_accept_iostream(_http.get(), G_IO_STREAM(accepted.get()), local.get(), remote.get(),
+                              nullptr);
 }
 
 void StandInEngine::Server::stop() {
@@ -135,6 +177,7 @@ void StandInEngine::Server::stop() {
   // A later engine's file stays.
   const auto session = readSession();
   if (session && session->token == _token) removeSession(getpid());
+  _listener.reset();
   soup_server_disconnect(_http.get());
   _http.reset();
   const auto connections = _connections;
@@ -166,6 +209,8 @@ void StandInEngine::Server::serve(SoupServerMessage* message, GHashTable* query)
   const std::string_view path = g_uri_get_path(soup_server_message_get_uri(message));
   if (path == "/engine") {
     serveUpgrade(message, query);
+  } else if (path == "/access") {
+    serveAccess(message, query);
   } else {
     servePage(message);
   }
@@ -175,14 +220,41 @@ void StandInEngine::Server::servePage(SoupServerMessage* message) const {
   if (!_page.serve(message)) refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
 }
 
+/// Says what an upgrade would meet with, since a browser tells a page nothing of a refused one.
+void StandInEngine::Server::serveAccess(SoupServerMessage* message, GHashTable* query) {
+  const auto say = [message](guint status, const char* access) {
+    soup_server_message_set_status(message, status, nullptr);
+    const std::string json = std::string("{\"access\":\"") + access + "\"}";
+    soup_server_message_set_response(message, "application/json", SOUP_MEMORY_COPY, json.data(),
+                                     json.size());
+  };
+  switch (accessBy(query).kind) {
+    case Access::Kind::granted:
+      if (_connections.size() < kMaxConnections) {
+        say(SOUP_STATUS_OK, "granted");
+      } else {
+        say(SOUP_STATUS_SERVICE_UNAVAILABLE, "full");
+      }
+      return;
+    case Access::Kind::wrongToken:
+      say(SOUP_STATUS_FORBIDDEN, "wrong-token");
+      break;
+    case Access::Kind::forgotten:
+      say(SOUP_STATUS_FORBIDDEN, "forgotten");
+      break;
+  }
+  slowDown(message);
+}
+
 void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
-  const auto* token =
-      static_cast<const char*>(query != nullptr ? g_hash_table_lookup(query, "token") : nullptr);
-  if (token == nullptr || !equalInConstantTime(token, _token)) {
-    refuse(message, SOUP_STATUS_FORBIDDEN, "Wrong token");
+  const Access access = accessBy(query);
+  if (access.kind != Access::Kind::granted) {
+    refuse(message, SOUP_STATUS_FORBIDDEN,
+           access.kind == Access::Kind::forgotten ? "Unknown device" : "Wrong token");
+    slowDown(message);
     return;
   }
-  if (!isOwnOrigin(header(message, "Origin"), header(message, "Host"))) {
+  if (!isOwnOrigin(header(message, "Origin"), "http", header(message, "Host"))) {
     refuse(message, SOUP_STATUS_FORBIDDEN, "Wrong origin");
     return;
   }
@@ -190,59 +262,152 @@ void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable*
     refuse(message, SOUP_STATUS_BAD_REQUEST, "Wrong subprotocol");
     return;
   }
-  if (_connections.size() >= kMostConnections) {
+  if (_connections.size() >= kMaxConnections) {
     refuse(message, SOUP_STATUS_SERVICE_UNAVAILABLE, "Too many connections");
     return;
   }
+  soup_message_headers_remove(soup_server_message_get_response_headers(message), "Connection");
   char subprotocol[] = "tapdeck.engine.v1";
   char* subprotocols[] = {subprotocol, nullptr};
   if (!soup_websocket_server_process_handshake(message, nullptr, subprotocols, nullptr, nullptr)) {
     return;
   }
-  const auto written = +[](SoupServerMessage* upgraded, gpointer data) {
-    if (const auto self = static_cast<Weak*>(data)->lock()) self->completeUpgrade(upgraded);
+  struct Upgrade {
+    Weak server;
+    std::optional<standin::Device> device;
+  };
+  const auto written = +[](SoupServerMessage* upgraded, gpointer data) noexcept {
+    const auto* upgrade = static_cast<Upgrade*>(data);
+    if (const auto self = upgrade->server.lock()) self->completeUpgrade(upgraded, upgrade->device);
   };
   g_signal_connect_data(
-      message, "wrote-informational", G_CALLBACK(written), new Weak(weak_from_this()),
-      [](gpointer data, GClosure*) { delete static_cast<Weak*>(data); }, GConnectFlags(0));
+      message, "wrote-informational", G_CALLBACK(written),
+      new Upgrade{weak_from_this(), access.device},
+      [](gpointer data, GClosure*) noexcept { delete static_cast<Upgrade*>(data); },
+      GConnectFlags(0));
 }
 
-void StandInEngine::Server::completeUpgrade(SoupServerMessage* message) {
+void StandInEngine::Server::slowDown(SoupServerMessage* message) {
+  const std::string address = peerOf(message).address;
+  const auto delay = _wrongSecrets.note(address, WrongSecrets::Clock::now());
+  peersChanged();
+  if (!delay) {
+    soup_message_headers_replace(soup_server_message_get_response_headers(message), "Retry-After",
+                                 "2");
+    constexpr std::string_view json = R"({"access":"slowed"})";
+    soup_server_message_set_status(message, 429, "Too Many Requests");
+    soup_server_message_set_response(message, "application/json", SOUP_MEMORY_STATIC, json.data(),
+                                     json.size());
+    return;
+  }
+  if (delay->count() == 0) return;
+  struct Waiting {
+    Weak server;
+    Object<SoupServerMessage> message;
+    std::string address;
+  };
+  soup_server_message_pause(message);
+  const GSourceFunc answer = [](gpointer data) noexcept -> gboolean {
+    const auto* waiting = static_cast<Waiting*>(data);
+    soup_server_message_unpause(waiting->message.get());
+    if (const auto self = waiting->server.lock()) self->_wrongSecrets.answered(waiting->address);
+    return G_SOURCE_REMOVE;
+  };
+  g_timeout_add_full(
+      G_PRIORITY_DEFAULT, static_cast<guint>(delay->count()), answer,
+      new Waiting{weak_from_this(),
+                  Object<SoupServerMessage>(SOUP_SERVER_MESSAGE(g_object_ref(message))), address},
+      [](gpointer data) noexcept { delete static_cast<Waiting*>(data); });
+}
+
+void StandInEngine::Server::completeUpgrade(SoupServerMessage* message,
+                                            const std::optional<standin::Device>& device) {
   const Object<SoupServerMessage> keep(SOUP_SERVER_MESSAGE(g_object_ref(message)));
-  if (GSocket* socket = soup_server_message_get_socket(message)) noticeDeadPeer(socket);
   Peer peer = peerOf(message);
-  const Object<GIOStream> stream(soup_server_message_steal_connection(message));
-  if (!stream || !_http || _connections.size() >= kMostConnections) return;
+  Connection::Line line{Object<GIOStream>(soup_server_message_steal_connection(message)),
+                        _pending.take(soup_server_message_get_remote_address(message)),
+                        soup_server_message_get_uri(message)};
+  if (!line.stream || !_http || _connections.size() >= kMaxConnections) return;
   Connection::Events events;
-  events.request = [weak = weak_from_this()](Connection& connection, const Request& request) {
-    if (const auto self = weak.lock()) {
-      self->forward(connection.shared_from_this(), request);
-    }
+  events.request = [weak = weak_from_this()](Connection& connection, Request request, size_t size) {
+    const auto self = weak.lock();
+    if (self) self->_turns.add(connection.number(), std::move(request), size);
+  };
+  events.mayRead = [weak = weak_from_this()](const Connection& connection) {
+    const auto self = weak.lock();
+    return !self || !self->_turns.isFull(connection.number());
   };
   events.ended = [weak = weak_from_this()](Connection& connection) {
     if (const auto self = weak.lock()) self->forget(connection);
   };
-  _connections.push_back(Connection::open(stream.get(), soup_server_message_get_uri(message),
-                                          std::move(peer), _options.silenceLimit,
-                                          std::move(events)));
+  _connections.push_back(
+      Connection::open(std::move(line), std::move(peer), _options.silenceLimit, std::move(events)));
+  _guests.add(_connections.back()->number(), device);
+  if (device) _devices.noteSeen(device->id);
   peersChanged();
+}
+
+std::shared_ptr<standin::Connection> StandInEngine::Server::connectionOf(uint64_t number) const {
+  const auto found = std::find_if(_connections.begin(), _connections.end(),
+                                  [number](const auto& each) { return each->number() == number; });
+  return found != _connections.end() ? *found : nullptr;
+}
+
+void StandInEngine::Server::carryOut(uint64_t number, const Request& request) {
+  const auto connection = connectionOf(number);
+  if (!connection || connection->endIfPeerIsGone()) return;
+  if (BackgroundCalls::isOne(request)) {
+    const auto admission = _background.admit(number, request);
+    if (admission == BackgroundCalls::Admission::refused) {
+      connection->send(
+          encodeReply(request.id, request.channel,
+                      MethodError{"BUSY", "Too many calls wait for an answer.", Value()}));
+    }
+    if (admission != BackgroundCalls::Admission::starts) return;
+  }
+  forward(connection, request);
+}
+
+Reply StandInEngine::Server::replyTo(const std::shared_ptr<Connection>& connection,
+                                     const Request& request) {
+  return Reply([weak = std::weak_ptr(connection), server = weak_from_this(), id = request.id,
+                channel = request.channel,
+                isBackground = BackgroundCalls::isOne(request)](const Outcome& outcome) {
+    const auto asking = weak.lock();
+    if (!asking) return;
+    asking->send(encodeBoundedReply(id, channel, outcome));
+    const auto self = server.lock();
+    if (!self || !isBackground) return;
+    if (const auto next = self->_background.finished(asking->number())) {
+      self->forward(asking, *next);
+    }
+  });
 }
 
 void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connection,
                                     const Request& request) {
-  Reply reply([weak = std::weak_ptr(connection), id = request.id,
-               channel = request.channel](const Outcome& outcome) {
-    if (const auto asking = weak.lock()) asking->send(encodeReply(id, channel, outcome));
-  });
+  Reply reply = replyTo(connection, request);
+  if (request.channel == kDevicesChannel) {
+    answerAboutDevices(connection, request.call, std::move(reply));
+    return;
+  }
   const auto found = _handlers.find(request.channel);
   if (found == _handlers.end()) {
     reply.notImplemented();
     return;
   }
-  if (request.channel == kControlChannel && !_holds.note(connection->number(), request.call)) {
-    reply.success();
-    connection->close(SOUP_WEBSOCKET_CLOSE_POLICY_VIOLATION, "too much held");
-    return;
+  if (request.channel == kControlChannel) {
+    if (isTextTooLong(request.call)) {
+      reply.error("TEXT_TOO_LONG", "At most " + std::to_string(kMaxTextCharacters) +
+                                       " characters are typed at once.");
+      return;
+    }
+    if (!_holds.note(connection->number(), request.call)) {
+      reply.success();
+      connection->close(SOUP_WEBSOCKET_CLOSE_POLICY_VIOLATION, "too much held");
+      return;
+    }
+    for (const auto& each : _connections) each->setHolding(_holds.holdsAny(each->number()));
   }
   // The handler may replace itself.
   const MethodCallHandler handler = found->second;
@@ -251,7 +416,14 @@ void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connectio
 
 void StandInEngine::Server::forget(const Connection& connection) {
   std::erase_if(_connections, [&](const auto& each) { return each.get() == &connection; });
+  _turns.drop(connection.number());
+  _background.drop(connection.number());
+  if (const auto* guest = _guests.find(connection.number()); guest != nullptr && guest->device) {
+    _devices.noteSeen(guest->device->id);
+  }
+  _guests.remove(connection.number());
   releaseHolds(connection);
+  tellCount();
   peersChanged();
 }
 
@@ -287,7 +459,12 @@ std::vector<std::string> StandInEngine::Server::pageAddresses() const {
 
 std::vector<StandInEngine::Peer> StandInEngine::Server::peers() const {
   std::vector<Peer> peers;
-  for (const auto& connection : _connections) peers.push_back(connection->peer());
+  for (const auto& connection : _connections) {
+    Peer& peer = peers.emplace_back(connection->peer());
+    peer.connection = connection->number();
+    const Guests::Guest* guest = _guests.find(connection->number());
+    peer.isPaired = guest != nullptr && guest->device.has_value();
+  }
   return peers;
 }
 

@@ -5,14 +5,22 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "Platform/Linux/StandInEngine/BackgroundCalls.h"
 #include "Platform/Linux/StandInEngine/Connection.h"
+#include "Platform/Linux/StandInEngine/Devices.h"
+#include "Platform/Linux/StandInEngine/Guests.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
 #include "Platform/Linux/StandInEngine/Holds.h"
+#include "Platform/Linux/StandInEngine/Listener.h"
 #include "Platform/Linux/StandInEngine/Page.h"
+#include "Platform/Linux/StandInEngine/PendingConnections.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
+#include "Platform/Linux/StandInEngine/Turns.h"
+#include "Platform/Linux/StandInEngine/WrongSecrets.h"
 
 namespace tapdeck {
 
@@ -30,21 +38,48 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   void invokeMethod(const std::string& channel, const MethodCall& call);
   std::vector<std::string> pageAddresses() const;
   std::vector<Peer> peers() const;
+  size_t wrongSecrets() const { return _wrongSecrets.total(); }
   void observePeers(std::function<void()> changed);
+  std::vector<Device> devices() const;
+  void disconnect(uint64_t connection);
+  void disconnectDevice(const std::string& device);
+  void forgetDevice(const std::string& device);
 
  private:
   using Connection = standin::Connection;
   using Weak = std::weak_ptr<Server>;
 
+  /// What a query's token or secret opens, and for which device.
+  struct Access {
+    enum class Kind { granted, wrongToken, forgotten };
+    Kind kind;
+    std::optional<standin::Device> device;
+  };
+
   void listen();
-  uint16_t listeningPort() const;
+  void takeIn(standin::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
   void servePage(SoupServerMessage* message) const;
+  void serveAccess(SoupServerMessage* message, GHashTable* query);
   void serveUpgrade(SoupServerMessage* message, GHashTable* query);
-  void completeUpgrade(SoupServerMessage* message);
+  /// Answers the message as it stands, which is a refusal, late; 429 where too many wait already.
+  void slowDown(SoupServerMessage* message);
+  void completeUpgrade(SoupServerMessage* message, const std::optional<standin::Device>& device);
 
+  Access accessBy(GHashTable* query) const;
+  void answerAboutDevices(const std::shared_ptr<Connection>& connection, const MethodCall& call,
+                          Reply reply);
+  void pair(const Connection& connection, standin::Guests::Guest& guest, const MethodCall& call,
+            Reply reply);
+  void tellCount();
+  void endConnections(const std::vector<uint64_t>& numbers, uint16_t code, const char* reason);
+
+  std::shared_ptr<Connection> connectionOf(uint64_t number) const;
+  /// A request's turn has come.
+  void carryOut(uint64_t number, const standin::Request& request);
   void forward(const std::shared_ptr<Connection>& connection, const standin::Request& request);
+  Reply replyTo(const std::shared_ptr<Connection>& connection, const standin::Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
   void peersChanged();
@@ -54,9 +89,17 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   uint16_t _port = 0;
   standin::Page _page;
   standin::Object<SoupServer> _http;
+  std::unique_ptr<standin::Listener> _listener;
+  standin::PendingConnections _pending;
   std::vector<std::shared_ptr<Connection>> _connections;
   std::map<std::string, MethodCallHandler> _handlers;
   standin::Holds _holds;
+  standin::Turns _turns;
+  standin::BackgroundCalls _background;
+  standin::WrongSecrets _wrongSecrets;
+  standin::Devices _devices;
+  standin::Guests _guests;
+  size_t _toldCount = 0;
   std::function<void()> _observer;
 };
 

@@ -39,8 +39,28 @@ std::vector<StandInEngine::Peer> StandInEngine::peers() const {
   return _server->peers();
 }
 
+size_t StandInEngine::wrongSecrets() const {
+  return _server->wrongSecrets();
+}
+
 void StandInEngine::observePeers(std::function<void()> changed) {
   _server->observePeers(std::move(changed));
+}
+
+std::vector<StandInEngine::Device> StandInEngine::devices() const {
+  return _server->devices();
+}
+
+void StandInEngine::disconnect(uint64_t connection) {
+  _server->disconnect(connection);
+}
+
+void StandInEngine::disconnectDevice(const std::string& device) {
+  _server->disconnectDevice(device);
+}
+
+void StandInEngine::forgetDevice(const std::string& device) {
+  _server->forgetDevice(device);
 }
 
 void StandInEngine::stop() {

@@ -30,11 +30,27 @@ class StandInEngine final : public UIEngine {
     uint16_t port = 8420;
     /// A connection from which nothing comes for so long, no answer to a ping either, is ended.
     std::chrono::milliseconds silenceLimit = std::chrono::seconds(25);
+    /// So long an accepted connection has to become a WebSocket or to get its answer.
+    std::chrono::milliseconds pendingLimit = std::chrono::seconds(10);
+    /// Where the paired devices are kept; empty for the user's data folder.
+    std::string devicesFile = "";
   };
   /// One open connection, for people to read.
   struct Peer {
     std::string address;
     std::string userAgent;
+    /// For disconnect().
+    uint64_t connection;
+    /// Then it is one of devices().
+    bool isPaired;
+  };
+  /// A paired device, for people to read.
+  struct Device {
+    std::string id;
+    std::string name;
+    /// Seconds since 1970; now for one that is connected.
+    int64_t seen;
+    bool isConnected;
   };
 
   /// Starts to listen and writes session.json. Throws StandInEngineError.
@@ -50,9 +66,20 @@ class StandInEngine final : public UIEngine {
   /// more than one when the engine listens on every interface.
   std::vector<std::string> pageAddresses() const;
   std::vector<Peer> peers() const;
-  /// Calls `changed` after each connect and disconnect, in the place of what was set before; an
-  /// empty one ends it.
+  /// How many attempts to connect had a wrong token, since the start.
+  size_t wrongSecrets() const;
+  /// Calls `changed` after each connect, disconnect and attempt with a wrong token, in the place of
+  /// what was set before; an empty one ends it.
   void observePeers(std::function<void()> changed);
+
+  /// In the order of pairing.
+  std::vector<Device> devices() const;
+  /// Ends a connection, or all of a device's; the page does not come back by itself.
+  void disconnect(uint64_t connection);
+  void disconnectDevice(const std::string& device);
+  /// Ends the device's connections and refuses it from now on. Throws std::runtime_error when that
+  /// cannot be written down.
+  void forgetDevice(const std::string& device);
 
   /// Ends every connection, letting go of what each still holds, stops listening and removes
   /// session.json. Done by the destructor too.

@@ -111,7 +111,7 @@ bool DisplayImages::grab(Known& known) {
   return true;
 }
 
-gboolean DisplayImages::onTick(gpointer self) {
+gboolean DisplayImages::onTick(gpointer self) noexcept {
   auto& images = *static_cast<DisplayImages*>(self);
   if (std::exchange(images._wasAsked, false)) return G_SOURCE_CONTINUE;
   images._tick = 0;

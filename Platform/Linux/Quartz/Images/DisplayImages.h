@@ -51,7 +51,7 @@ class DisplayImages {
   bool bringUpToDate(Known& known);
   bool refresh(Known& known);
   bool grab(Known& known);
-  static gboolean onTick(gpointer self);
+  static gboolean onTick(gpointer self) noexcept;
 
   Connection& _connection;
   std::unique_ptr<ScreenGrab> _grab;

@@ -8,6 +8,8 @@
 #include <iostream>
 #include <thread>
 
+#include "Platform/Linux/Quartz/Ending.h"
+
 namespace tapdeck::quartz {
 namespace {
 
@@ -23,6 +25,8 @@ constexpr milliseconds kFirstWait{2000};
 constexpr milliseconds kBlindWait{300};
 constexpr milliseconds kSettleTime{500};
 constexpr milliseconds kTurn{10};
+// how soon a wait notices that the process ends
+constexpr milliseconds kLook{100};
 
 }  // namespace
 
@@ -191,10 +195,11 @@ bool ClientAnswer::awaitEvent(Matches matches, Deadline deadline) {
     while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_connection.get())}) {
       if (matches(*event)) return true;
     }
-    const auto left = std::chrono::duration_cast<milliseconds>(deadline - Clock::now()).count();
-    if (left <= 0) return false;
+    const auto last = std::min(deadline, endOfPatience().value_or(deadline));
+    const auto left = std::chrono::duration_cast<milliseconds>(last - Clock::now());
+    if (left.count() <= 0) return false;
     pollfd readable = {xcb_get_file_descriptor(_connection.get()), POLLIN, 0};
-    ::poll(&readable, 1, static_cast<int>(left));
+    ::poll(&readable, 1, static_cast<int>(std::min(left, kLook).count()));
   }
   return false;
 }

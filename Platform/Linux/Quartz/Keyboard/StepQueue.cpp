@@ -3,6 +3,8 @@
 #include <chrono>
 #include <iostream>
 
+#include "Platform/Linux/Quartz/Ending.h"
+
 namespace tapdeck::quartz {
 namespace {
 
@@ -54,7 +56,9 @@ std::optional<Pixel> StepQueue::waitingMotion() {
 
 void StepQueue::letGo() {
   Lock lock(_mutex);
-  _changed.wait_for(lock, kEndTime, [this] { return _waiting.empty() && !_isBusy; });
+  if (!endOfPatience()) {
+    _changed.wait_for(lock, kEndTime, [this] { return _waiting.empty() && !_isBusy; });
+  }
   _waiting.clear();
   _changed.wait(lock, [this] { return !_isBusy; });
   _keyboard.releaseAll();
@@ -86,6 +90,10 @@ void StepQueue::run() {
 
 void StepQueue::empty(Lock& lock) {
   while (!_waiting.empty()) {
+    if (endOfPatience()) {
+      _waiting.clear();
+      return;
+    }
     if (_keyboard.isReady(_waiting.front())) {
       _keyboard.carryOut(_waiting.front());
       _waiting.pop_front();

@@ -1,4 +1,4 @@
-#include "Platform/Linux/Application/BrowserName.h"
+#include "Platform/Linux/StandInEngine/BrowserName.h"
 
 #include <array>
 

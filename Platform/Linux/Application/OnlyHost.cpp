@@ -1,0 +1,32 @@
+#include "Platform/Linux/Application/OnlyHost.h"
+
+#include <X11/Xlib.h>
+#include <gdk/gdkx.h>
+
+#include <chrono>
+#include <thread>
+
+namespace tapdeck {
+namespace {
+
+/// A host that has just ended may not be gone yet for the server.
+constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kPause{20};
+
+}  // namespace
+
+bool claimDisplay() {
+  Display* display = gdk_x11_get_default_xdisplay();
+  const Atom selection = XInternAtom(display, "_TAPDECK_HOST", False);
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (XGetSelectionOwner(display, selection) != None) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(kPause);
+  }
+  const Window window =
+      XCreateSimpleWindow(display, DefaultRootWindow(display), -1, -1, 1, 1, 0, 0, 0);
+  XSetSelectionOwner(display, selection, window, CurrentTime);
+  return XGetSelectionOwner(display, selection) == window;
+}
+
+}  // namespace tapdeck

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+
+#include "Platform/Linux/StandInEngine/Protocol.h"
+
+namespace tapdeck::standin {
+
+/// The calls that the host answers later, from work in the background that cannot be called off. Of
+/// each connection only so many are under way at once; the next wait here, where they go with their
+/// connection. Main thread only.
+class BackgroundCalls {
+ public:
+  using ConnectionNumber = uint64_t;
+  static constexpr size_t kMaxRunning = 2;
+  static constexpr size_t kMaxWaiting = 32;
+  enum class Admission { starts, waits, refused };
+
+  static bool isOne(const Request& request);
+
+  /// Whether the call may start now. One that waits is kept, and given back by finished().
+  Admission admit(ConnectionNumber connection, const Request& request);
+  /// A call that has started was answered: the next one, which starts.
+  std::optional<Request> finished(ConnectionNumber connection);
+  void drop(ConnectionNumber connection) { _connections.erase(connection); }
+
+ private:
+  struct Calls {
+    size_t running = 0;
+    std::deque<Request> waiting;
+  };
+  std::map<ConnectionNumber, Calls> _connections;
+};
+
+}  // namespace tapdeck::standin

@@ -1,0 +1,140 @@
+#include <algorithm>
+#include <ctime>
+#include <stdexcept>
+#include <utility>
+
+#include "Platform/Linux/StandInEngine/Access.h"
+#include "Platform/Linux/StandInEngine/BrowserName.h"
+#include "Platform/Linux/StandInEngine/Server.h"
+
+namespace tapdeck {
+
+using namespace standin;
+
+namespace {
+
+constexpr size_t kMaxNameCharacters = 64;
+// close codes of our own, of the range that RFC 6455 leaves to applications
+constexpr uint16_t kForgotten = 4001;
+constexpr uint16_t kDisconnected = 4002;
+
+/// What the page calls its device, on one line and not too long; empty when it says nothing.
+std::string nameIn(const MethodCall& call) {
+  const auto* map = call.arguments.getIf<Value::Map>();
+  const Value* value = map != nullptr ? map->find("name") : nullptr;
+  const auto* text = value != nullptr ? value->getIf<std::string>() : nullptr;
+  if (text == nullptr) return "";
+  std::string name;
+  size_t characters = 0;
+  for (const char byte : *text) {
+    const bool isFirst = (byte & 0xc0) != 0x80;
+    if (isFirst && ++characters > kMaxNameCharacters) break;
+    if (static_cast<unsigned char>(byte) >= ' ' && byte != '\x7f') name += byte;
+  }
+  return name;
+}
+
+const char* queryValue(GHashTable* query, const char* key) {
+  return static_cast<const char*>(query != nullptr ? g_hash_table_lookup(query, key) : nullptr);
+}
+
+}  // namespace
+
+StandInEngine::Server::Access StandInEngine::Server::accessBy(GHashTable* query) const {
+  const char* token = queryValue(query, "token");
+  if (token != nullptr && equalInConstantTime(token, _token)) {
+    return {Access::Kind::granted, std::nullopt};
+  }
+  const char* secret = queryValue(query, "device");
+  if (secret == nullptr) return {Access::Kind::wrongToken, std::nullopt};
+  auto device = _devices.withSecret(secret);
+  return {device ? Access::Kind::granted : Access::Kind::forgotten, std::move(device)};
+}
+
+void StandInEngine::Server::answerAboutDevices(const std::shared_ptr<Connection>& connection,
+                                               const MethodCall& call, Reply reply) {
+  Guests::Guest* guest = _guests.find(connection->number());
+  if (guest == nullptr) {
+    reply.notImplemented();
+  } else if (call.method == "pair") {
+    pair(*connection, *guest, call, std::move(reply));
+  } else if (call.method == "watch") {
+    guest->watches = true;
+    const auto count = static_cast<int64_t>(_guests.count());
+    reply.success(Value(ValueMap{{"count", Value(count)},
+                                 {"paired", Value(guest->device.has_value())},
+                                 {"name", guest->device ? Value(guest->device->name) : Value()}}));
+    tellCount();
+  } else {
+    reply.notImplemented();
+  }
+}
+
+void StandInEngine::Server::pair(const Connection& connection, Guests::Guest& guest,
+                                 const MethodCall& call, Reply reply) {
+  if (guest.device) {
+    reply.error("ALREADY_PAIRED", "This device is paired already.");
+    return;
+  }
+  std::string name = nameIn(call);
+  if (name.empty()) name = browserName(connection.peer().userAgent);
+  try {
+    const auto paired = _devices.pair(name);
+    if (!paired) {
+      reply.error("TOO_MANY_DEVICES", "Too many devices are paired; forget one at the computer.");
+      return;
+    }
+    guest.device = paired->device;
+    reply.success(Value(ValueMap{{"secret", Value(paired->secret)}, {"name", Value(name)}}));
+  } catch (const std::runtime_error& error) {
+    reply.error("NOT_SAVED", error.what());
+    return;
+  }
+  tellCount();
+  peersChanged();
+}
+
+void StandInEngine::Server::tellCount() {
+  const size_t count = _guests.count();
+  if (std::exchange(_toldCount, count) == count) return;
+  const codec::Bytes message = encodeHostCall(
+      kDevicesChannel,
+      {"countChanged", Value(ValueMap{{"count", Value(static_cast<int64_t>(count))}})});
+  for (const uint64_t number : _guests.watching()) {
+    // one that fails while it is sent to takes itself off the list
+    if (const auto connection = connectionOf(number)) connection->send(message);
+  }
+}
+
+std::vector<StandInEngine::Device> StandInEngine::Server::devices() const {
+  std::vector<StandInEngine::Device> devices;
+  for (auto& each : _devices.list()) {
+    const bool isConnected = !_guests.of(each.id).empty();
+    devices.push_back(
+        {each.id, each.name, isConnected ? std::time(nullptr) : each.seen, isConnected});
+  }
+  return devices;
+}
+
+void StandInEngine::Server::endConnections(const std::vector<uint64_t>& numbers, uint16_t code,
+                                           const char* reason) {
+  for (const uint64_t number : numbers) {
+    if (const auto connection = connectionOf(number)) connection->close(code, reason);
+  }
+}
+
+void StandInEngine::Server::disconnect(uint64_t connection) {
+  endConnections({connection}, kDisconnected, "disconnected at the computer");
+}
+
+void StandInEngine::Server::disconnectDevice(const std::string& device) {
+  endConnections(_guests.of(device), kDisconnected, "disconnected at the computer");
+}
+
+void StandInEngine::Server::forgetDevice(const std::string& device) {
+  _devices.forget(device);
+  endConnections(_guests.of(device), kForgotten, "forgotten at the computer");
+  peersChanged();
+}
+
+}  // namespace tapdeck

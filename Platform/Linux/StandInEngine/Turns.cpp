@@ -1,0 +1,73 @@
+#include "Platform/Linux/StandInEngine/Turns.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tapdeck::standin {
+namespace {
+
+/// As long as other sources of the main loop may have to wait, apart from a single long request.
+constexpr std::chrono::milliseconds kTurn{5};
+/// A connection that was idle comes before those that were not, but cannot save up more than this.
+constexpr std::chrono::milliseconds kHeadStart{20};
+constexpr size_t kMaxWaitingBytes = size_t{16} << 10;
+constexpr size_t kMaxWaitingRequests = 64;
+
+}  // namespace
+
+void Turns::add(ConnectionNumber connection, Request request, size_t size) {
+  Lane& lane = _lanes[connection];
+  if (lane.requests.empty()) lane.used = std::max(lane.used, _served - kHeadStart);
+  lane.requests.push_back({std::move(request), size});
+  lane.bytes += size;
+  if (_source) return;
+  _source.reset(g_idle_source_new());
+  g_source_set_priority(_source.get(), G_PRIORITY_DEFAULT);
+  const GSourceFunc callback = [](gpointer self) noexcept -> gboolean {
+    static_cast<Turns*>(self)->takeTurn();
+    // it has taken its source away where nothing waits any more, or is gone
+    return G_SOURCE_CONTINUE;
+  };
+  g_source_set_callback(_source.get(), callback, this, nullptr);
+  g_source_attach(_source.get(), nullptr);
+}
+
+bool Turns::isFull(ConnectionNumber connection) const {
+  const auto lane = _lanes.find(connection);
+  return lane != _lanes.end() && (lane->second.bytes >= kMaxWaitingBytes ||
+                                  lane->second.requests.size() >= kMaxWaitingRequests);
+}
+
+Turns::Lanes::iterator Turns::next() {
+  auto least = _lanes.end();
+  for (auto lane = _lanes.begin(); lane != _lanes.end(); ++lane) {
+    if (lane->second.requests.empty()) continue;
+    if (least == _lanes.end() || lane->second.used < least->second.used) least = lane;
+  }
+  return least;
+}
+
+void Turns::takeTurn() {
+  const auto work = _work;
+  const std::weak_ptr<const Work> alive = work;
+  const auto end = Clock::now() + kTurn;
+  do {
+    const auto lane = next();
+    if (lane == _lanes.end()) {
+      _source.reset();
+      return;
+    }
+    const ConnectionNumber connection = lane->first;
+    Waiting waiting = std::move(lane->second.requests.front());
+    lane->second.requests.pop_front();
+    lane->second.bytes -= waiting.size;
+    _served = std::max(_served, lane->second.used);
+    const auto start = Clock::now();
+    (*work)(connection, waiting.request);
+    if (alive.use_count() < 2) return;
+    const auto same = _lanes.find(connection);
+    if (same != _lanes.end()) same->second.used += Clock::now() - start;
+  } while (Clock::now() < end);
+}
+
+}  // namespace tapdeck::standin

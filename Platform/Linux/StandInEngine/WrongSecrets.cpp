@@ -1,0 +1,47 @@
+#include "Platform/Linux/StandInEngine/WrongSecrets.h"
+
+#include <algorithm>
+
+namespace tapdeck::standin {
+namespace {
+
+using std::chrono::milliseconds;
+
+/// Somebody may have two old pages open.
+constexpr int kFree = 3;
+constexpr milliseconds kFirstDelay{250};
+constexpr milliseconds kMaxDelay{2000};
+constexpr int kMaxDoublings = 3;
+constexpr int kMaxWaiting = 4;
+constexpr std::chrono::minutes kMemory{1};
+constexpr size_t kMaxRecords = 1024;
+
+}  // namespace
+
+std::optional<milliseconds> WrongSecrets::note(const std::string& address, Clock::time_point now) {
+  ++_total;
+  forgetOld(now);
+  Record& record = _records[address];
+  ++record.recent;
+  record.last = now;
+  if (record.recent <= kFree) return milliseconds(0);
+  if (record.waiting >= kMaxWaiting) return std::nullopt;
+  ++record.waiting;
+  const int doublings = std::min(record.recent - kFree - 1, kMaxDoublings);
+  return std::min(kFirstDelay * (1 << doublings), kMaxDelay);
+}
+
+void WrongSecrets::answered(const std::string& address) {
+  const auto found = _records.find(address);
+  if (found != _records.end() && found->second.waiting > 0) --found->second.waiting;
+}
+
+void WrongSecrets::forgetOld(Clock::time_point now) {
+  std::erase_if(_records, [&](const auto& each) {
+    return each.second.waiting == 0 && now - each.second.last > kMemory;
+  });
+  // addresses are cheap for who has a network of them
+  if (_records.size() >= kMaxRecords) _records.clear();
+}
+
+}  // namespace tapdeck::standin
