@@ -11,7 +11,8 @@ const segmenter = new Intl.Segmenter(undefined, { granularity: "grapheme" });
 export const characters = (/** @type {string} */ text) => Array.from(segmenter.segment(text), ({ segment }) => segment);
 
 /** The start of the character that the UTF-16 unit at this place belongs to. */
-export const characterStart = (/** @type {string} */ text, /** @type {number} */ at) => segmenter.segment(text).containing(at)?.index ?? at;
+export const characterStart = (/** @type {string} */ text, /** @type {number} */ at) =>
+  segmenter.segment(text).containing(at)?.index ?? at;
 
 /** @type {(key: string) => [string, object]} */
 const down = (key) => ["keyDown", { key }];

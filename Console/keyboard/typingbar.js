@@ -52,11 +52,13 @@ export class TypingBar extends EventTarget {
     one(this.#bar, ".bar-more").hidden = !on;
   }
 
-  // Where the phone's keyboard covers the page instead of making it smaller, the bar goes on top of it.
+  // Where the phone's keyboard covers the page instead of making it smaller, and the browser moves what
+  // is seen of it, the page makes itself as small and goes along.
   #place() {
     const view = window.visualViewport;
-    const covered = view && view.scale === 1
-      ? Math.max(0, document.documentElement.clientHeight - view.height - view.offsetTop) : 0;
+    const covers = view !== null && view.scale === 1;
+    const covered = covers ? Math.max(0, document.documentElement.clientHeight - view.height) : 0;
     document.documentElement.style.setProperty("--covered", `${Math.round(covered)}px`);
+    document.body.style.translate = covers && view.offsetTop > 0 ? `0 ${view.offsetTop}px` : "";
   }
 }

@@ -5,7 +5,11 @@ import { byId, one } from "../ui/dom.js";
 
 /** @typedef {import("../ui/note.js").Note} Note */
 
-/** The switch of the laser, and what says on every place that it is on. @param {import("./laser.js").Laser} laser @param {Note} note */
+/**
+ * The switch of the laser, and what says on every place that it is on.
+ * @param {import("./laser.js").Laser} laser
+ * @param {Note} note
+ */
 export function bindLaser(laser, note) {
   const [button, banner] = [byId("laser"), byId("laser-on")];
   button.addEventListener("click", () => note.attempt(() => laser.turn(!laser.on)));

@@ -4,7 +4,7 @@ import { setTimeout as sleep } from "node:timers/promises";
 
 import { allow, CONNECTED, copyOnComputer, eventually, exec, go, launchBrowser, pasteOnComputer,
   pointerPlace, useMouseAt } from "./desktop.js";
-import { center, fingers, host, pad, page, replaceHost, witness } from "./setup.js";
+import { center, fingers, host, pad, page, witness } from "./setup.js";
 
 const HOLD = 700;
 
@@ -193,7 +193,7 @@ describe("sections", () => {
   });
 });
 
-test("the page says what is wrong with its address, takes another, and comes back by itself", async () => {
+test("the page says what is wrong with its address, and takes another", async () => {
   const token = new URL(host.url).hash.slice(1);
   const showsReason = (reason) =>
     page.waitForSelector(`body[data-reason=${reason}] #line-panel:not([hidden])`);
@@ -213,7 +213,4 @@ test("the page says what is wrong with its address, takes another, and comes bac
   await page.fill("#line-address", `http://192.0.2.7:1/#${token}`);
   await page.click("#line-panel [type=submit]");
   await page.waitForSelector(CONNECTED);
-
-  await replaceHost(() => page.waitForSelector("body[data-state=unreachable] #line-panel:not([hidden])"));
-  await page.waitForSelector(`${CONNECTED}, body[data-reason=wrong-token]`);
 });

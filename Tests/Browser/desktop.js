@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
-import { mkdir, rm, writeFile } from "node:fs/promises";
+import { mkdir, readFile, rm, writeFile } from "node:fs/promises";
 import { connect, createServer } from "node:net";
 import { dirname, join } from "node:path";
 import { createInterface } from "node:readline";
@@ -42,10 +42,12 @@ export class Host {
     const options = { stdio: ["ignore", "pipe", "inherit"] };
     host.#process = spawn(process.env.TAPDECK_HOST, ["--port", String(port)], options);
     for await (const line of createInterface({ input: host.#process.stdout })) {
-      host.url = /http:\S+/.exec(line)?.[0];
-      if (host.url) break;
+      const file = /address is in (.*)/.exec(line)?.[1];
+      if (!file) continue;
+      host.url = JSON.parse(await readFile(file, "utf8")).url;
+      break;
     }
-    assert.ok(host.url, "the host prints the page's address");
+    assert.ok(host.url, "the host says where the page's address is");
     host.#process.stdout.resume();
     return host;
   }
@@ -341,6 +343,11 @@ export async function allow(control, screenCapture) {
   const file = join(process.env.XDG_CONFIG_HOME, "tapdeck", "permissions.ini");
   await mkdir(dirname(file), { recursive: true });
   await writeFile(file, `[Permissions]\ncontrol=${control}\nscreenCapture=${screenCapture}\n`);
+}
+
+/** The computer forgets every device that was paired with it, as a person there could make it do. */
+export function forgetDevices() {
+  return rm(join(process.env.XDG_DATA_HOME, "tapdeck", "devices.ini"), { force: true });
 }
 
 /** Fills the X selection CLIPBOARD from a process of its own. */
