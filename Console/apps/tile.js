@@ -5,6 +5,8 @@ import { text } from "../text/text.js";
 import { make } from "../ui/dom.js";
 
 const HOLD = 550;
+/** The click of a finger comes this soon (ms) after it went up. */
+const AFTER_HOLD = 100;
 
 export class Tile {
   element = make("li");
@@ -32,21 +34,21 @@ export class Tile {
   #listen(onTap, onHold) {
     const button = this.#button;
     let timer = 0;
-    let held = false;
+    // What is held may move away from under the finger, and the click would meet another tile.
+    const swallow = (/** @type {Event} */ event) => event.stopPropagation();
     button.addEventListener("pointerdown", () => {
-      held = false;
       timer = setTimeout(() => {
-        held = true;
+        document.addEventListener("click", swallow, true);
         onHold();
       }, HOLD);
     });
     for (const type of ["pointerup", "pointercancel", "pointerleave"]) {
-      button.addEventListener(type, () => clearTimeout(timer));
+      button.addEventListener(type, () => {
+        clearTimeout(timer);
+        setTimeout(() => document.removeEventListener("click", swallow, true), AFTER_HOLD);
+      });
     }
-    button.addEventListener("click", () => {
-      if (!held) onTap();
-      held = false;
-    });
+    button.addEventListener("click", onTap);
     button.addEventListener("contextmenu", (event) => event.preventDefault());
     // The keys' own way to what holding does.
     button.addEventListener("keydown", (event) => {

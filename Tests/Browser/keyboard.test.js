@@ -81,6 +81,7 @@ test("a long text goes in pieces, one at a time, and can be stopped", async () =
   await page.click(".work .stop");
   line.release();
   await sends(`typeText ${"a".repeat(50)}`);
+  await page.waitForSelector(".work", { state: "hidden" });
   line.hold();
   await paste("b".repeat(1000));
   await page.click(".paste-instead");
