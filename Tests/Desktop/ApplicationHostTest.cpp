@@ -83,6 +83,38 @@ TEST(HostTest, AsksTheUserWhoDecidesByTheSwitch) {
   std::filesystem::remove(permissions::settingsPath());
 }
 
+TEST(HostTest, LetsTheNetworkInByTheSwitchAndRemembersIt) {
+  // this computer by another of its addresses, in the place of a network's
+  const auto isOpen = [] {
+    const auto client = g_socket_client_new();
+    const auto connection = g_socket_client_connect_to_host(
+        client, "127.0.0.2", readSession().value().port, nullptr, nullptr);
+    g_object_unref(client);
+    if (connection != nullptr) g_object_unref(connection);
+    return connection != nullptr;
+  };
+  // the switch stands before that of the permission
+  const auto turnSwitch = [] {
+    outputOf({callProgram, "openAccessibilitySettings"});
+    ASSERT_TRUE(eventually([] {
+      return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "Tapdeck\n";
+    }));
+    outputOf({"xdotool", "key", "shift+Tab", "space"});
+  };
+  {
+    RunningHost host;
+    EXPECT_FALSE(isOpen());
+    turnSwitch();
+    EXPECT_TRUE(eventually(isOpen));
+    host.send(SIGTERM);
+    EXPECT_EQ(host.status(), 0);
+  }
+  RunningHost again;
+  EXPECT_TRUE(isOpen());
+  turnSwitch();
+  EXPECT_TRUE(eventually([&] { return !isOpen(); }));
+}
+
 TEST(HostTest, SaysWhyItCannotStart) {
   const PrivateServer bare({"-extension", "XTEST"}), other({});
   RunningHost first;

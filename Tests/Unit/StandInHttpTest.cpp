@@ -139,6 +139,29 @@ TEST_F(StandInHttp, EightConnections) {
   pages.back() = openPage();
 }
 
+TEST_F(StandInHttp, ListensInTheNetworkAndStopsAgain) {
+  // this computer by another of its addresses, in the place of a network's
+  const auto there = [this] { return "127.0.0.2:" + std::to_string(port()); };
+  const auto token = enginePath();
+  const auto stays = openPage();
+  const uint16_t before = port();
+  engine->listenOn("0.0.0.0");
+  EXPECT_EQ(port(), before);
+  Page guest("ws://" + there() + token);
+  ASSERT_TRUE(guest.isOpen());
+  ASSERT_TRUE(waitForPeers(2));
+  engine->listenOn("127.0.0.1");
+  EXPECT_EQ(guest.waitForClose(), 4003);
+  EXPECT_TRUE(stays->isOpen());
+  EXPECT_EQ(engine->peers().size(), 1u);
+  const Page late("ws://" + there() + token);
+  EXPECT_FALSE(late.isOpen());
+
+  EXPECT_THROW(engine->listenOn("192.0.2.1"), StandInEngineError);
+  EXPECT_EQ(engine->address(), "127.0.0.1");
+  openPage();
+}
+
 TEST_F(StandInHttp, SessionFile) {
   const auto session = readSession().value();
   EXPECT_EQ(session.token.size(), 32u);

@@ -34,29 +34,26 @@ bool isLoopback(const std::string& address) {
   return parsed && g_inet_address_get_is_loopback(parsed.get());
 }
 
-const char* adviceFor(const std::vector<std::string>& addresses) {
-  if (!std::all_of(addresses.begin(), addresses.end(), isLoopback)) {
+const char* adviceFor(bool isLocal) {
+  if (!isLocal) {
     return "Scan the code with the phone's camera, or open the address in its browser. Both must "
            "be on the same network.";
   }
-  return "A phone cannot reach this address: Tapdeck listens to this computer only. To let phones "
-         "in, start it with\n<tt>./tapdeck run --listen 0.0.0.0</tt>";
+  return "A phone cannot reach this address: Tapdeck listens to this computer only. Turn on "
+         "\"Allow "
+         "phones in this network\" below to let phones in.";
 }
 
 }  // namespace
 
-AddressCard::AddressCard(std::vector<std::string> addresses)
+AddressCard::AddressCard()
     : Gtk::Box(Gtk::ORIENTATION_HORIZONTAL, 16),
-      _addresses(std::move(addresses)),
       _heading("Open this page to take control", Gtk::ALIGN_START) {
   _heading.get_style_context()->add_class("heading");
 
-  _advice.set_markup(adviceFor(_addresses));
   _advice.set_line_wrap();
   _advice.set_xalign(0);
   _advice.set_max_width_chars(44);
-  _advice.get_style_context()->add_class(
-      std::all_of(_addresses.begin(), _addresses.end(), isLoopback) ? "notice" : "dim-label");
 
   _address.set_selectable();
   _address.set_line_wrap();
@@ -72,9 +69,8 @@ AddressCard::AddressCard(std::vector<std::string> addresses)
   _address.get_style_context()->add_class("address");
   _address.get_accessible()->set_name("The page's address");
 
-  for (const std::string& address : _addresses) _choice.append(hostOf(address));
-  _choice.set_active(0);
-  _choice.set_no_show_all(_addresses.size() < 2);
+  _choice.set_no_show_all();
+  _code.set_no_show_all();
   _choice.signal_changed().connect([this] { showChosen(); });
 
   _copy.signal_clicked().connect([this] { copy(); });
@@ -92,11 +88,24 @@ AddressCard::AddressCard(std::vector<std::string> addresses)
   }
   pack_start(_code, Gtk::PACK_SHRINK);
   pack_start(_column, Gtk::PACK_EXPAND_WIDGET);
-  showChosen();
 }
 
 AddressCard::~AddressCard() {
   _endOfCopied.disconnect();
+}
+
+void AddressCard::setAddresses(std::vector<std::string> addresses) {
+  if (addresses == _addresses) return;
+  _addresses = std::move(addresses);
+  const bool isLocal = std::all_of(_addresses.begin(), _addresses.end(), isLoopback);
+  _advice.set_text(adviceFor(isLocal));
+  const auto style = _advice.get_style_context();
+  style->remove_class(isLocal ? "dim-label" : "notice");
+  style->add_class(isLocal ? "notice" : "dim-label");
+  _choice.remove_all();
+  for (const std::string& address : _addresses) _choice.append(hostOf(address));
+  _choice.set_active(0);
+  _choice.set_visible(_addresses.size() > 1);
 }
 
 const std::string& AddressCard::chosen() const {
@@ -105,8 +114,11 @@ const std::string& AddressCard::chosen() const {
 }
 
 void AddressCard::showChosen() {
+  // the list is empty while it is filled anew
+  if (_choice.get_active_row_number() < 0) return;
   _address.set_text(chosen());
   _code.setText(chosen());
+  _code.set_visible(!isLoopback(chosen()));
 }
 
 void AddressCard::copy() {

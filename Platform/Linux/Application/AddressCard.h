@@ -15,10 +15,11 @@ namespace tapdeck {
 /// The page's address, to read, to scan, to copy and to open.
 class AddressCard : public Gtk::Box {
  public:
-  /// `addresses`: the best one first, at least one.
-  explicit AddressCard(std::vector<std::string> addresses);
+  AddressCard();
   ~AddressCard() override;
 
+  /// The best one first, at least one. A code is shown only where a phone can use it.
+  void setAddresses(std::vector<std::string> addresses);
   Gtk::Widget& firstButton() { return _copy; }
 
  private:

@@ -21,10 +21,12 @@
 #include "Platform/Linux/Application/MainWindow.h"
 #include "Platform/Linux/Application/OnlyHost.h"
 #include "Platform/Linux/Application/Options.h"
+#include "Platform/Linux/Application/QrMatrix.h"
 #include "Platform/Linux/Pasteboard.h"
 #include "Platform/Linux/Quartz/WindowServer.h"
 #include "Platform/Linux/Queues.h"
 #include "Platform/Linux/SessionFile.h"
+#include "Platform/UserDefaults.h"
 #include "Runner/MainFlutterWindow.h"
 #include "Runner/Waking.h"
 
@@ -68,7 +70,9 @@ void raiseDescriptorLimit() {
 /// that is no terminal may be a journal that others read.
 void printAddress(const StandInEngine& engine) {
   if (isatty(STDOUT_FILENO) != 0) {
-    std::printf("Tapdeck: %s\n", engine.pageAddresses().front().c_str());
+    const std::string address = engine.pageAddresses().front();
+    if (engine.address() != kThisComputer) std::fputs(qrLines(address).c_str(), stdout);
+    std::printf("Tapdeck: %s\n", address.c_str());
   } else {
     std::printf("Tapdeck: the page's address is in %s\n", sessionFilePath().c_str());
   }
@@ -88,10 +92,15 @@ void serve(const Options& options) {
   });
   const SignalSource show(SIGUSR1, [&mainWindow] { mainWindow->bringForward(); });
 
-  const auto engine = StandInEngine::start({options.address, options.port});
+  StandInEngine::Options engineOptions;
+  engineOptions.port = options.port;
+  engineOptions.address = options.address.value_or(
+      platform::userDefaultsBool(kAllowNetwork) ? kEveryAddress : kThisComputer);
+  const auto engine = StandInEngine::start(engineOptions);
   const auto state = std::make_shared<MainFlutterWindow>();
   wakeMainWindow(state, engine);
-  MainWindow window(state, engine, quit);
+  const bool isGiven = options.address.has_value() && *options.address != kThisComputer;
+  MainWindow window(state, engine, isGiven ? *options.address : kEveryAddress, quit);
   mainWindow = &window;
   window.bringForward();
 

@@ -2,12 +2,19 @@
 
 #include <gdk/gdkx.h>
 #include <giomm/file.h>
+#include <glibmm/datetime.h>
+#include <glibmm/main.h>
+#include <gtkmm/button.h>
 #include <gtkmm/cssprovider.h>
 #include <gtkmm/image.h>
 
+#include <stdexcept>
 #include <utility>
+#include <vector>
 
+#include "Platform/Linux/Application/Options.h"
 #include "Platform/Linux/StandInEngine/BrowserName.h"
+#include "Platform/UserDefaults.h"
 
 namespace tapdeck {
 
@@ -38,36 +45,55 @@ void installStyle() {
                                              GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
 }
 
-/// A row of the list of connections; the list owns it.
-Gtk::Widget* newPeerRow(const StandInEngine::Peer& peer) {
+struct Action {
+  const char* label;
+  std::function<void()> perform;
+};
+
+/// A row of the list of devices and connections; the list owns it.
+Gtk::Widget* newRow(const Glib::ustring& title, const Glib::ustring& remark,
+                    const std::vector<Action>& actions) {
   auto* row = Gtk::make_managed<Gtk::Box>(Gtk::ORIENTATION_HORIZONTAL, 10);
   auto* image = Gtk::make_managed<Gtk::Image>();
   image->set_from_icon_name("network-transmit-receive-symbolic", Gtk::ICON_SIZE_MENU);
-  auto* name = Gtk::make_managed<Gtk::Label>(browserName(peer.userAgent), Gtk::ALIGN_START);
+  auto* name = Gtk::make_managed<Gtk::Label>(title, Gtk::ALIGN_START);
   name->set_ellipsize(Pango::ELLIPSIZE_END);
-  name->set_tooltip_text(peer.userAgent);
-  auto* address = Gtk::make_managed<Gtk::Label>(peer.address);
-  address->get_style_context()->add_class("dim-label");
+  auto* state = Gtk::make_managed<Gtk::Label>(remark);
+  state->get_style_context()->add_class("dim-label");
   row->pack_start(*image, Gtk::PACK_SHRINK);
   row->pack_start(*name, Gtk::PACK_EXPAND_WIDGET);
-  row->pack_start(*address, Gtk::PACK_SHRINK);
+  row->pack_start(*state, Gtk::PACK_SHRINK);
+  for (const Action& action : actions) {
+    auto* button = Gtk::make_managed<Gtk::Button>(action.label);
+    // the action takes this very row away
+    button->signal_clicked().connect(
+        [perform = action.perform] { Glib::signal_idle().connect_once(perform); });
+    row->pack_start(*button, Gtk::PACK_SHRINK);
+  }
   row->get_style_context()->add_class("row");
   return row;
+}
+
+Glib::ustring whenSeen(const StandInEngine::Device& device) {
+  if (device.isConnected) return "connected";
+  return "last seen " + Glib::DateTime::create_now_local(device.seen).format("%x, %H:%M");
 }
 
 }  // namespace
 
 MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
-                       std::shared_ptr<StandInEngine> engine, std::function<void()> quit)
+                       std::shared_ptr<StandInEngine> engine, std::string networkAddress,
+                       std::function<void()> quit)
     : _state(std::move(state)),
       _engine(std::move(engine)),
+      _networkAddress(std::move(networkAddress)),
       _quit(std::move(quit)),
-      _address(_engine->pageAddresses()),
-      _nobody("Nobody is connected."),
-      _control(permissions::Permission::control, "Allow control of pointer and keyboard",
+      _nobody("No device is connected or paired."),
+      _lan("Allow phones in this network",
+           "Everybody in the network can try to connect, and can read what is sent."),
+      _control("Allow control of pointer and keyboard",
                "Moves, clicks, scrolling, keys and text arrive at your applications."),
-      _screen(permissions::Permission::screenCapture, "Allow the screen to be seen",
-              "The page may show what the displays show."),
+      _screen("Allow the screen to be seen", "The page may show what the displays show."),
       _footnote("Closing this window leaves Tapdeck running.") {
   installStyle();
   set_title("Tapdeck");
@@ -75,9 +101,9 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
   set_default_size(640, -1);
   buildHeader();
   buildContents();
-  refreshPeers();
+  refreshConnections();
   watchSettings();
-  _engine->observePeers([this] { refreshPeers(); });
+  _engine->observePeers([this] { refreshConnections(); });
   permissions::setAskHandler([this](permissions::Permission permission) { ask(permission); });
 }
 
@@ -124,7 +150,25 @@ void MainWindow::buildContents() {
   _nobody.show();
   _peers.set_selection_mode(Gtk::SELECTION_NONE);
   _peers.set_placeholder(_nobody);
-  addSection("Connected", _peers);
+  addSection("Devices", _peers);
+  for (Gtk::Label* label : {&_wrongSecrets, &_failure}) {
+    label->set_no_show_all();
+    label->set_line_wrap();
+    label->set_xalign(0);
+    label->get_style_context()->add_class("notice");
+    _contents.pack_start(*label, Gtk::PACK_SHRINK);
+  }
+
+  _lan.onDecided([this](bool isAllowed) { allowNetwork(isAllowed); });
+  _network.pack_start(_lan, Gtk::PACK_SHRINK);
+  addSection("Network", _network);
+
+  _control.onDecided(
+      [](bool isGranted) { permissions::setGranted(permissions::Permission::control, isGranted); });
+  _screen.onDecided([](bool isGranted) {
+    permissions::setGranted(permissions::Permission::screenCapture, isGranted);
+  });
+  refreshPermissions();
 
   _permissions.pack_start(_control, Gtk::PACK_SHRINK);
   _permissions.pack_start(_screen, Gtk::PACK_SHRINK);
@@ -164,14 +208,52 @@ void MainWindow::watchSettings() {
 }
 
 void MainWindow::refreshPermissions() {
-  _control.refresh();
-  _screen.refresh();
+  _control.setOn(permissions::isGranted(permissions::Permission::control));
+  _screen.setOn(permissions::isGranted(permissions::Permission::screenCapture));
 }
 
-void MainWindow::refreshPeers() {
+void MainWindow::refreshConnections() {
   for (Gtk::Widget* row : _peers.get_children()) delete row;
-  for (const auto& peer : _engine->peers()) _peers.append(*newPeerRow(peer));
+  for (const auto& device : _engine->devices()) {
+    std::vector<Action> actions;
+    if (device.isConnected) {
+      actions.push_back({"Disconnect", [this, id = device.id] { _engine->disconnectDevice(id); }});
+    }
+    actions.push_back(
+        {"Forget", [this, id = device.id] { attempt([&] { _engine->forgetDevice(id); }); }});
+    _peers.append(*newRow(device.name, whenSeen(device), actions));
+  }
+  for (const auto& peer : _engine->peers()) {
+    if (peer.isPaired) continue;
+    _peers.append(*newRow(
+        browserName(peer.userAgent), peer.address,
+        {{"Disconnect", [this, number = peer.connection] { _engine->disconnect(number); }}}));
+  }
   _peers.show_all_children();
+  const auto wrong = _engine->wrongSecrets();
+  _wrongSecrets.set_text(
+      Glib::ustring::compose("Refused for a wrong code since the start: %1", wrong));
+  _wrongSecrets.set_visible(wrong > 0);
+  _address.setAddresses(_engine->pageAddresses());
+  _lan.setOn(_engine->address() != kThisComputer);
+}
+
+void MainWindow::allowNetwork(bool isAllowed) {
+  attempt([&] {
+    _engine->listenOn(isAllowed ? _networkAddress : kThisComputer);
+    platform::setUserDefaultsBool(kAllowNetwork, isAllowed);
+  });
+  refreshConnections();
+}
+
+void MainWindow::attempt(const std::function<void()>& action) {
+  _failure.hide();
+  try {
+    action();
+  } catch (const std::runtime_error& error) {
+    _failure.set_text(error.what());
+    _failure.show();
+  }
 }
 
 void MainWindow::ask(permissions::Permission permission) {

@@ -12,9 +12,11 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "Platform/Linux/Application/AddressCard.h"
-#include "Platform/Linux/Application/PermissionRow.h"
+#include "Platform/Linux/Application/SwitchRow.h"
+#include "Platform/Linux/Permissions.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
 #include "Runner/MainFlutterWindow.h"
 
@@ -24,9 +26,9 @@ namespace tapdeck {
 /// and leaves the host running.
 class MainWindow : public Gtk::Window {
  public:
-  /// `quit` ends the host.
+  /// `networkAddress` is listened on while phones are allowed; `quit` ends the host.
   MainWindow(std::weak_ptr<MainFlutterWindow> state, std::shared_ptr<StandInEngine> engine,
-             std::function<void()> quit);
+             std::string networkAddress, std::function<void()> quit);
   ~MainWindow() override;
 
   /// Shows the window, in front and with the keyboard focus as far as the desktop allows.
@@ -38,7 +40,10 @@ class MainWindow : public Gtk::Window {
   void addSection(const Glib::ustring& title, Gtk::Widget& contents);
   void watchSettings();
   void refreshPermissions();
-  void refreshPeers();
+  void refreshConnections();
+  void allowNetwork(bool isAllowed);
+  /// Does what may fail, and says so on the window.
+  void attempt(const std::function<void()>& action);
   void ask(permissions::Permission permission);
   void becameKey();
 
@@ -48,6 +53,7 @@ class MainWindow : public Gtk::Window {
 
   std::weak_ptr<MainFlutterWindow> _state;
   std::shared_ptr<StandInEngine> _engine;
+  std::string _networkAddress;
   std::function<void()> _quit;
 
   Gtk::HeaderBar _header;
@@ -59,9 +65,13 @@ class MainWindow : public Gtk::Window {
   /// Before the list whose placeholder it is, which must go first.
   Gtk::Label _nobody;
   Gtk::ListBox _peers;
+  Gtk::Label _wrongSecrets;
+  Gtk::Label _failure;
+  Gtk::Box _network{Gtk::ORIENTATION_VERTICAL};
+  SwitchRow _lan;
   Gtk::Box _permissions{Gtk::ORIENTATION_VERTICAL};
-  PermissionRow _control;
-  PermissionRow _screen;
+  SwitchRow _control;
+  SwitchRow _screen;
   Gtk::Label _footnote;
   Glib::RefPtr<Gio::FileMonitor> _settingsMonitor;
 };

@@ -36,13 +36,16 @@ std::nullopt_t complain(const std::string& message) {
 std::optional<Options> parseOptions(int argc, char** argv) {
   char* port = nullptr;
   char* address = nullptr;
+  gboolean lan = FALSE;
   gboolean show = FALSE;
   gboolean version = FALSE;
   const GOptionEntry entries[] = {
       {"port", 'p', 0, G_OPTION_ARG_STRING, &port,
        "The TCP port to listen on; 0 takes any free one (8420)", "N"},
       {"listen", 'l', 0, G_OPTION_ARG_STRING, &address,
-       "The IP address to listen on; 0.0.0.0 lets phones in (127.0.0.1)", "ADDRESS"},
+       "The IP address to listen on; 0.0.0.0 is the same as --lan", "ADDRESS"},
+      {"lan", 0, 0, G_OPTION_ARG_NONE, &lan,
+       "Let phones in this network in, as the switch in the window does", nullptr},
       {"show", 0, 0, G_OPTION_ARG_NONE, &show,
        "Bring back the window of the host that runs already, and print its address", nullptr},
       {"version", 0, 0, G_OPTION_ARG_NONE, &version, "Print the version", nullptr},
@@ -60,6 +63,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   if (argc > 1) return complain("what is \"" + std::string(argv[1]) + "\"?");
 
   Options options;
+  if (lan) options.address = kEveryAddress;
   if (addressText) options.address = addressText.get();
   if (portText) {
     const auto number = portFrom(portText.get());

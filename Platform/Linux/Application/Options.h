@@ -6,11 +6,17 @@
 
 namespace tapdeck {
 
+/// The user's setting of the switch in the window.
+inline constexpr const char* kAllowNetwork = "allowNetwork";
+inline constexpr const char* kThisComputer = "127.0.0.1";
+inline constexpr const char* kEveryAddress = "0.0.0.0";
+
 /// What the command line asks of the host.
 struct Options {
   enum class Action { run, show, printVersion };
   Action action = Action::run;
-  std::string address = "127.0.0.1";
+  /// Absent for what the user last chose in the window.
+  std::optional<std::string> address;
   uint16_t port = 8420;
 };
 

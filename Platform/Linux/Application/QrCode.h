@@ -2,9 +2,9 @@
 
 #include <gtkmm/drawingarea.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
+
+#include "Platform/Linux/Application/QrMatrix.h"
 
 namespace tapdeck {
 
@@ -19,9 +19,7 @@ class QrCode : public Gtk::DrawingArea {
  private:
   bool on_draw(const Cairo::RefPtr<Cairo::Context>& cairo) override;
 
-  /// Modules per side and, row by row, which of them are dark.
-  int _size = 0;
-  std::vector<bool> _dark;
+  QrMatrix _code;
 };
 
 }  // namespace tapdeck

@@ -4,6 +4,7 @@
 #include <net/if.h>
 #include <netinet/in.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "Platform/Linux/StandInEngine/Access.h"
@@ -46,6 +47,30 @@ std::vector<Object<GInetAddress>> networkAddresses(GSocketFamily family) {
   return addresses;
 }
 
+/// The address that packets to the rest of the world leave from; null without a way there. Nothing
+/// is sent: a datagram socket only looks up its route.
+Object<GInetAddress> routedAddress(GSocketFamily family) {
+  const Object<GSocketAddress> elsewhere(g_inet_socket_address_new_from_string(
+      family == G_SOCKET_FAMILY_IPV4 ? "192.0.2.1" : "2001:db8::1", 9));
+  const Object<GSocket> socket(
+      g_socket_new(family, G_SOCKET_TYPE_DATAGRAM, G_SOCKET_PROTOCOL_UDP, nullptr));
+  if (!socket || !g_socket_connect(socket.get(), elsewhere.get(), nullptr, nullptr)) return nullptr;
+  const Object<GSocketAddress> own(g_socket_get_local_address(socket.get(), nullptr));
+  if (!own) return nullptr;
+  return Object<GInetAddress>(G_INET_ADDRESS(
+      g_object_ref(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(own.get())))));
+}
+
+/// Virtual machines' and containers' networks are reached by no phone: what leads to the rest of
+/// the world goes first.
+void putRoutedFirst(std::vector<Object<GInetAddress>>& addresses, GSocketFamily family) {
+  const Object<GInetAddress> routed = routedAddress(family);
+  if (!routed) return;
+  std::stable_partition(addresses.begin(), addresses.end(), [&routed](const auto& each) {
+    return g_inet_address_equal(each.get(), routed.get()) != FALSE;
+  });
+}
+
 }  // namespace
 
 std::vector<std::string> originsFor(const std::string& address, uint16_t port) {
@@ -55,6 +80,7 @@ std::vector<std::string> originsFor(const std::string& address, uint16_t port) {
   if (g_inet_address_get_is_any(own.get())) {
     const GSocketFamily family = g_inet_address_get_family(own.get());
     addresses = networkAddresses(family);
+    putRoutedFirst(addresses, family);
     own.reset(g_inet_address_new_loopback(family));
   }
   addresses.push_back(std::move(own));

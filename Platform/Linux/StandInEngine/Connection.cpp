@@ -137,7 +137,7 @@ void Connection::setHolding(bool isHolding) {
 }
 
 bool Connection::endIfPeerIsGone() {
-  if (_ended || !_tcp) return _ended;
+  if (_ended) return true;
   pollfd socket{g_socket_get_fd(_tcp.get()), POLLRDHUP, 0};
   if (::poll(&socket, 1, 0) > 0) end();
   return _ended;

@@ -45,6 +45,10 @@ class Connection : public std::enable_shared_from_this<Connection> {
   /// Unlike every other connection's in the process.
   uint64_t number() const { return _number; }
   const StandInEngine::Peer& peer() const { return _peer; }
+  /// At which it arrived; null once that is gone.
+  Object<GSocketAddress> localAddress() const {
+    return Object<GSocketAddress>(g_socket_get_local_address(_tcp.get(), nullptr));
+  }
   /// Sends what it can without waiting; nothing when the connection has ended. Ends the connection
   /// when the peer leaves too much unread.
   void send(const codec::Bytes& message);

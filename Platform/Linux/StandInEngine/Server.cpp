@@ -21,6 +21,9 @@ constexpr size_t kMaxTextCharacters = 6000;
 /// Less than half of what a connection may leave unread.
 constexpr size_t kMaxReply = (size_t{16} << 20) + (size_t{64} << 10);
 
+/// A close code of our own.
+constexpr uint16_t kNetworkOff = 4003;
+
 /// The list joins repeated headers, so that a second Host or Origin does not slip through.
 const char* header(SoupServerMessage* message, const char* name) {
   return soup_message_headers_get_list(soup_server_message_get_request_headers(message), name);
@@ -133,11 +136,47 @@ void StandInEngine::Server::start() {
       },
       owner(), disown);
   try {
-    writeSession({pageAddresses().back(), _port, _token, getpid()});
+    writeSessionFile();
   } catch (const std::runtime_error& error) {
     stop();
     throw StandInEngineError(error.what());
   }
+}
+
+void StandInEngine::Server::writeSessionFile() const {
+  writeSession({pageAddresses().back(), _port, _token, getpid()});
+}
+
+void StandInEngine::Server::listenOn(const std::string& address) {
+  const std::string before = std::exchange(_options.address, address);
+  const uint16_t chosenPort = std::exchange(_options.port, _port);
+  // two sockets cannot listen at one port, if one of them does so for every address
+  _listener.reset();
+  try {
+    listen();
+    writeSessionFile();
+  } catch (const std::runtime_error& error) {
+    _options.address = before;
+    _listener.reset();
+    listen();
+    _options.port = chosenPort;
+    throw StandInEngineError(error.what());
+  }
+  _options.port = chosenPort;
+  const auto connections = _connections;
+  for (const auto& connection : connections) {
+    if (!isServedAt(connection->localAddress().get())) {
+      connection->close(kNetworkOff, "the network was switched off");
+    }
+  }
+  peersChanged();
+}
+
+bool StandInEngine::Server::isServedAt(GSocketAddress* local) const {
+  if (!G_IS_INET_SOCKET_ADDRESS(local)) return false;
+  const Object<GInetAddress> own(g_inet_address_new_from_string(_options.address.c_str()));
+  GInetAddress* address = g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(local));
+  return g_inet_address_get_is_any(own.get()) || g_inet_address_equal(own.get(), address);
 }
 
 void StandInEngine::Server::listen() {
@@ -191,7 +230,8 @@ void StandInEngine::Server::admit(SoupServerMessage* message) {
   setProtectiveHeaders(message);
   soup_message_body_set_accumulate(soup_server_message_get_request_body(message), FALSE);
   const char* host = header(message, "Host");
-  if (!isOwnHost(host, soup_server_message_get_local_address(message))) {
+  GSocketAddress* local = soup_server_message_get_local_address(message);
+  if (!isOwnHost(host, local) || !isServedAt(local)) {
     refuse(message, 421, "Misdirected Request");
     return;
   }
@@ -327,7 +367,7 @@ void StandInEngine::Server::completeUpgrade(SoupServerMessage* message,
   Connection::Line line{Object<GIOStream>(soup_server_message_steal_connection(message)),
                         _pending.take(soup_server_message_get_remote_address(message)),
                         soup_server_message_get_uri(message)};
-  if (!line.stream || !_http || _connections.size() >= kMaxConnections) return;
+  if (!line.stream || !line.socket || !_http || _connections.size() >= kMaxConnections) return;
   Connection::Events events;
   events.request = [weak = weak_from_this()](Connection& connection, Request request, size_t size) {
     const auto self = weak.lock();
@@ -409,9 +449,38 @@ void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connectio
     }
     for (const auto& each : _connections) each->setHolding(_holds.holdsAny(each->number()));
   }
+  if (request.channel == kControlChannel && Pictures::isCapture(request.call)) {
+    capture(connection, request.call, std::move(reply));
+    return;
+  }
+  if (request.channel == kControlChannel && request.call.method == "resetScreenCapture") {
+    _pictures.reset(connection->number());
+  }
   // The handler may replace itself.
   const MethodCallHandler handler = found->second;
   handler(request.call, std::move(reply));
+}
+
+void StandInEngine::Server::capture(const std::shared_ptr<Connection>& connection,
+                                    const MethodCall& call, Reply reply) {
+  const MethodCallHandler handler = _handlers.at(kControlChannel);
+  const auto answer = std::make_shared<Reply>(std::move(reply));
+  const auto ask = [weak = weak_from_this(), number = connection->number(), call, answer, handler](
+                       const MethodCall& asked, const auto& again) -> void {
+    handler(asked, Reply([=](Outcome outcome) {
+              const auto self = weak.lock();
+              auto settled = self ? self->_pictures.settle(number, call, outcome) : outcome;
+              if (settled || again == nullptr) {
+                answer->answer(settled ? *std::move(settled) : std::move(outcome));
+              } else {
+                again();
+              }
+            }));
+  };
+  const std::function<void()> askForced = [ask, call] {
+    ask(Pictures::forced(call), std::function<void()>());
+  };
+  ask(call, askForced);
 }
 
 void StandInEngine::Server::forget(const Connection& connection) {
@@ -422,6 +491,7 @@ void StandInEngine::Server::forget(const Connection& connection) {
     _devices.noteSeen(guest->device->id);
   }
   _guests.remove(connection.number());
+  _pictures.reset(connection.number());
   releaseHolds(connection);
   tellCount();
   peersChanged();

@@ -18,6 +18,7 @@
 #include "Platform/Linux/StandInEngine/Listener.h"
 #include "Platform/Linux/StandInEngine/Page.h"
 #include "Platform/Linux/StandInEngine/PendingConnections.h"
+#include "Platform/Linux/StandInEngine/Pictures.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
 #include "Platform/Linux/StandInEngine/Turns.h"
 #include "Platform/Linux/StandInEngine/WrongSecrets.h"
@@ -33,6 +34,8 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   /// Listens and writes session.json. Throws StandInEngineError.
   void start();
   void stop();
+  void listenOn(const std::string& address);
+  const std::string& address() const { return _options.address; }
 
   void setMethodCallHandler(const std::string& channel, MethodCallHandler handler);
   void invokeMethod(const std::string& channel, const MethodCall& call);
@@ -57,6 +60,9 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   };
 
   void listen();
+  void writeSessionFile() const;
+  /// Whether what arrived at this address of ours may stay.
+  bool isServedAt(GSocketAddress* local) const;
   void takeIn(standin::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
@@ -79,6 +85,7 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   /// A request's turn has come.
   void carryOut(uint64_t number, const standin::Request& request);
   void forward(const std::shared_ptr<Connection>& connection, const standin::Request& request);
+  void capture(const std::shared_ptr<Connection>& connection, const MethodCall& call, Reply reply);
   Reply replyTo(const std::shared_ptr<Connection>& connection, const standin::Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
@@ -96,6 +103,7 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   standin::Holds _holds;
   standin::Turns _turns;
   standin::BackgroundCalls _background;
+  standin::Pictures _pictures;
   standin::WrongSecrets _wrongSecrets;
   standin::Devices _devices;
   standin::Guests _guests;

@@ -31,6 +31,14 @@ bool StandInEngine::registerPlugin(const std::string&) {
   return false;
 }
 
+void StandInEngine::listenOn(const std::string& address) {
+  _server->listenOn(address);
+}
+
+const std::string& StandInEngine::address() const {
+  return _server->address();
+}
+
 std::vector<std::string> StandInEngine::pageAddresses() const {
   return _server->pageAddresses();
 }

@@ -62,6 +62,12 @@ class StandInEngine final : public UIEngine {
                     const Value& arguments) override;
   bool registerPlugin(const std::string& className) override;
 
+  /// Listens on another IP address, at the same port, and ends the connections that came in over
+  /// what is not listened on any more (close code 4003). Throws StandInEngineError and goes on as
+  /// before.
+  void listenOn(const std::string& address);
+  const std::string& address() const;
+
   /// The page's addresses with the run's token in the fragment, the best one for people first;
   /// more than one when the engine listens on every interface.
   std::vector<std::string> pageAddresses() const;

@@ -7,7 +7,7 @@ namespace tapdeck::standin {
 namespace {
 
 /// As long as other sources of the main loop may have to wait, apart from a single long request.
-constexpr std::chrono::milliseconds kTurn{5};
+constexpr std::chrono::milliseconds kTurn{2};
 /// A connection that was idle comes before those that were not, but cannot save up more than this.
 constexpr std::chrono::milliseconds kHeadStart{20};
 constexpr size_t kMaxWaitingBytes = size_t{16} << 10;

@@ -1,4 +1,4 @@
-#include "Platform/Linux/Application/PermissionRow.h"
+#include "Platform/Linux/Application/SwitchRow.h"
 
 #include <glibmm/main.h>
 
@@ -10,10 +10,8 @@ constexpr unsigned int kPointingMilliseconds = 4000;
 
 }  // namespace
 
-PermissionRow::PermissionRow(permissions::Permission permission, const Glib::ustring& title,
-                             const Glib::ustring& explanation)
+SwitchRow::SwitchRow(const Glib::ustring& title, const Glib::ustring& explanation)
     : Gtk::Box(Gtk::ORIENTATION_HORIZONTAL, 12),
-      _permission(permission),
       _title(title, Gtk::ALIGN_START),
       _explanation(explanation, Gtk::ALIGN_START) {
   _explanation.set_line_wrap();
@@ -28,19 +26,24 @@ PermissionRow::PermissionRow(permissions::Permission permission, const Glib::ust
   pack_start(_switch, Gtk::PACK_SHRINK);
   get_style_context()->add_class("row");
 
-  refresh();
-  _switch.property_active().signal_changed().connect([this] { decide(); });
+  _switch.property_active().signal_changed().connect([this] {
+    // A switch that follows the setting decides nothing.
+    if (_switch.get_active() == _shown) return;
+    _shown = _switch.get_active();
+    if (_decided) _decided(_shown);
+  });
 }
 
-PermissionRow::~PermissionRow() {
+SwitchRow::~SwitchRow() {
   _endOfPointing.disconnect();
 }
 
-void PermissionRow::refresh() {
-  _switch.set_active(permissions::isGranted(_permission));
+void SwitchRow::setOn(bool isOn) {
+  _shown = isOn;
+  _switch.set_active(isOn);
 }
 
-void PermissionRow::pointOut() {
+void SwitchRow::pointOut() {
   const auto style = get_style_context();
   style->add_class("pointed-out");
   _endOfPointing.disconnect();
@@ -51,12 +54,6 @@ void PermissionRow::pointOut() {
       },
       kPointingMilliseconds);
   _switch.grab_focus();
-}
-
-void PermissionRow::decide() {
-  // A switch that follows the settings decides nothing.
-  if (_switch.get_active() == permissions::isGranted(_permission)) return;
-  permissions::setGranted(_permission, _switch.get_active());
 }
 
 }  // namespace tapdeck

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <gtkmm/box.h>
+#include <gtkmm/label.h>
+#include <gtkmm/switch.h>
+
+#include <functional>
+#include <utility>
+
+namespace tapdeck {
+
+/// A setting with its switch and a line that explains it.
+class SwitchRow : public Gtk::Box {
+ public:
+  SwitchRow(const Glib::ustring& title, const Glib::ustring& explanation);
+  ~SwitchRow() override;
+
+  /// What is called when the user turns the switch.
+  void onDecided(std::function<void(bool)> decided) { _decided = std::move(decided); }
+  /// Shows the setting as it is; nothing is called.
+  void setOn(bool isOn);
+  /// Draws the eye to the row for a while and gives its switch the keyboard focus.
+  void pointOut();
+
+ private:
+  std::function<void(bool)> _decided;
+  bool _shown = false;
+  Gtk::Box _texts{Gtk::ORIENTATION_VERTICAL, 2};
+  Gtk::Label _title;
+  Gtk::Label _explanation;
+  Gtk::Switch _switch;
+  sigc::connection _endOfPointing;
+};
+
+}  // namespace tapdeck
