@@ -61,7 +61,9 @@ export function bindPresent(panel, { connection, queue, laser, pointer, settings
     if (/** @type {PointerEvent} */ (event).pointerType || event.detail > 0) return;
     note.attempt(() => laser.turn(!laser.on));
   });
-  panel.addEventListener("visibilitychange", () => { if (panel.hidden) end(); });
+  for (const source of [document, panel]) {
+    source.addEventListener("visibilitychange", () => { if (panel.hidden || document.hidden) end(); });
+  }
 }
 
 /** Starts at a tap, and stops and starts anew at the next ones. @param {HTMLElement} button */

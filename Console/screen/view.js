@@ -149,8 +149,12 @@ export class ScreenView {
   }
 
   #zoomed() {
-    this.#lay();
     clearTimeout(this.#zoomTimer);
+    if (this.#stage.clientWidth === 0) {
+      this.#width = 0;
+      return;
+    }
+    this.#lay();
     this.#zoomTimer = setTimeout(() => {
       this.#width = this.#wantedWidth();
       this.#lay();

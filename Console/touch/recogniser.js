@@ -146,7 +146,9 @@ export class Recogniser {
     this.tick(time);
     this.#fingers.delete(id);
     const last = this.#fingers.size === 0;
-    const quick = time - this.#startedAt <= (finger.mouse ? HOLD_AFTER : TAP_TIME);
+    // Where small movements mean nothing, a tap may take its time.
+    const unhurried = finger.mouse || this.options.places;
+    const quick = time - this.#startedAt <= (unhurried ? HOLD_AFTER : TAP_TIME);
     if (this.phase === "scrolling") this.#actions.scrolled(time);
     if (this.phase === "still" || this.phase === "moving") {
       if (quick && this.#tapping) this.#tap(finger.x, finger.y, time);

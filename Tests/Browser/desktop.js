@@ -244,9 +244,17 @@ export class Fingers {
     await this.#dispatch("touchEnd");
   }
 
+  /** A tap as quick as a person's, however slowly this machine sends it. */
   async tap(...places) {
-    for (const [index, [x, y]] of places.entries()) await this.put(index, x, y);
-    for (const index of places.keys()) await this.lift(index);
+    const start = Date.now() / 1000;
+    for (const [index, [x, y]] of places.entries()) {
+      this.#down.set(index, { id: index, x, y });
+      await this.#dispatch("touchStart", start + 0.01 * index);
+    }
+    for (const index of places.keys()) {
+      this.#down.delete(index);
+      await this.#dispatch("touchEnd", start + 0.08 + 0.01 * index);
+    }
   }
 
   async cancel() {
@@ -254,9 +262,9 @@ export class Fingers {
     await this.#dispatch("touchCancel");
   }
 
-  #dispatch(type) {
+  #dispatch(type, timestamp = undefined) {
     return this.#session.send("Input.dispatchTouchEvent",
-      { type, touchPoints: [...this.#down.values()] });
+      { type, touchPoints: [...this.#down.values()], timestamp });
   }
 }
 

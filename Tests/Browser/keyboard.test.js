@@ -81,15 +81,15 @@ test("a long text goes in pieces, one at a time, and can be stopped", async () =
   await page.click(".work .stop");
   line.release();
   await sends(`typeText ${"a".repeat(50)}`);
-  await page.waitForSelector(".work", { state: "hidden" });
+  await page.keyboard.press("Backspace");
+  await sends("keyPress backspace");
+
   line.hold();
   await paste("b".repeat(1000));
   await page.click(".paste-instead");
   line.release();
   await sends(`typeText ${"b".repeat(50)}`, `setClipboard ${"b".repeat(950)}`, "keyDown control", "keyPress v",
     "keyUp control");
-  await page.keyboard.press("Backspace");
-  await sends("keyPress backspace");
 });
 
 test("a modifier is tapped for the next key, tapped twice to lock, and let go of at every end", async () => {

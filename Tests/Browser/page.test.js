@@ -93,7 +93,7 @@ describe("the frame", () => {
             const box = control.getBoundingClientRect();
             const inside = box.left >= area.left - 0.5 && box.right <= innerWidth - area.right + 0.5
               && (scrolled || (box.top >= area.top - 0.5 && box.bottom <= innerHeight - area.bottom + 0.5));
-            const icon = control.querySelector("svg")?.getBoundingClientRect();
+            const icon = control.querySelector(":scope > svg")?.getBoundingClientRect();
             const tiny = icon && icon.width < 16;
             return inside && !tiny ? [] : [`${control.id || control.className || control.outerHTML.slice(0, 60)}: `
               + `${[box.left, box.top, box.right, box.bottom].map(Math.round)}`];
@@ -124,7 +124,7 @@ describe("the frame", () => {
 
   test("the page speaks German, shows its gestures once, and is where it was", async () => {
     const { opened, close } = await openWith({ locale: "de-AT" });
-    await opened.waitForSelector(`${CONNECTED} >> text=Verbunden`);
+    await opened.waitForSelector(`${CONNECTED} #tab-media >> text=Medien`);
     const shown = () => opened.locator("#pad-help").evaluate((help) => getComputedStyle(help).opacity > 0);
     assert.ok(await shown());
     await opened.touchscreen.tap(150, 300);
