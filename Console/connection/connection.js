@@ -23,6 +23,9 @@ const SLOW = new Set(["typeText", "mediaPlayPause", "mediaNext", "mediaPrevious"
   "getClipboard", "getVolumeLevel", "moveWindowToDisplay", "requestScreenPermission",
   "requestAccessibilityPermission", "openScreenRecordingSettings", "openAccessibilitySettings"]);
 
+/** After these nothing gets better by itself. @type {Set<Reason>} */
+const FINAL = new Set(["wrong-token", "forgotten", "disconnected"]);
+
 /** Why the host ended a line, by its close codes. @type {Record<number, Reason>} */
 const ENDED = { 4001: "forgotten", 4002: "disconnected", 4003: "network-off" };
 
@@ -188,6 +191,8 @@ export class Connection extends EventTarget {
     if (kind === "token") {
       const made = await ask("pair", {});
       if (made?.secret) this.#identity.become(made.secret);
+    } else {
+      this.#identity.dropToken();
     }
     this.#count(await ask("watch", null));
   }
@@ -233,7 +238,7 @@ export class Connection extends EventTarget {
     }
     if (reason === "forgotten") this.#identity.forget();
     if (reason === "forgotten" && this.#identity.token && !wasOpen) this.#open();
-    else if (reason !== "forgotten" && reason !== "disconnected") this.#scheduleRetry(reason !== "");
+    else if (!FINAL.has(reason)) this.#scheduleRetry(reason !== "");
   }
 
   /** @param {boolean} slowly */

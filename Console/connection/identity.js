@@ -40,7 +40,12 @@ export class Identity {
       return; // the address must go on saying who this is
     }
     this.#secret = secret;
-    history.replaceState(history.state, "", location.pathname);
+    this.dropToken();
+  }
+
+  /** The token is of no more use, and nobody should see it in the address. */
+  dropToken() {
+    if (location.hash) history.replaceState(history.state, "", location.pathname);
   }
 
   forget() {

@@ -16,11 +16,14 @@ export class Back {
   constructor(layers) {
     this.#layers = layers;
     window.addEventListener("popstate", () => this.#popped());
+    for (const type of ["click", "keyup"]) window.addEventListener(type, () => this.update());
   }
 
   /** To be called when a layer was opened or closed. */
   update() {
     const open = this.#layers.filter((layer) => layer.isOpen()).length;
+    // Browsers skip entries that no tap or key has led to.
+    if (open > this.#entries && navigator.userActivation?.isActive === false) return;
     for (; this.#entries < open; this.#entries++) history.pushState({ tapdeck: true }, "");
     const surplus = this.#entries - open;
     if (surplus === 0) return;

@@ -12,7 +12,7 @@ export function bindHelp(settings) {
   };
   surfaces.forEach((surface, at) => surface.addEventListener("pointerdown", () => {
     helps[at].classList.add("used");
-    if (at === 0 && !settings.values.helpSeen) settings.set("helpSeen", true);
+    if (!settings.values.helpSeen) settings.set("helpSeen", true);
   }));
   settings.addEventListener("change", (event) => {
     if (/** @type {CustomEvent} */ (event).detail === "helpSeen" && !settings.values.helpSeen) show();
