@@ -19,7 +19,8 @@ const only = process.argv[3];
 const host = await Host.start();
 const browser = await launchBrowser();
 const shows = (file, ...options) => spawn("xterm", [...options, "-e", "sh", "-c",
-  `fold -s -w 84 '${fileURLToPath(new URL(`../../${file}`, import.meta.url))}' | head -44; sleep 900`], { stdio: "ignore" });
+  `fold -s -w 84 '${fileURLToPath(new URL(`../../${file}`, import.meta.url))}' | head -44; sleep 900`],
+  { stdio: "ignore" });
 const windows = [
   shows("README.md", "-geometry", "86x46+40+40", "-bg", "#10151f", "-fg", "#d7e0f0"),
   shows("LICENSE", "-geometry", "86x30+640+420", "-bg", "#fbf7ee", "-fg", "#222"),

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "Platform/Clock.h"
-#include "Platform/Linux/StandInEngine/BrowserName.h"
 #include "Platform/Linux/Permissions.h"
 #include "Platform/Linux/Queues.h"
+#include "Platform/Linux/StandInEngine/BrowserName.h"
 #include "Platform/ProcessInfo.h"
 #include "Platform/Workspace.h"
 #include "Tests/Support/MainLoop.h"

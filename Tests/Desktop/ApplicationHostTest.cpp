@@ -93,13 +93,13 @@ TEST(HostTest, LetsTheNetworkInByTheSwitchAndRemembersIt) {
     if (connection != nullptr) g_object_unref(connection);
     return connection != nullptr;
   };
-  // the switch stands before that of the permission
+  // the switch stands two before that of the permission
   const auto turnSwitch = [] {
     outputOf({callProgram, "openAccessibilitySettings"});
     ASSERT_TRUE(eventually([] {
       return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "Tapdeck\n";
     }));
-    outputOf({"xdotool", "key", "shift+Tab", "space"});
+    outputOf({"xdotool", "key", "shift+Tab", "shift+Tab", "space"});
   };
   {
     RunningHost host;

@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <utility>
 
+#include "Platform/Linux/StandInEngine/Certificate.h"
+
 namespace tapdeck {
 
 RawClient::RawClient(uint16_t port) : _socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -49,9 +51,15 @@ Value requestMessage(int64_t id, const std::string& channel, const MethodCall& c
   return Value(Value::List{Value(id), Value(channel), Value(codec::encodeMethodCall(call))});
 }
 
-Page::Page(const std::string& url)
-    : _session(SOUP_SESSION(g_object_new(SOUP_TYPE_SESSION, "proxy-resolver", nullptr, nullptr))) {
+Page::Page(const std::string& url, std::string fingerprint)
+    : _fingerprint(std::move(fingerprint)),
+      _session(SOUP_SESSION(g_object_new(SOUP_TYPE_SESSION, "proxy-resolver", nullptr, nullptr))) {
   const standin::Object<SoupMessage> message(soup_message_new("GET", url.c_str()));
+  const auto accept = +[](SoupMessage*, GTlsCertificate* certificate, GTlsCertificateFlags,
+                          gpointer data) -> gboolean {
+    return standin::fingerprintOf(certificate) == static_cast<Page*>(data)->_fingerprint;
+  };
+  g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(accept), this);
   char subprotocol[] = "tapdeck.engine.v1";
   char* subprotocols[] = {subprotocol, nullptr};
   struct Attempt {

@@ -40,7 +40,8 @@ class RawClient {
 /// A page's connection, by libsoup's own client.
 class Page {
  public:
-  explicit Page(const std::string& url);
+  /// Over TLS only the certificate of that fingerprint is accepted.
+  explicit Page(const std::string& url, std::string fingerprint = "");
   ~Page();
 
   bool isOpen() const;
@@ -58,6 +59,7 @@ class Page {
   const std::vector<Value>& messages() const { return _messages; }
 
  private:
+  std::string _fingerprint;
   standin::Object<SoupSession> _session;
   standin::Object<SoupWebsocketConnection> _socket;
   std::vector<Value> _messages;

@@ -162,6 +162,44 @@ TEST_F(StandInHttp, ListensInTheNetworkAndStopsAgain) {
   openPage();
 }
 
+TEST_F(StandInHttp, EncryptsForTheNetwork) {
+  const std::string certificate = runtimeDirectory.path / "certificate.pem";
+  engine.reset();
+  engine = StandInEngine::start({.address = "0.0.0.0",
+                                 .port = 0,
+                                 .devicesFile = devicesFile(),
+                                 .isEncrypted = true,
+                                 .certificateFile = certificate});
+  // this computer by another of its addresses, in the place of a network's
+  const std::string there = "127.0.0.2:" + std::to_string(port());
+  const auto local = openPage();
+  Page guest("wss://" + there + enginePath(), engine->fingerprint());
+  ASSERT_TRUE(guest.isOpen());
+  recordCalls();
+  // more than one TLS record, both ways
+  guest.call(1, kControl, {"x", Value(ValueMap{{"text", Value(std::string(100'000, 'x'))}})});
+  EXPECT_TRUE(guest.waitForMessages(1));
+  engine->invokeMethod("c", "m", Value(Value::Bytes(3'000'000, 'x')));
+  EXPECT_TRUE(guest.waitForMessages(2));
+  EXPECT_FALSE(Page("ws://" + there + enginePath()).isOpen());
+  const auto addresses = engine->pageAddresses();
+  EXPECT_THAT(addresses.back(), StartsWith("http://127.0.0.1:"));
+  for (size_t i = 0; i + 1 < addresses.size(); ++i) {
+    EXPECT_THAT(addresses[i], StartsWith("https://"));
+  }
+  EXPECT_EQ(std::filesystem::status(certificate).permissions(),
+            std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+
+  const std::string fingerprint = engine->fingerprint();
+  EXPECT_THAT(fingerprint, testing::SizeIs(32 * 3 - 1));
+  engine->setEncrypted(false);
+  EXPECT_EQ(guest.waitForClose(), 4003);
+  EXPECT_TRUE(local->isOpen());
+  EXPECT_TRUE(Page("ws://" + there + enginePath()).isOpen());
+  engine->setEncrypted(true);
+  EXPECT_EQ(engine->fingerprint(), fingerprint) << "another certificate";
+}
+
 TEST_F(StandInHttp, SessionFile) {
   const auto session = readSession().value();
   EXPECT_EQ(session.token.size(), 32u);

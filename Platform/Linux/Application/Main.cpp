@@ -73,6 +73,9 @@ void printAddress(const StandInEngine& engine) {
     const std::string address = engine.pageAddresses().front();
     if (engine.address() != kThisComputer) std::fputs(qrLines(address).c_str(), stdout);
     std::printf("Tapdeck: %s\n", address.c_str());
+    if (engine.isEncrypted()) {
+      std::printf("The certificate's SHA-256 fingerprint: %s\n", engine.fingerprint().c_str());
+    }
   } else {
     std::printf("Tapdeck: the page's address is in %s\n", sessionFilePath().c_str());
   }
@@ -96,6 +99,7 @@ void serve(const Options& options) {
   engineOptions.port = options.port;
   engineOptions.address = options.address.value_or(
       platform::userDefaultsBool(kAllowNetwork) ? kEveryAddress : kThisComputer);
+  engineOptions.isEncrypted = options.isEncrypted || platform::userDefaultsBool(kEncryptNetwork);
   const auto engine = StandInEngine::start(engineOptions);
   const auto state = std::make_shared<MainFlutterWindow>();
   wakeMainWindow(state, engine);

@@ -8,6 +8,7 @@
 #include <gtkmm/cssprovider.h>
 #include <gtkmm/image.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -37,6 +38,9 @@ list.card { background-color: @theme_base_color; }
 .row + .row { border-top: 1px solid @borders; }
 .pointed-out { background-color: alpha(@theme_selected_bg_color, 0.35); }
 )";
+
+/// Of the list of devices, in points; four rows.
+constexpr int kMaxListHeight = 220;
 
 void installStyle() {
   const auto provider = Gtk::CssProvider::create();
@@ -89,8 +93,11 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
       _networkAddress(std::move(networkAddress)),
       _quit(std::move(quit)),
       _nobody("No device is connected or paired."),
-      _lan("Allow phones in this network",
-           "Everybody in the network can try to connect, and can read what is sent."),
+      _lan("Allow phones in this network", "Everybody in the network can try to connect."),
+      _tls("Encrypt what is sent",
+           "While this is off, everybody in the network can read along. While it is on, browsers "
+           "ask "
+           "once whether to trust this computer's certificate."),
       _control("Allow control of pointer and keyboard",
                "Moves, clicks, scrolling, keys and text arrive at your applications."),
       _screen("Allow the screen to be seen", "The page may show what the displays show."),
@@ -150,7 +157,9 @@ void MainWindow::buildContents() {
   _nobody.show();
   _peers.set_selection_mode(Gtk::SELECTION_NONE);
   _peers.set_placeholder(_nobody);
-  addSection("Devices", _peers);
+  _peersView.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
+  _peersView.add(_peers);
+  addSection("Devices", _peersView);
   for (Gtk::Label* label : {&_wrongSecrets, &_failure}) {
     label->set_no_show_all();
     label->set_line_wrap();
@@ -160,7 +169,17 @@ void MainWindow::buildContents() {
   }
 
   _lan.onDecided([this](bool isAllowed) { allowNetwork(isAllowed); });
+  _tls.onDecided([this](bool isEncrypted) { encryptNetwork(isEncrypted); });
   _network.pack_start(_lan, Gtk::PACK_SHRINK);
+  _network.pack_start(_tls, Gtk::PACK_SHRINK);
+  _fingerprint.set_no_show_all();
+  _fingerprint.set_selectable();
+  _fingerprint.set_line_wrap();
+  _fingerprint.set_line_wrap_mode(Pango::WRAP_CHAR);
+  _fingerprint.set_xalign(0);
+  _fingerprint.get_style_context()->add_class("row");
+  _fingerprint.get_style_context()->add_class("small");
+  _network.pack_start(_fingerprint, Gtk::PACK_SHRINK);
   addSection("Network", _network);
 
   _control.onDecided(
@@ -230,12 +249,27 @@ void MainWindow::refreshConnections() {
         {{"Disconnect", [this, number = peer.connection] { _engine->disconnect(number); }}}));
   }
   _peers.show_all_children();
+  int minimum = 0;
+  int natural = 0;
+  _peers.get_preferred_height(minimum, natural);
+  _peersView.set_min_content_height(std::min(natural, kMaxListHeight));
   const auto wrong = _engine->wrongSecrets();
   _wrongSecrets.set_text(
       Glib::ustring::compose("Refused for a wrong code since the start: %1", wrong));
   _wrongSecrets.set_visible(wrong > 0);
   _address.setAddresses(_engine->pageAddresses());
   _lan.setOn(_engine->address() != kThisComputer);
+  _tls.setOn(_engine->isEncrypted());
+  _fingerprint.set_text("The certificate's SHA-256 fingerprint: " + _engine->fingerprint());
+  _fingerprint.set_visible(_engine->isEncrypted());
+}
+
+void MainWindow::encryptNetwork(bool isEncrypted) {
+  attempt([&] {
+    _engine->setEncrypted(isEncrypted);
+    platform::setUserDefaultsBool(kEncryptNetwork, isEncrypted);
+  });
+  refreshConnections();
 }
 
 void MainWindow::allowNetwork(bool isAllowed) {

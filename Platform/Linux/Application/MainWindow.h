@@ -8,6 +8,7 @@
 #include <gtkmm/menubutton.h>
 #include <gtkmm/modelbutton.h>
 #include <gtkmm/popover.h>
+#include <gtkmm/scrolledwindow.h>
 #include <gtkmm/window.h>
 
 #include <functional>
@@ -42,6 +43,7 @@ class MainWindow : public Gtk::Window {
   void refreshPermissions();
   void refreshConnections();
   void allowNetwork(bool isAllowed);
+  void encryptNetwork(bool isEncrypted);
   /// Does what may fail, and says so on the window.
   void attempt(const std::function<void()>& action);
   void ask(permissions::Permission permission);
@@ -65,10 +67,13 @@ class MainWindow : public Gtk::Window {
   /// Before the list whose placeholder it is, which must go first.
   Gtk::Label _nobody;
   Gtk::ListBox _peers;
+  Gtk::ScrolledWindow _peersView;
   Gtk::Label _wrongSecrets;
   Gtk::Label _failure;
   Gtk::Box _network{Gtk::ORIENTATION_VERTICAL};
   SwitchRow _lan;
+  SwitchRow _tls;
+  Gtk::Label _fingerprint;
   Gtk::Box _permissions{Gtk::ORIENTATION_VERTICAL};
   SwitchRow _control;
   SwitchRow _screen;

@@ -37,6 +37,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
   char* port = nullptr;
   char* address = nullptr;
   gboolean lan = FALSE;
+  gboolean tls = FALSE;
   gboolean show = FALSE;
   gboolean version = FALSE;
   const GOptionEntry entries[] = {
@@ -46,6 +47,8 @@ std::optional<Options> parseOptions(int argc, char** argv) {
        "The IP address to listen on; 0.0.0.0 is the same as --lan", "ADDRESS"},
       {"lan", 0, 0, G_OPTION_ARG_NONE, &lan,
        "Let phones in this network in, as the switch in the window does", nullptr},
+      {"tls", 0, 0, G_OPTION_ARG_NONE, &tls,
+       "Encrypt what goes over the network, with a certificate of this computer", nullptr},
       {"show", 0, 0, G_OPTION_ARG_NONE, &show,
        "Bring back the window of the host that runs already, and print its address", nullptr},
       {"version", 0, 0, G_OPTION_ARG_NONE, &version, "Print the version", nullptr},
@@ -70,6 +73,7 @@ std::optional<Options> parseOptions(int argc, char** argv) {
     if (!number) return complain("the port is a number from 0 to 65535.");
     options.port = *number;
   }
+  options.isEncrypted = tls != FALSE;
   if (show) options.action = Options::Action::show;
   if (version) options.action = Options::Action::printVersion;
   return options;

@@ -6,8 +6,9 @@
 
 namespace tapdeck {
 
-/// The user's setting of the switch in the window.
+/// The user's settings of the switches in the window.
 inline constexpr const char* kAllowNetwork = "allowNetwork";
+inline constexpr const char* kEncryptNetwork = "encryptNetwork";
 inline constexpr const char* kThisComputer = "127.0.0.1";
 inline constexpr const char* kEveryAddress = "0.0.0.0";
 
@@ -18,6 +19,8 @@ struct Options {
   /// Absent for what the user last chose in the window.
   std::optional<std::string> address;
   uint16_t port = 8420;
+  /// Encrypt the network's connections; else what the user last chose.
+  bool isEncrypted = false;
 };
 
 /// Reads the command line. Prints the help and ends the process at "--help"; absent, with a message

@@ -73,7 +73,12 @@ void putRoutedFirst(std::vector<Object<GInetAddress>>& addresses, GSocketFamily 
 
 }  // namespace
 
-std::vector<std::string> originsFor(const std::string& address, uint16_t port) {
+bool isEncryptedAt(GInetAddress* local) {
+  const Object<GInetAddress> usual(g_inet_address_new_loopback(g_inet_address_get_family(local)));
+  return g_inet_address_equal(local, usual.get()) == FALSE;
+}
+
+std::vector<std::string> originsFor(const std::string& address, uint16_t port, bool isEncrypted) {
   Object<GInetAddress> own(g_inet_address_new_from_string(address.c_str()));
   if (!own) return {};
   std::vector<Object<GInetAddress>> addresses;
@@ -86,7 +91,10 @@ std::vector<std::string> originsFor(const std::string& address, uint16_t port) {
   addresses.push_back(std::move(own));
   std::vector<std::string> origins;
   origins.reserve(addresses.size());
-  for (const auto& each : addresses) origins.push_back("http://" + authorityOf(each.get(), port));
+  for (const auto& each : addresses) {
+    const char* scheme = isEncrypted && isEncryptedAt(each.get()) ? "https://" : "http://";
+    origins.push_back(scheme + authorityOf(each.get(), port));
+  }
   return origins;
 }
 

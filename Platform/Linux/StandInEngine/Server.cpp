@@ -8,6 +8,7 @@
 #include "Platform/Linux/SessionFile.h"
 #include "Platform/Linux/StandInEngine/Access.h"
 #include "Platform/Linux/StandInEngine/Addresses.h"
+#include "Platform/Linux/StandInEngine/Certificate.h"
 
 namespace tapdeck {
 
@@ -29,11 +30,17 @@ const char* header(SoupServerMessage* message, const char* name) {
   return soup_message_headers_get_list(soup_server_message_get_request_headers(message), name);
 }
 
-std::string policyFor(const char* host) {
+/// The address by which what stays within the computer arrives.
+bool isUsual(GSocketAddress* local) {
+  return !standin::isEncryptedAt(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(local)));
+}
+
+std::string policyFor(const char* host, bool isEncrypted) {
   // Some browsers do not count WebSocket as part of 'self'.
   return "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data: blob:; "
-         "manifest-src 'self'; connect-src 'self' ws://" +
-         std::string(host) + "; frame-ancestors 'none'; base-uri 'none'; form-action 'none'";
+         "manifest-src 'self'; connect-src 'self' " +
+         std::string(isEncrypted ? "wss://" : "ws://") + host +
+         "; frame-ancestors 'none'; base-uri 'none'; form-action 'none'";
 }
 
 void setProtectiveHeaders(SoupServerMessage* message) {
@@ -108,7 +115,7 @@ std::string whyNotListening(const StandInEngine::Options& options, const GError&
 StandInEngine::Server::Server(Options options)
     : _options(std::move(options)),
       _token(randomDigits(16)),
-      // The path is looked up as it was sent; nothing in it is decoded.
+      // libsoup still resolves dots and decodes letters; what is left is looked up as it stands
       _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))),
       _pending(_options.pendingLimit),
       _turns([this](uint64_t connection, const Request& request) {
@@ -118,6 +125,7 @@ StandInEngine::Server::Server(Options options)
       _devices(_options.devicesFile) {}
 
 void StandInEngine::Server::start() {
+  if (_options.isEncrypted) useCertificate();
   listen();
   const auto owner = [this] { return new Weak(weak_from_this()); };
   const GDestroyNotify disown = [](gpointer data) { delete static_cast<Weak*>(data); };
@@ -172,6 +180,39 @@ void StandInEngine::Server::listenOn(const std::string& address) {
   peersChanged();
 }
 
+void StandInEngine::Server::useCertificate() {
+  try {
+    _certificate = ownCertificate(_options.certificateFile);
+  } catch (const std::runtime_error& error) {
+    throw StandInEngineError(error.what());
+  }
+}
+
+void StandInEngine::Server::setEncrypted(bool isEncrypted) {
+  if (isEncrypted == this->isEncrypted()) return;
+  if (isEncrypted) {
+    useCertificate();
+  } else {
+    _certificate.reset();
+  }
+  const auto connections = _connections;
+  for (const auto& connection : connections) {
+    const auto local = connection->localAddress();
+    if (local && !isUsual(local.get())) {
+      connection->close(kNetworkOff, "encryption was switched");
+    }
+  }
+  peersChanged();
+}
+
+std::string StandInEngine::Server::fingerprint() const {
+  return _certificate ? fingerprintOf(_certificate.get()) : "";
+}
+
+bool StandInEngine::Server::isEncryptedAt(GSocketAddress* local) const {
+  return isEncrypted() && !isUsual(local);
+}
+
 bool StandInEngine::Server::isServedAt(GSocketAddress* local) const {
   if (!G_IS_INET_SOCKET_ADDRESS(local)) return false;
   const Object<GInetAddress> own(g_inet_address_new_from_string(_options.address.c_str()));
@@ -207,8 +248,13 @@ void StandInEngine::Server::takeIn(Object<GSocketConnection> accepted) {
       g_socket_connection_get_remote_address(accepted.get(), nullptr));
   if (!local || !remote) return;
   _pending.add(accepted.get(), remote.get());
-  soup_server_accept_iostream(_http.get(), G_IO_STREAM(accepted.get()), local.get(), remote.get(),
-                              nullptr);
+  Object<GIOStream> stream(G_IO_STREAM(g_object_ref(accepted.get())));
+  if (isEncryptedAt(local.get())) {
+    stream.reset(
+        g_tls_server_connection_new(G_IO_STREAM(accepted.get()), _certificate.get(), nullptr));
+    if (!stream) return;
+  }
+  soup_server_accept_iostream(_http.get(), stream.get(), local.get(), remote.get(), nullptr);
 }
 
 void StandInEngine::Server::stop() {
@@ -236,7 +282,8 @@ void StandInEngine::Server::admit(SoupServerMessage* message) {
     return;
   }
   soup_message_headers_replace(soup_server_message_get_response_headers(message),
-                               "Content-Security-Policy", policyFor(host).c_str());
+                               "Content-Security-Policy",
+                               policyFor(host, isEncryptedAt(local)).c_str());
   const std::string_view method = soup_server_message_get_method(message);
   if (method != "GET" && method != "HEAD") {
     soup_message_headers_replace(soup_server_message_get_response_headers(message), "Allow",
@@ -294,7 +341,9 @@ void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable*
     slowDown(message);
     return;
   }
-  if (!isOwnOrigin(header(message, "Origin"), "http", header(message, "Host"))) {
+  const bool isEncrypted = isEncryptedAt(soup_server_message_get_local_address(message));
+  if (!isOwnOrigin(header(message, "Origin"), isEncrypted ? "https" : "http",
+                   header(message, "Host"))) {
     refuse(message, SOUP_STATUS_FORBIDDEN, "Wrong origin");
     return;
   }
@@ -522,7 +571,7 @@ void StandInEngine::Server::invokeMethod(const std::string& channel, const Metho
 }
 
 std::vector<std::string> StandInEngine::Server::pageAddresses() const {
-  std::vector<std::string> addresses = originsFor(_options.address, _port);
+  std::vector<std::string> addresses = originsFor(_options.address, _port, isEncrypted());
   for (std::string& address : addresses) address += "/#" + _token;
   return addresses;
 }

@@ -36,6 +36,9 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   void stop();
   void listenOn(const std::string& address);
   const std::string& address() const { return _options.address; }
+  void setEncrypted(bool isEncrypted);
+  bool isEncrypted() const { return _certificate != nullptr; }
+  std::string fingerprint() const;
 
   void setMethodCallHandler(const std::string& channel, MethodCallHandler handler);
   void invokeMethod(const std::string& channel, const MethodCall& call);
@@ -59,10 +62,12 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
     std::optional<standin::Device> device;
   };
 
+  void useCertificate();
   void listen();
   void writeSessionFile() const;
   /// Whether what arrived at this address of ours may stay.
   bool isServedAt(GSocketAddress* local) const;
+  bool isEncryptedAt(GSocketAddress* local) const;
   void takeIn(standin::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
@@ -96,6 +101,8 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   uint16_t _port = 0;
   standin::Page _page;
   standin::Object<SoupServer> _http;
+  /// Of the network's connections; null while they are not encrypted.
+  standin::Object<GTlsCertificate> _certificate;
   std::unique_ptr<standin::Listener> _listener;
   standin::PendingConnections _pending;
   std::vector<std::shared_ptr<Connection>> _connections;

@@ -39,6 +39,18 @@ const std::string& StandInEngine::address() const {
   return _server->address();
 }
 
+void StandInEngine::setEncrypted(bool isEncrypted) {
+  _server->setEncrypted(isEncrypted);
+}
+
+bool StandInEngine::isEncrypted() const {
+  return _server->isEncrypted();
+}
+
+std::string StandInEngine::fingerprint() const {
+  return _server->fingerprint();
+}
+
 std::vector<std::string> StandInEngine::pageAddresses() const {
   return _server->pageAddresses();
 }

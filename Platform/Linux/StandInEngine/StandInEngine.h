@@ -34,6 +34,9 @@ class StandInEngine final : public UIEngine {
     std::chrono::milliseconds pendingLimit = std::chrono::seconds(10);
     /// Where the paired devices are kept; empty for the user's data folder.
     std::string devicesFile = "";
+    /// Whether connections over the network are encrypted, and with which certificate; as above.
+    bool isEncrypted = false;
+    std::string certificateFile = "";
   };
   /// One open connection, for people to read.
   struct Peer {
@@ -67,6 +70,13 @@ class StandInEngine final : public UIEngine {
   /// before.
   void listenOn(const std::string& address);
   const std::string& address() const;
+
+  /// Whether connections over the network are encrypted (those to 127.0.0.1 are not). A change ends
+  /// them (close code 4003). Throws StandInEngineError, with nothing changed.
+  void setEncrypted(bool isEncrypted);
+  bool isEncrypted() const;
+  /// Of the certificate, as browsers show it; empty while nothing is encrypted.
+  std::string fingerprint() const;
 
   /// The page's addresses with the run's token in the fragment, the best one for people first;
   /// more than one when the engine listens on every interface.
