@@ -48,7 +48,6 @@ async function moves(roundTrip) {
   calls.moveMouse = 0;
   for (let step = 0; performance.now() - start < SECONDS * 1000; step++) {
     await fingers.drag([1], step % 40 < 20 ? 4 : -4, 0, 1);
-    await sleep(4);
   }
   const rate = calls.moveMouse / ((performance.now() - start) / 1000);
   await page.context().close();
