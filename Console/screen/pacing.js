@@ -5,6 +5,8 @@ import { Flight } from "../connection/flight.js";
 const FIRST_DELAY = 20;
 const GROWTH = 1.6;
 const MAX_DELAY = 100;
+/** What moves may be the same for so many pictures in a row. */
+const STILL_AFTER = 3;
 /** A screen that has stood still for so long (ms) is asked for only so often. */
 const RESTING_AFTER = 3000;
 const RESTING_DELAY = 350;
@@ -21,6 +23,8 @@ export class Pacing {
   #delay = 0;
   #nextAt = 0;
   #stillSince = 0;
+  /** How many pictures in a row were the same. */
+  #same = 0;
 
   constructor() {
     this.#flight = new Flight(1);
@@ -48,7 +52,7 @@ export class Pacing {
   /** The picture was another one: what moves is followed as closely as the line allows. @param {number} now */
   changed(now) {
     this.#ended(now);
-    this.#delay = 0;
+    this.#delay = this.#same = 0;
     this.#stillSince = now;
   }
 
@@ -56,7 +60,7 @@ export class Pacing {
   unchanged(now, pointerMoved = false) {
     this.#ended(now);
     // What is under way already asks for what may have changed meanwhile.
-    if (this.#several.count > 0) return;
+    if (this.#several.count > 0 && ++this.#same <= STILL_AFTER) return;
     const rests = now - this.#stillSince > RESTING_AFTER && this.#delay >= MAX_DELAY;
     const longer = Math.min(MAX_DELAY, Math.max(FIRST_DELAY, this.#delay * GROWTH));
     this.#delay = pointerMoved ? Math.min(longer, POINTER_DELAY) : rests ? RESTING_DELAY : longer;
