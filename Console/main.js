@@ -1,107 +1,126 @@
 // Puts the page together.
 
-import { AppList } from "./apps.js";
-import { AppView } from "./appview.js";
-import { bindMouseButton } from "./buttons.js";
-import { bindClipboard } from "./clipboard.js";
-import { Connection } from "./connection.js";
-import { DisplayList, DisplayView } from "./displays.js";
-import { Keyboard } from "./keyboard.js";
-import { System } from "./keys.js";
-import { Laser } from "./laser.js";
-import { bindLoginItem } from "./loginitem.js";
-import { MediaView } from "./mediaview.js";
-import { bindModifier, Modifiers } from "./modifiers.js";
-import { bindPermissionCard, Permissions } from "./permissions.js";
-import { RemotePointer } from "./pointer.js";
-import { ScreenView } from "./screenview.js";
-import { bindScrollStrip, Momentum } from "./scrolling.js";
-import { bindTabs } from "./tabs.js";
-import { Touchpad } from "./touchpad.js";
-import { TypingQueue } from "./typing.js";
+import { AppList } from "./apps/apps.js";
+import { AppView } from "./apps/appview.js";
+import { Connection } from "./connection/connection.js";
+import { Identity } from "./connection/identity.js";
+import { Line } from "./connection/line.js";
+import { Keyboard } from "./keyboard/keyboard.js";
+import { modifierName } from "./keyboard/keys.js";
+import { bindModifier, Modifiers } from "./keyboard/modifiers.js";
+import { TypingQueue } from "./keyboard/typing.js";
+import { TypingBar } from "./keyboard/typingbar.js";
+import { MediaView } from "./media/mediaview.js";
+import { bindClipboard } from "./more/clipboard.js";
+import { DisplayList, DisplayView } from "./more/displays.js";
+import { bindPower } from "./more/power.js";
+import { bindPresent } from "./present/view.js";
+import { Laser } from "./screen/laser.js";
+import { bindLaser, bindMode, bindWindow, FullScreen } from "./screen/tools.js";
+import { ScreenView } from "./screen/view.js";
+import { bindLoginItem } from "./settings/loginitem.js";
+import { bindPermissionBanner, bindPermissionCard } from "./settings/permissions.js";
+import { Settings } from "./settings/settings.js";
+import { bindSettings } from "./settings/view.js";
+import { chooseLanguage, writeTexts } from "./text/text.js";
+import { bindMouseButton } from "./touch/buttons.js";
+import { RemotePointer } from "./touch/pointer.js";
+import { bindScrollStrip, Momentum } from "./touch/scrolling.js";
+import { Touchpad } from "./touch/touchpad.js";
+import { Back } from "./ui/back.js";
+import { all, byId, one } from "./ui/dom.js";
+import { bindHelp } from "./ui/help.js";
+import { bindLinePanel } from "./ui/linepanel.js";
+import { Note } from "./ui/note.js";
+import { Places } from "./ui/places.js";
+import { keepAwake } from "./ui/wakelock.js";
 
-const STATES = {
-  "connecting": ["Connecting…", ""],
-  "connected": ["Connected", ""],
-  "no-token": ["Not connected", "This address has no token. Open the whole address that the host "
-    + "shows, with everything after the # sign, or scan its code."],
-  "refused": ["Refused", "The host does not take this page in. Its address changes with every start: "
-    + "open the one that it shows now. If it is this one, too many pages are open already."],
-  "unreachable": ["Host not reachable", "The host does not answer. Check that it is running and that "
-    + "this device is on the same network. This page goes on trying."],
-};
+const settings = new Settings();
+document.documentElement.lang = chooseLanguage(settings.values.language, navigator.languages);
+writeTexts(document);
 
-const byId = (id) => document.getElementById(id);
-const controlBanners = document.querySelectorAll(".control-banner");
-const token = () => decodeURIComponent(location.hash.slice(1));
-
-const connection = new Connection(token());
+const connection = new Connection(new Identity());
+const line = new Line(connection);
 const displays = new DisplayList(connection);
 const pointer = new RemotePointer(connection, () => displays.records);
-const permissions = new Permissions(connection);
-const momentum = new Momentum((x, y) => pointer.scroll(x, y));
-const touchpad = new Touchpad(byId("pad"), pointer, momentum);
+const momentum = new Momentum((x, y) => pointer.scroll(x, y), settings);
+const steering = { connection, displays, line, pointer, momentum, settings };
+const touchpad = new Touchpad(byId("pad"), steering);
 const laser = new Laser(connection);
-const { picture } = new ScreenView(byId("panel-screen"),
-  { connection, displays, permissions, pointer, momentum, laser });
-const system = new System(document.body.dataset.system);
+const screenPanel = byId("panel-screen");
+const screenView = new ScreenView(screenPanel, { ...steering, laser });
+const fullScreen = new FullScreen(screenPanel);
 const queue = new TypingQueue(connection);
 const modifiers = new Modifiers(connection, queue);
-const keyboard = new Keyboard(byId("panel-keyboard"), connection, queue, modifiers, system);
+const keyboard = new Keyboard(connection, queue, modifiers);
+const typingBar = new TypingBar(keyboard);
+const places = new Places(settings);
+const awake = keepAwake(() => connection.connected);
 
-// Modifiers are held from one section to the next, for a click with Shift, say.
-function changeSection() {
+const dialog = bindPower(byId("panel-power"), connection, () => back.update());
+const back = new Back([
+  { isOpen: () => dialog.open, close: () => dialog.close() },
+  { isOpen: () => typingBar.isOpen, close: () => typingBar.close() },
+  { isOpen: () => fullScreen.isOpen, close: () => fullScreen.close() },
+  { isOpen: () => !places.isFirst, close: () => places.showFirst() },
+]);
+
+// Modifiers are held from one place to the next, for a click with Shift, say.
+function endGestures() {
   touchpad.cancel();
-  picture.cancel();
+  screenView.picture.cancel();
   pointer.releaseAll();
   keyboard.rest();
 }
 
 function letGo() {
-  changeSection();
+  endGestures();
   modifiers.releaseAll();
 }
 
-function showState() {
-  const [status, advice] = STATES[connection.state];
-  document.body.dataset.state = connection.state;
-  byId("status-text").textContent = status;
-  byId("advice").textContent = advice;
-  byId("advice").hidden = !advice;
-  if (connection.connected) return;
-  touchpad.cancel();
-  picture.cancel();
-}
-
-function showPermissions() {
-  const { control, screen } = permissions.granted;
-  for (const banner of controlBanners) banner.hidden = control !== false;
-  byId("permission-mark").hidden = control !== false && screen !== false;
-}
-
-for (const button of document.querySelectorAll("[data-button]")) bindMouseButton(button, pointer);
-for (const button of document.querySelectorAll("[data-modifier]")) {
-  bindModifier(button, modifiers, system);
-}
+for (const button of all(document, "[data-button]")) bindMouseButton(button, pointer);
+for (const button of all(document, "[data-modifier]")) bindModifier(button, modifiers, modifierName);
+pointer.addEventListener("clicked", () => modifiers.used());
 bindScrollStrip(byId("scroll-strip"), momentum);
-for (const card of document.querySelectorAll("[data-permission]")) {
-  bindPermissionCard(card, permissions);
-}
+const screenNote = new Note(one(screenPanel, ".outcome"));
+bindLaser(laser, screenNote);
+bindMode(settings);
+bindWindow(connection, displays, screenView, screenNote);
+for (const card of all(document, "[data-permission]")) bindPermissionCard(card, line);
+bindPermissionBanner(line);
 bindClipboard(byId("panel-clipboard"), connection);
+bindSettings(byId("panel-settings"), settings);
 bindLoginItem(byId("panel-settings"), connection);
-new AppView(byId("panel-apps"), new AppList(connection), connection);
+bindPresent(byId("panel-present"), { connection, queue, laser, pointer, settings });
+new AppView(byId("panel-apps"), new AppList(connection), connection, settings);
 new MediaView(byId("panel-media"), connection);
 new DisplayView(byId("panel-displays"), displays, pointer, connection);
-const showTab = bindTabs(byId("tabs"), changeSection);
-for (const banner of controlBanners) {
-  banner.querySelector("button").addEventListener("click", () => showTab("tab-settings"));
-}
+bindHelp(settings);
+bindLinePanel(connection);
 
-permissions.addEventListener("change", showPermissions);
-connection.addEventListener("state", showState);
-document.addEventListener("visibilitychange", () => { if (document.hidden) letGo(); });
+places.addEventListener("change", () => {
+  endGestures();
+  fullScreen.close();
+  typingBar.close();
+  keyboard.moveField(places.current === "keyboard");
+  back.update();
+});
+for (const opened of [typingBar, fullScreen]) opened.addEventListener("change", () => back.update());
+settings.addEventListener("change", () => { byId("pad").dataset.strip = settings.values.strip; });
+byId("pad").dataset.strip = settings.values.strip;
+
+connection.addEventListener("state", () => {
+  awake();
+  if (connection.connected) return;
+  touchpad.cancel();
+  screenView.picture.cancel();
+});
+document.addEventListener("visibilitychange", () => {
+  awake();
+  if (document.hidden) letGo();
+});
 window.addEventListener("blur", letGo);
-window.addEventListener("hashchange", () => connection.setToken(token()));
+window.addEventListener("hashchange", () => { if (location.hash) connection.start(); });
 window.addEventListener("pagehide", () => {
   letGo();
   laser.leave();
@@ -109,5 +128,5 @@ window.addEventListener("pagehide", () => {
 });
 window.addEventListener("pageshow", ({ persisted }) => { if (persisted) connection.start(); });
 
-showState();
+places.start();
 connection.start();

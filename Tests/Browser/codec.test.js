@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 
 import { decodeMessage, decodeMethodCall, decodeReply, encodeMessage, encodeMethodCall }
-  from "../../Console/codec.js";
+  from "../../Console/connection/codec.js";
 
 const bytes = (hex) => Uint8Array.from(Buffer.from(hex.replaceAll(" ", ""), "hex"));
 

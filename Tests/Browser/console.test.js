@@ -1,12 +1,12 @@
 import assert from "node:assert/strict";
 import { mkdir, rm, writeFile } from "node:fs/promises";
-import { join } from "node:path";
+import { dirname, join } from "node:path";
 import { describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { allow, CONNECTED, copyOnComputer, eventually, exec, launchBrowser, pasteOnComputer,
+import { allow, CONNECTED, copyOnComputer, eventually, exec, go, launchBrowser, pasteOnComputer,
   pointerPlace, putPointer, useMouseAt } from "./desktop.js";
-import { center, fingers, host, pad, page, replaceHost, witness } from "./setup.js";
+import { center, fingers, host, pad, page, witness } from "./setup.js";
 
 const HOLD = 700;
 
@@ -82,19 +82,11 @@ describe("touchpad", () => {
       await target.bringToFront();
       const [x, y] = await target.evaluate(() =>
         [screenX + outerWidth / 2, screenY + outerHeight / 2].map(Math.round));
-      await page.evaluate(async () => {
-        const { Connection } = await import("/connection.js");
-        window.connection = new Connection(decodeURIComponent(location.hash.slice(1)));
-        const connected = new Promise((resolve) => {
-          connection.addEventListener("state", () => connection.connected && resolve());
-        });
-        window.connection.start();
-        await connected;
-      });
+      const call = join(dirname(process.env.TAPDECK_HOST), "tapdeck-call");
       for (let count = 1; count <= 40; count++) {
         // elsewhere, lest it counts on from the last one
         await putPointer(x + 60 * (count % 2), y);
-        await page.evaluate(() => window.connection.call("doubleClick"));
+        await exec(call, ["doubleClick"]);
         await eventually("two clicks", () => target.evaluate((all) => clicks === all, 2 * count));
       }
       assert.equal(await target.evaluate("doubleClicks"), 40);
@@ -182,7 +174,7 @@ describe("scrolling", () => {
 
 describe("sections", () => {
   test("displays are redrawn at a change and take the pointer", async () => {
-    await page.click("#tab-displays");
+    await go(page, "displays");
     await page.waitForFunction(() => document.querySelectorAll(".display").length === 1);
     await exec("xrandr", ["--setmonitor", "narrow", "600/150x1200/300+0+0", "screen"]);
     try {
@@ -203,7 +195,7 @@ describe("sections", () => {
   });
 
   test("the clipboard goes both ways", async () => {
-    await page.click("#tab-clipboard");
+    await go(page, "clipboard");
     await copyOnComputer("ä → 😀\nsecond line");
     await page.click("text=Read clipboard");
     await page.waitForFunction((text) => document.querySelector("#clipboard-text").value === text,
@@ -216,40 +208,44 @@ describe("sections", () => {
 
     await page.fill("#clipboard-text", "x".repeat(1100 * 1024));
     await page.click("text=Write clipboard");
-    await page.waitForSelector("#panel-clipboard .outcome.failed >> text=more than the host takes");
+    await page.waitForSelector("#panel-clipboard .outcome.failed >> text=more than the computer takes");
     assert.ok(await page.isVisible(CONNECTED));
   });
 
-  test("a missing permission is shown, and gone when it is granted", async () => {
+  test("a permission that is taken back is noticed on every place, and gone when it is granted", async () => {
+    await go(page, "media");
+    await page.waitForTimeout(1000);
     await allow(false, true);
     try {
-      await page.reload();
-      await page.waitForSelector("#control-banner >> visible=true");
-      await page.click("#control-banner button");
+      await page.waitForSelector("#permission-banner >> visible=true", { timeout: 6000 });
+      await page.click("#permission-banner button");
       const pill = (kind) => page.locator(`[data-permission=${kind}] .pill`).textContent();
       assert.deepEqual([await pill("control"), await pill("screen")], ["Missing", "Granted"]);
     } finally {
       await allow(true, true);
     }
-    await page.waitForSelector("[data-permission=control] .pill.good");
-    await page.click("#tab-touchpad");
-    assert.equal(await page.isVisible("#control-banner"), false);
+    await page.waitForSelector("#permission-banner", { state: "hidden" });
   });
 });
 
-test("the page says what is wrong with its address and comes back by itself", async () => {
-  const showsState = (state) => page.waitForSelector(`body[data-state=${state}] #advice:not([hidden])`);
-  const useToken = (hash) => page.evaluate((hash) => { location.hash = hash; }, hash);
-  await useToken("0123456789abcdef0123456789abcdef");
-  await showsState("refused");
-  await useToken("");
-  await showsState("no-token");
-  await useToken(new URL(host.url).hash);
+test("the page says what is wrong with its address, and takes another", async () => {
+  const token = new URL(host.url).hash.slice(1);
+  const showsReason = (reason) =>
+    page.waitForSelector(`body[data-reason=${reason}] #line-panel:not([hidden])`);
+  const start = async (hash) => {
+    await page.evaluate(() => localStorage.removeItem("tapdeck.device"));
+    await page.goto("about:blank");
+    await page.goto(new URL(`/#${hash}`, host.url).href);
+  };
+  await start("0123456789abcdef0123456789abcdef");
+  await showsReason("wrong-token");
+  assert.ok(await page.evaluate(() => document.querySelector("main").inert));
+  await page.fill("#line-address", "http://192.0.2.7/");
+  await page.click("#line-panel [type=submit]");
+  await page.waitForSelector("#line-panel .outcome:not(:empty)");
+  await start("");
+  await showsReason("no-token");
+  await page.fill("#line-address", `http://192.0.2.7:1/#${token}`);
+  await page.click("#line-panel [type=submit]");
   await page.waitForSelector(CONNECTED);
-
-  await replaceHost(() => showsState("unreachable"));
-  await showsState("refused");
-  await useToken(new URL(host.url).hash);
-  await page.waitForSelector(CONNECTED);
-  assert.equal(await page.isVisible("#advice"), false);
 });

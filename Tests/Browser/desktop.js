@@ -3,6 +3,7 @@
 import assert from "node:assert/strict";
 import { execFile, spawn } from "node:child_process";
 import { mkdir, readFile, rm, writeFile } from "node:fs/promises";
+import { connect, createServer } from "node:net";
 import { dirname, join } from "node:path";
 import { createInterface } from "node:readline";
 import { setTimeout as sleep } from "node:timers/promises";
@@ -10,9 +11,11 @@ import { promisify } from "node:util";
 
 import { chromium } from "playwright-core";
 
-import { decodeMessage, decodeMethodCall, encodeMessage } from "../../Console/codec.js";
+import { decodeMessage, decodeMethodCall, encodeMessage } from "../../Console/connection/codec.js";
 
 export const CONNECTED = "body[data-state=connected]";
+const MAIN_PLACES = ["touchpad", "screen", "media", "apps", "more"];
+export const PLACES = [...MAIN_PLACES, "keyboard", "displays", "clipboard", "present", "power", "settings"];
 
 const PATIENCE = 20_000;
 const graphemes = new Intl.Segmenter();
@@ -39,12 +42,12 @@ export class Host {
     const options = { stdio: ["ignore", "pipe", "inherit"] };
     host.#process = spawn(process.env.TAPDECK_HOST, ["--port", String(port)], options);
     for await (const line of createInterface({ input: host.#process.stdout })) {
-      const file = /address is in (\S+)/.exec(line)?.[1];
+      const file = /address is in (.*)/.exec(line)?.[1];
       if (!file) continue;
       host.url = JSON.parse(await readFile(file, "utf8")).url;
       break;
     }
-    assert.ok(host.url, "the host prints where the page's address is");
+    assert.ok(host.url, "the host says where the page's address is");
     host.#process.stdout.resume();
     return host;
   }
@@ -71,10 +74,17 @@ export function launchBrowser(shown = false) {
   });
 }
 
+/** Goes to a place of the page by what leads there. */
+export async function go(page, place) {
+  if (!MAIN_PLACES.includes(place)) await page.click("#tab-more");
+  await page.click(`#tab-${place}`);
+  await page.waitForSelector(`#panel-${place}`);
+}
+
 /** A phone's page at this address; what goes wrong in its scripts lands in `page.problems`. */
-export async function openPhone(browser, url) {
+export async function openPhone(browser, url, options = {}) {
   const context = await browser.newContext({
-    viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true,
+    viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true, locale: "en-GB", ...options,
   });
   const page = await context.newPage();
   page.setDefaultTimeout(PATIENCE);
@@ -143,6 +153,49 @@ export class Line {
   }
 }
 
+/**
+ * A line to the host that is as long as one wants: what goes over it arrives `delay` ms later, and while
+ * it is `dead` nothing does, though nobody is told.
+ */
+export class LongLine {
+  dead = false;
+  #server;
+  #sockets = new Set();
+
+  static async to(url, delay) {
+    const line = new LongLine();
+    const { hostname, port } = new URL(url);
+    line.#server = createServer((near) => {
+      const far = connect(Number(port), hostname);
+      // Browsers name the line's end where they mean the host's; both names are equally long.
+      const rename = (data) => Buffer.from(
+        data.toString("latin1").replaceAll(`:${line.#server.address().port}`, `:${port}`), "latin1");
+      line.#pass(near, far, delay, (data) => data.subarray(0, 4).toString() === "GET " ? rename(data) : data);
+      line.#pass(far, near, delay, (data) => data);
+    });
+    do {
+      await new Promise((resolve) => { line.#server.listen(0, hostname, resolve); });
+    } while (String(line.#server.address().port).length !== port.length);
+    line.url = url.replace(`:${port}`, `:${line.#server.address().port}`);
+    return line;
+  }
+
+  close() {
+    for (const socket of this.#sockets) socket.destroy();
+    this.#server.close();
+  }
+
+  #pass(from, to, delay, change) {
+    this.#sockets.add(from);
+    from.setNoDelay(true);
+    from.on("data", (data) => setTimeout(() => {
+      if (!this.dead && to.writable) to.write(change(data));
+    }, delay));
+    from.on("close", () => setTimeout(() => to.destroy(), delay));
+    from.on("error", () => {});
+  }
+}
+
 /** Fingers on the page, each with a number of its own; all of them stay down until lifted. */
 export class Fingers {
   #session;
@@ -171,14 +224,37 @@ export class Fingers {
     }
   }
 
+  /** Moves two fingers apart by this factor, about the middle between them. */
+  async spread(ids, factor, steps = 12) {
+    const [a, b] = ids.map((id) => this.#down.get(id));
+    const middle = { x: (a.x + b.x) / 2, y: (a.y + b.y) / 2 };
+    const from = [a, b].map(({ x, y }) => ({ x: x - middle.x, y: y - middle.y }));
+    for (let step = 1; step <= steps; step++) {
+      const by = 1 + ((factor - 1) * step) / steps;
+      [a, b].forEach((finger, at) => {
+        finger.x = middle.x + from[at].x * by;
+        finger.y = middle.y + from[at].y * by;
+      });
+      await this.#dispatch("touchMove");
+    }
+  }
+
   async lift(id) {
     this.#down.delete(id);
     await this.#dispatch("touchEnd");
   }
 
+  /** A tap as quick as a person's, however slowly this machine sends it. */
   async tap(...places) {
-    for (const [index, [x, y]] of places.entries()) await this.put(index, x, y);
-    for (const index of places.keys()) await this.lift(index);
+    const start = Date.now() / 1000;
+    for (const [index, [x, y]] of places.entries()) {
+      this.#down.set(index, { id: index, x, y });
+      await this.#dispatch("touchStart", start + 0.01 * index);
+    }
+    for (const index of places.keys()) {
+      this.#down.delete(index);
+      await this.#dispatch("touchEnd", start + 0.08 + 0.01 * index);
+    }
   }
 
   async cancel() {
@@ -186,9 +262,9 @@ export class Fingers {
     await this.#dispatch("touchCancel");
   }
 
-  #dispatch(type) {
+  #dispatch(type, timestamp = undefined) {
     return this.#session.send("Input.dispatchTouchEvent",
-      { type, touchPoints: [...this.#down.values()] });
+      { type, touchPoints: [...this.#down.values()], timestamp });
   }
 }
 
@@ -275,6 +351,11 @@ export async function allow(control, screenCapture) {
   const file = join(process.env.XDG_CONFIG_HOME, "tapdeck", "permissions.ini");
   await mkdir(dirname(file), { recursive: true });
   await writeFile(file, `[Permissions]\ncontrol=${control}\nscreenCapture=${screenCapture}\n`);
+}
+
+/** The computer forgets every device that was paired with it, as a person there could make it do. */
+export function forgetDevices() {
+  return rm(join(process.env.XDG_DATA_HOME, "tapdeck", "devices.ini"), { force: true });
 }
 
 /** Fills the X selection CLIPBOARD from a process of its own. */

@@ -2,15 +2,15 @@ import assert from "node:assert/strict";
 import { beforeEach, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { eventually, exec, launchBrowser, Line } from "./desktop.js";
+import { eventually, exec, go, launchBrowser, Line } from "./desktop.js";
 import { center, fingers, page } from "./setup.js";
 
 let line;
 let field;
 
 beforeEach(async () => {
-  line = await Line.of(page, /^key|^typeText/);
-  await page.click("#tab-keyboard");
+  line = await Line.of(page, /^key|^typeText|^setClipboard/);
+  await go(page, "keyboard");
   field = page.locator("#typing-text");
   await field.focus();
 });
@@ -54,7 +54,7 @@ test("what is typed, composed, corrected and erased arrives once and in order", 
   // A key takes along what is still being composed.
   await input.send("Input.imeSetComposition", { text: "ls", selectionStart: 2, selectionEnd: 2 });
   line.calls.length = 0;
-  await page.click("[data-key=tab]");
+  await page.click("#panel-keyboard [data-key=tab]");
   await sends("typeText ls", "keyPress tab");
 
   const userAgent = "Mozilla/5.0 (Linux; Android 14)";
@@ -68,7 +68,7 @@ test("what is typed, composed, corrected and erased arrives once and in order", 
 test("a long text goes in pieces, one at a time, and can be stopped", async () => {
   line.hold();
   await paste("é".repeat(99) + "🇩🇪".repeat(101));
-  await page.click("[data-key=return]");
+  await page.click("#panel-keyboard [data-key=return]");
   await page.waitForSelector(".work >> visible=true");
   await sends(`typeText ${"é".repeat(50)}`);
   line.release();
@@ -78,33 +78,46 @@ test("a long text goes in pieces, one at a time, and can be stopped", async () =
 
   line.hold();
   await paste("a".repeat(1000));
-  await page.click("text=Stop");
+  await page.click(".work .stop");
   line.release();
   await sends(`typeText ${"a".repeat(50)}`);
   await page.keyboard.press("Backspace");
   await sends("keyPress backspace");
+
+  line.hold();
+  await paste("b".repeat(1000));
+  await page.click(".paste-instead");
+  line.release();
+  await sends(`typeText ${"b".repeat(50)}`, `setClipboard ${"b".repeat(950)}`, "keyDown control", "keyPress v",
+    "keyUp control");
 });
 
-test("modifiers hold until they are tapped again, or the page is left", async () => {
+test("a modifier is tapped for the next key, tapped twice to lock, and let go of at every end", async () => {
   const control = page.locator("#panel-keyboard [data-modifier=control]");
   const held = () => control.getAttribute("aria-pressed");
   await control.click();
   assert.equal(await held(), "true");
   await page.keyboard.type("wé");
-  await page.click("[data-shortcut=redo]");
-  await page.click("#tab-touchpad");
-  await page.click("#held >> text=Ctrl");
+  await sends("keyDown control", "keyPress w", "keyUp control", "typeText é");
   assert.equal(await held(), "false");
-  await sends("keyDown control", "keyPress w", "typeText é", "keyDown shift", "keyPress z",
-    "keyUp shift", "keyUp control");
 
-  await page.click("#tab-keyboard");
-  await page.click("[data-shortcut=copy]");
-  await control.click();
-  await sends("keyDown control", "keyPress c", "keyUp control", "keyDown control");
+  await control.dblclick();
+  await page.click("#panel-keyboard [data-shortcut=redo]");
+  await page.keyboard.type("w");
+  await go(page, "touchpad");
+  await page.click("#held >> text=Ctrl");
+  await sends("keyDown control", "keyDown shift", "keyPress z", "keyUp shift", "keyPress w", "keyUp control");
+  await page.click("#panel-touchpad .open-typing");
+  await page.click("#typing-bar [data-modifier=control]");
+  await fingers.tap(await center("#pad"));
+  await sends("keyDown control", "keyUp control");
+
+  await page.click("#typing-bar [data-modifier=control]");
+  await sends("keyDown control");
   await page.evaluate(() => window.dispatchEvent(new Event("blur")));
   await sends("keyUp control");
-  await control.click();
+  await page.click("#typing-bar [data-modifier=control]");
+  await sends("keyDown control");
   await line.cut();
   await eventually("the line's end lets go", async () => await held() === "false");
 });
@@ -127,7 +140,7 @@ test("shortcuts reach a browser under layouts that lack their keys", async () =>
     const brackets = { ru: 219, gr: 219, il: 221, fr: 219, de: 219, cz: 219 };
     for (const [layout, bracket] of Object.entries(brackets)) {
       await exec("setxkbmap", ["-layout", layout]);
-      await control.click();
+      await control.dblclick();
       await page.keyboard.type("a1=[");
       await control.click();
       await eventually(layout, () => target.evaluate(() => window.heard.length === 4));
@@ -140,8 +153,22 @@ test("shortcuts reach a browser under layouts that lack their keys", async () =>
   }
 });
 
+test("the typing bar types on the touchpad, and Back closes it", async () => {
+  await go(page, "touchpad");
+  await page.click("#panel-touchpad .open-typing");
+  await page.keyboard.type("hi");
+  await page.click("#typing-bar [data-key=left]");
+  await page.click("#bar-more");
+  await page.click("#typing-bar [data-key=f5]");
+  await sends("typeText h", "typeText i", "keyPress left", "keyPress f5");
+  assert.ok(await field.evaluate((area) => area === document.activeElement));
+  await page.goBack();
+  await page.waitForSelector("#typing-bar", { state: "hidden" });
+  assert.equal(await page.getAttribute("body", "data-place"), "touchpad");
+});
+
 test("a key repeats for as long as a finger is on it", async () => {
-  await fingers.put(1, ...await center("[data-key=up]"));
+  await fingers.put(1, ...await center("#panel-keyboard [data-key=up]"));
   await eventually("the key repeats", () => line.calls.length > 4);
   await fingers.lift(1);
   await sleep(100);

@@ -2,9 +2,9 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { clockText, goodFor, positionAt } from "../../Console/trackclock.js";
+import { clockText, goodFor, positionAt } from "../../Console/media/trackclock.js";
 import { browser, page } from "./setup.js";
-import { eventually } from "./desktop.js";
+import { eventually, go } from "./desktop.js";
 import { StandIn } from "./standin.js";
 
 const SONG = { title: "Song", artist: "Band", album: "Album", duration: 215, position: 12.5,
@@ -17,7 +17,7 @@ async function listen(answers = {}) {
   line = await StandIn.of(page, {
     supportsNowPlaying: () => true, getNowPlaying: () => track, getVolumeLevel: () => 40, ...answers,
   });
-  await page.click("#tab-media");
+  await go(page, "media");
 }
 
 const shows = (text) => page.waitForSelector(`.now-playing >> text=${text}`);
@@ -102,27 +102,51 @@ test("it is asked seldom while nothing plays, soon after a key, and not at all o
   await shows("Band");
 
   const readings = () => line.of("getVolumeLevel").length;
-  await page.waitForSelector(".level >> text=40 %");
-  const before = readings();
-  await page.click("[data-volume=volumeUp]");
-  await page.waitForSelector(".level >> text=50 %");
-  await page.waitForSelector(".level >> text=40 %");
-  assert.ok(readings() > before && line.of("volumeUp").length === 1);
-
-  await page.click("#tab-apps");
+  await go(page, "apps");
   await sleep(200);
   const silent = asked() + readings();
   await sleep(2500);
   assert.equal(asked() + readings(), silent);
 });
 
-test("the computer is locked, put to sleep, restarted and shut down only when it is confirmed", async () => {
-  const methods = { lock: "lockScreen", sleep: "sleepSystem", restart: "restartSystem",
-    shutdown: "shutdownSystem" };
+test("the volume goes to where the slider is put, a step after the other", async () => {
+  let level = 40;
+  const step = (by) => async () => {
+    const before = level;
+    // As the host does it: read, answer, and write later.
+    sleep(80).then(() => { level = before + by; });
+    return null;
+  };
   track = null;
-  await listen(Object.fromEntries(Object.values(methods).map((method) => [method, () => null])));
+  await listen({ getVolumeLevel: () => level, volumeUp: step(10), volumeDown: step(-10) });
+  await page.waitForSelector(".level >> text=40%");
+  await page.locator(".volume input").fill("80");
+  await page.waitForSelector(".level >> text=80%");
+  await eventually("four steps", () => level === 80);
+  await page.click("[data-volume=volumeDown]");
+  await eventually("one step back", () => level === 70);
+  assert.deepEqual([line.of("volumeUp").length, line.of("volumeDown").length], [4, 1]);
+});
+
+test("play and pause flip at once, and back when no player answers", async () => {
+  track = SONG;
+  await listen({ mediaPlayPause: () => null });
+  await page.waitForSelector(".now-playing.playing");
+  await page.click("[data-media=mediaPlayPause]");
+  assert.equal(await page.locator(".now-playing.playing").count(), 0);
+  await page.waitForSelector(".outcome >> text=No answer from the player");
+  await page.waitForSelector(".now-playing.playing");
+});
+
+test("locking is done at once, and what ends anything only when it is confirmed", async () => {
+  const methods = { sleep: "sleepSystem", restart: "restartSystem", shutdown: "shutdownSystem" };
+  track = null;
+  await listen(Object.fromEntries(["lockScreen", ...Object.values(methods)].map((method) => [method, () => null])));
+  await go(page, "power");
   const done = () => line.calls.map(({ method }) => method)
-    .filter((method) => Object.values(methods).includes(method));
+    .filter((method) => /System|Screen$/.test(method) && method !== "captureScreen");
+  await page.click("[data-power=lock]");
+  await eventually("it is locked", () => done().join() === "lockScreen");
   for (const [name, method] of Object.entries(methods)) {
     const open = async () => {
       await page.click(`[data-power=${name}]`);
@@ -133,7 +157,10 @@ test("the computer is locked, put to sleep, restarted and shut down only when it
     await page.keyboard.press("Enter");
     await page.waitForSelector("#power-dialog", { state: "hidden" });
     await open();
+    await page.goBack();
+    await page.waitForSelector("#power-dialog", { state: "hidden" });
     assert.deepEqual(done(), []);
+    await open();
     await page.click("#power-dialog .main");
     await eventually(`${method} is called`, () => done().length > 0);
     assert.deepEqual(done(), [method]);

@@ -4,7 +4,7 @@
 import assert from "node:assert/strict";
 import { after, afterEach, before, beforeEach } from "node:test";
 
-import { CONNECTED, Fingers, Host, launchBrowser, openPhone, putPointer, Witness }
+import { CONNECTED, Fingers, forgetDevices, Host, launchBrowser, openPhone, putPointer, Witness }
   from "./desktop.js";
 
 export let host;
@@ -16,6 +16,7 @@ export let fingers;
 export let pad;
 
 before(async () => {
+  await forgetDevices();
   host = await Host.start();
   browser = await launchBrowser();
   witness = await Witness.open(1200, 100, 1000, 900);

@@ -1,6 +1,6 @@
 // A stand-in for what a test cannot have of the host: players, another screen, a restart.
 
-import { CallError, encodeMessage, encodeMethodCall } from "../../Console/codec.js";
+import { CallError, encodeMessage, encodeMethodCall } from "../../Console/connection/codec.js";
 import { Line } from "./desktop.js";
 
 /**

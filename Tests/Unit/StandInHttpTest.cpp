@@ -24,17 +24,38 @@ TEST_F(StandInHttp, ServesThePageWithItsHeaders) {
   EXPECT_THAT(page, StartsWith("HTTP/1.1 200"));
   const std::string parts[] = {
       "Content-Type: text/html; charset=utf-8\r\n",
-      "Cache-Control: no-store\r\n",
+      "Cache-Control: no-cache\r\n",
       "Connection: close\r\n",
       "Cross-Origin-Resource-Policy: same-origin\r\n",
       "Referrer-Policy: no-referrer\r\n",
       "Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; ",
+      "manifest-src 'self'; ",
       "frame-ancestors 'none'; base-uri 'none'; form-action 'none'\r\n",
       "</html>"};
   for (const auto& part : parts) EXPECT_THAT(page, HasSubstr(part));
   EXPECT_THAT(get("/index.html"), HasSubstr("</html>"));
   EXPECT_THAT(get("/", "HEAD"),
               AllOf(StartsWith("HTTP/1.1 200"), HasSubstr("text/html"), Not(HasSubstr("</html>"))));
+}
+
+TEST_F(StandInHttp, WhatTheBrowserHoldsIsNotSentAgain) {
+  const auto page = [&](const std::string& headers) {
+    return exchange("GET /", "Connection: close\r\nHost: " + host() + "\r\n" + headers);
+  };
+  const auto tagOf = [](const std::string& answer) {
+    const size_t start = answer.find("ETag: ") + 6;
+    return answer.substr(start, answer.find("\r\n", start) - start);
+  };
+  const std::string plain = page("");
+  const std::string packed = page("Accept-Encoding: br, gzip\r\n");
+  EXPECT_THAT(plain, AllOf(HasSubstr("Vary: Accept-Encoding\r\n"), Not(HasSubstr("gzip"))));
+  EXPECT_THAT(packed, AllOf(HasSubstr("Content-Encoding: gzip\r\n"), Not(HasSubstr("</html>"))));
+  EXPECT_LT(packed.size(), plain.size() / 2);
+  EXPECT_NE(tagOf(plain), tagOf(packed));
+  EXPECT_THAT(page("If-None-Match: \"0\", W/" + tagOf(plain) + "\r\n"),
+              AllOf(StartsWith("HTTP/1.1 304"), Not(HasSubstr("</html>"))));
+  EXPECT_THAT(page("Accept-Encoding: gzip;q=0\r\nIf-None-Match: " + tagOf(packed) + "\r\n"),
+              AllOf(StartsWith("HTTP/1.1 200"), HasSubstr("</html>")));
 }
 
 TEST_F(StandInHttp, NothingElseIsServed) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <libsoup/soup.h>
+
 #include <map>
 #include <string>
 
@@ -11,16 +13,25 @@ namespace tapdeck::standin {
 /// a path is looked up as it stands and never reaches a file system.
 class Page {
  public:
-  struct File {
-    BytesHandle content;
-    const char* type;
-  };
-
   Page();
-  /// The file for a URL path such as "/" or "/console.css"; null when there is none.
-  const File* find(const std::string& path) const;
+  /// Answers a GET or HEAD request for a URL path such as "/" or "/style.css": the file, compressed
+  /// where the browser takes that, or "not modified" for the entity tag that it names. False, and
+  /// nothing done, when there is no such file.
+  bool serve(SoupServerMessage* message) const;
 
  private:
+  /// A file's bytes in one content coding, and their entity tag (RFC 9110, 8.8.3).
+  struct Form {
+    BytesHandle content;
+    std::string tag;
+  };
+  struct File {
+    Form plain;
+    Form compressed;  ///< by gzip; without content for what is not text
+    const char* type;
+  };
+  static Form load(const std::string& path);
+
   std::map<std::string, File, std::less<>> _files;
 };
 

@@ -38,7 +38,7 @@ bool isUsual(GSocketAddress* local) {
 std::string policyFor(const char* host, bool isEncrypted) {
   // Some browsers do not count WebSocket as part of 'self'.
   return "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data: blob:; "
-         "connect-src 'self' " +
+         "manifest-src 'self'; connect-src 'self' " +
          std::string(isEncrypted ? "wss://" : "ws://") + host +
          "; frame-ancestors 'none'; base-uri 'none'; form-action 'none'";
 }
@@ -304,15 +304,7 @@ void StandInEngine::Server::serve(SoupServerMessage* message, GHashTable* query)
 }
 
 void StandInEngine::Server::servePage(SoupServerMessage* message) const {
-  const Page::File* file = _page.find(g_uri_get_path(soup_server_message_get_uri(message)));
-  if (file == nullptr) {
-    refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
-    return;
-  }
-  gsize size = 0;
-  const auto* data = static_cast<const char*>(g_bytes_get_data(file->content.get(), &size));
-  soup_server_message_set_status(message, SOUP_STATUS_OK, nullptr);
-  soup_server_message_set_response(message, file->type, SOUP_MEMORY_STATIC, data, size);
+  if (!_page.serve(message)) refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
 }
 
 /// Says what an upgrade would meet with, since a browser tells a page nothing of a refused one.
