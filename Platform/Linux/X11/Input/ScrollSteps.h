@@ -12,7 +12,7 @@ class ScrollSteps {
   /// the finger, neither faster nor slower.
   static constexpr int kPixelsPerStep = 50;
   /// For one event, however large: further than anyone scrolls at once, and soon over.
-  static constexpr int kMostSteps = 100;
+  static constexpr int kMaxSteps = 100;
 
   /// Points, positive and negative being the two directions; gives whole steps of the same sign.
   int addPixels(int32_t pixels);

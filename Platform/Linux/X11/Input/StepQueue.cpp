@@ -14,6 +14,8 @@ constexpr milliseconds kPause{15};
 // So long text may gather for one change of the keymap, which costs every program on the desktop
 // some time.
 constexpr milliseconds kGatherTime{150};
+// So long releases gather for one question whether the server has carried them out.
+constexpr milliseconds kConfirmTime{10};
 // What is still waiting at the end, in the worst case behind an application that does not answer.
 constexpr std::chrono::seconds kEndTime{8};
 
@@ -36,7 +38,9 @@ void StepQueue::add(Step step) {
   const Lock lock(_mutex);
   _lastAdded = Clock::now();
   if (!_isBusy && _waiting.empty() && _keyboard.isReady(step)) {
+    const bool wasConfirmed = !_keyboard.unconfirmedSince();
     _keyboard.carryOut(step);
+    if (wasConfirmed && _keyboard.unconfirmedSince()) _changed.notify_all();
     return;
   }
   _waiting.push_back(std::move(step));
@@ -69,6 +73,8 @@ void StepQueue::run() {
       empty(lock);
       _isBusy = false;
       _changed.notify_all();
+    } else if (const auto since = _keyboard.unconfirmedSince()) {
+      confirmReleases(lock, *since + kConfirmTime);
     } else if (!_keyboard.isBorrowing()) {
       _changed.wait(lock);
     } else if (const auto end = _keyboard.lastNeed() + _idleTime; Clock::now() < end) {
@@ -82,6 +88,19 @@ void StepQueue::run() {
       _changed.notify_all();
     }
   }
+}
+
+// The answer is waited for here, so that nobody who posts a release has to.
+void StepQueue::confirmReleases(Lock& lock, Clock::time_point due) {
+  if (Clock::now() < due) {
+    _changed.wait_until(lock, due);
+    return;
+  }
+  const uint64_t count = _keyboard.releaseCount();
+  lock.unlock();
+  _keyboard.output().finish();
+  lock.lock();
+  _keyboard.confirmReleases(count);
 }
 
 void StepQueue::empty(Lock& lock) {

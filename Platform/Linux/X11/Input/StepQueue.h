@@ -34,6 +34,7 @@ class StepQueue {
   void run();
   void empty(Lock& lock);
   void gather(Lock& lock);
+  void confirmReleases(Lock& lock, std::chrono::steady_clock::time_point due);
 
   const std::chrono::milliseconds _idleTime;
   LiveKeyboard _keyboard;

@@ -12,7 +12,7 @@ namespace tapdeck::quartz {
 /// What a key of the US keyboard gives without and with Shift; `shifted` is 0 for a key that is not
 /// for text.
 struct UsKey {
-  Keysym plain = kNoKeysym;
+  Keysym unshifted = kNoKeysym;
   Keysym shifted = kNoKeysym;
 };
 
@@ -47,15 +47,15 @@ std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activ
 /// The text keys of a US keyboard.
 std::vector<UsKey> usTextKeys();
 /// Where a US keyboard has the key; absent when that place is a modifier or the like here.
-std::optional<Keycode> usPlaceOf(const UsKey& key, const Keymap& map);
+std::optional<Keycode> usKeycodeOf(const UsKey& key, const Keymap& map);
 /// The group above all that the map has; the last one where it has four.
 uint8_t furtherGroupOf(const Keymap& map);
 /// The key with `key` as its group `group`; it goes on giving in the others what it gave.
-KeyMeaning withUsGroup(const KeyMeaning& meaning, const UsKey& key, uint8_t group);
-/// Whether that made `meaning`, the keycode's, of `original`, perhaps in a process before this one.
-bool hasUsGroup(const KeyMeaning& meaning, const KeyMeaning& original, Keycode code);
+KeyMapping withUsGroup(const KeyMapping& mapping, const UsKey& key, uint8_t group);
+/// Whether that made `mapping`, the keycode's, of `original`, perhaps in a process before this one.
+bool hasUsGroup(const KeyMapping& mapping, const KeyMapping& original, Keycode code);
 
-/// Keycodes that typing may take: those without meaning, then those of keys that hardly any
+/// Keycodes that typing may take: those without mapping, then those of keys that hardly any
 /// keyboard has and hardly anyone uses.
 struct SpareKeys {
   std::vector<Keycode> unused;

@@ -19,7 +19,7 @@ inline constexpr Keysym kNoKeysym = 0;
 using KeyAction = std::array<uint8_t, 8>;
 
 /// What one keycode means.
-struct KeyMeaning {
+struct KeyMapping {
   /// The key type of each group: how the modifiers choose a level.
   std::array<uint8_t, 4> types{};
   /// The number of groups, and what becomes of a group above it.
@@ -34,13 +34,13 @@ struct KeyMeaning {
   /// The group that the key uses while `effective` is the keyboard's.
   int groupFor(int effective) const;
   /// What the key gives without modifiers; `group` is one of its own.
-  Keysym plainKeysym(int group) const;
-  friend bool operator==(const KeyMeaning&, const KeyMeaning&) = default;
+  Keysym unshiftedKeysym(int group) const;
+  friend bool operator==(const KeyMapping&, const KeyMapping&) = default;
 };
 
 /// The keyboard map of one moment.
 struct Keymap {
-  std::array<KeyMeaning, 256> keys;
+  std::array<KeyMapping, 256> keys;
   /// The real modifiers that a key sets.
   std::array<uint8_t, 256> modifiers{};
   /// Whether a key behaves otherwise than keys do (locks, overlays) or has virtual modifiers.

@@ -1,15 +1,16 @@
 #pragma once
 
 #include <chrono>
-#include <map>
+#include <optional>
 #include <span>
 #include <variant>
 #include <vector>
 
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Keyboard/BorrowedKeys.h"
-#include "Platform/Linux/X11/Keyboard/ClientAnswer.h"
+#include "Platform/Linux/X11/Keyboard/ClientSync.h"
 #include "Platform/Linux/X11/Keyboard/InputSender.h"
+#include "Platform/Linux/X11/Keyboard/KeyboardMonitor.h"
 
 namespace tapdeck::quartz {
 
@@ -22,9 +23,14 @@ struct WarpStep {
   Pixel pixel;
 };
 struct ButtonStep {
-  /// The physical button.
+  /// As applications see it.
   uint8_t button;
+  /// The one to press for it, or to release when this process has not pressed `button`; absent when
+  /// no physical button gives it.
+  std::optional<uint8_t> physical;
   bool down;
+  /// A release of nothing but what this process has pressed.
+  bool ownOnly = false;
 };
 struct WheelStep {
   /// The physical button that stands for the direction.
@@ -36,6 +42,8 @@ struct KeyStep {
   bool down;
   /// Modifiers that the event claims; those that nobody holds are held for this key.
   CGEventFlags flags;
+  /// A release of nothing but what this process has pressed.
+  bool ownOnly = false;
 };
 /// Each keysym is pressed and released.
 struct TextStep {
@@ -63,21 +71,17 @@ class LiveKeyboard {
   /// When borrowed keys were last needed: now, while one is pressed.
   std::chrono::steady_clock::time_point lastNeed() const;
   void releaseAll();
-  bool isHeld(const UsKey& key) const { return _pressed.contains(key.plain); }
+
+  /// When the oldest release was sent that the server is not known to have carried out.
+  std::optional<std::chrono::steady_clock::time_point> unconfirmedSince() const {
+    return _sender.unconfirmedSince();
+  }
+  /// To be called after the server has answered to something that was sent behind so many releases.
+  void confirmReleases(uint64_t count) { _sender.confirmReleases(count); }
+  uint64_t releaseCount() const { return _sender.releaseCount(); }
+  const Connection& output() const { return _output; }
 
  private:
-  struct State {
-    /// The active group, of which this much is locked: the rest is held or latched.
-    uint8_t group = 0;
-    uint8_t lockedGroup = 0;
-    /// Real modifiers.
-    uint8_t lockedModifiers = 0;
-  };
-  struct Pressed {
-    RealKey key;
-    /// Modifiers that nobody held and the event claimed.
-    std::vector<RealKey> around;
-  };
   /// The group that a pressed key needs is locked until that key is released, or another one is
   /// pressed, and for some milliseconds at least: some programs (Qt) look for a key's shortcut by
   /// the group of a moment later.
@@ -87,13 +91,14 @@ class LiveKeyboard {
     uint8_t lockedBefore;
     std::chrono::steady_clock::time_point since;
   };
-  State state();
+  using State = KeyboardState;
   void lockModifier(uint8_t modifier, bool locked);
   void lockGroup(uint8_t group);
   /// The group to lock so that `wanted` is active, whatever is held or latched besides.
   uint8_t groupToLock(uint8_t wanted, const State& now) const;
   /// A person's layout switch went on to groups that only the borrowed keys have.
   void putGroupIntoRange();
+  void carryOutButton(const ButtonStep& step);
   void carryOutKey(const KeyStep& step);
   void press(const KeyStep& step);
   /// Absent when there is none, or nothing left to press: Caps Lock without a key is locked at
@@ -104,18 +109,23 @@ class LiveKeyboard {
   /// `now` becomes what it is then.
   void enterKeyGroup(const UsKey& key, uint8_t group, State& now);
   void leaveKeyGroup();
-  void release(const UsKey& key);
+  void release(const KeyStep& step);
+  /// Whether to press or release it may change what a KeyboardState tells.
+  bool changesState(Keycode code, const State& now) const;
+  bool isHeld(const UsKey& key) const { return _sender.pressed().keys.contains(key.unshifted); }
   /// Whether a key that is still pressed is this modifier, or was pressed with it.
   bool isNeeded(const RealKey& modifier) const;
   void type(const TextStep& step);
+  /// Waits for the reply.
+  void noteFocus(xcb_get_input_focus_cookie_t question);
 
   Connection& _output;
   InputSender _sender;
+  KeyboardMonitor _monitor;
   BorrowedKeys _keys;
+  /// For questions to the applications, whose answers are events.
   Connection _questions;
-  ClientAnswer _answer;
-  /// By the keysym that the key gives plainly.
-  std::map<Keysym, Pressed> _pressed;
+  ClientSync _clients;
   std::optional<KeyGroup> _keyGroup;
   std::chrono::steady_clock::time_point _lastNeed;
 };

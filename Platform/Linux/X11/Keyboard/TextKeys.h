@@ -19,12 +19,12 @@ inline constexpr int kTextGroups = 4;
 
 /// One character of a text key. It may have the server deliver another key in place of the text key
 /// (the real Return key, say).
-struct TextMeaning {
+struct TextGroup {
   Keysym keysym = kNoKeysym;
   std::optional<Keycode> deliveredAs;
 };
-KeyMeaning textKey(Keycode code, const std::array<TextMeaning, kTextGroups>& groups);
+KeyMapping textKey(Keycode code, const std::array<TextGroup, kTextGroups>& groups);
 /// Whether that made it, perhaps in a process before this one.
-bool isTextKey(const KeyMeaning& key);
+bool isTextKey(const KeyMapping& key);
 
 }  // namespace tapdeck::quartz

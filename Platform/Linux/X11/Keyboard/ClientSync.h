@@ -7,37 +7,38 @@
 
 namespace tapdeck::quartz {
 
-/// Makes sure by an answer that the applications have read the keys that they were sent. An
-/// application that does not answer holds nothing up for long. One thread at a time.
-class ClientAnswer {
+/// Waits, by a question that an application answers (_NET_WM_PING, Editres), until applications
+/// have read what they were sent before. An application that does not answer holds nothing up for
+/// long. One thread at a time.
+class ClientSync {
  public:
   /// `connection` is read here; nobody else may want its client messages.
-  explicit ClientAnswer(Connection& connection) : _connection(connection) {}
-  ~ClientAnswer();
-  ClientAnswer(const ClientAnswer&) = delete;
-  ClientAnswer& operator=(const ClientAnswer&) = delete;
+  explicit ClientSync(Connection& connection) : _connection(connection) {}
+  ~ClientSync();
+  ClientSync(const ClientSync&) = delete;
+  ClientSync& operator=(const ClientSync&) = delete;
 
-  /// Keys go to the application of this window (that has the focus).
-  void note(xcb_window_t focused) { _typedInto.insert(focused); }
+  /// Keys are sent to the application of this window, which has the focus.
+  void noteTypedInto(xcb_window_t focused) { _typedInto.insert(focused); }
   /// Waits until every application that was noted has read all that was sent to it so far.
-  void await();
+  void waitUntilRead();
   /// Gives the application with the focus the time to take note of a changed keymap. That one reads
   /// the change before the keys that follow goes without saying; but a program may have a second
   /// connection to the server, which tells it in its own time.
-  void settle();
+  void waitForKeymapRefresh();
 
  private:
   using Deadline = std::chrono::steady_clock::time_point;
-  void awaitApplicationOf(xcb_window_t window);
+  void waitUntilReadBy(xcb_window_t window);
   xcb_window_t noteFocus();
   xcb_window_t applicationWindow(xcb_window_t focused);
   bool isOwn(xcb_window_t window);
-  bool takesPing(xcb_window_t window);
+  bool supportsPing(xcb_window_t window);
   bool ping(xcb_window_t window, Deadline deadline);
-  bool askToolkit(xcb_window_t window, Deadline deadline);
+  bool pingByEditres(xcb_window_t window, Deadline deadline);
   void send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]);
   template <typename Matches>
-  bool awaitEvent(Matches matches, Deadline deadline);
+  bool waitForEvent(Matches matches, Deadline deadline);
 
   Connection& _connection;
   std::set<xcb_window_t> _typedInto;
