@@ -23,10 +23,10 @@ class EventPoster {
   void post(const __CGEvent& event);
   /// Moves the pointer without an event; needs no permission.
   void warp(Pixel pixel) { _queue.add(WarpStep{pixel}); }
-  /// Waits, not for ever, for text that is still being typed; then releases all that is held and
-  /// gives the keyboard's map back.
+  /// Waits some seconds at most for queued steps; then releases all that is pressed and restores
+  /// the keymap.
   void letGo() { _queue.letGo(); }
-  /// Where events still waiting will have the pointer.
+  /// The position to which queued events will move the pointer; absent when none will.
   std::optional<Pixel> waitingMotion() { return _queue.waitingMotion(); }
 
  private:

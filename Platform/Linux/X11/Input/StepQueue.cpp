@@ -9,14 +9,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// Text comes a character every 5 ms or so: a pause of this length means that it is over for now.
+// Text is posted a character every 5 ms: after a pause of this length no more is expected.
 constexpr milliseconds kPause{15};
-// So long text may gather for one change of the keymap, which costs every program on the desktop
-// some time.
+// How long text is gathered for one change of the keymap, which every program has to read.
 constexpr milliseconds kGatherTime{150};
-// So long releases gather for one question whether the server has carried them out.
+// How long releases are gathered for one round trip that confirms them.
 constexpr milliseconds kConfirmTime{10};
-// What is still waiting at the end, in the worst case behind an application that does not answer.
+// How long the end waits for queued steps, which an application that does not answer may delay.
 constexpr std::chrono::seconds kEndTime{8};
 
 }  // namespace
@@ -90,7 +89,8 @@ void StepQueue::run() {
   }
 }
 
-// The answer is waited for here, so that nobody who posts a release has to.
+// The journal has to know that the server has read a release. This thread waits for that, so that
+// who posts the release need not.
 void StepQueue::confirmReleases(Lock& lock, Clock::time_point due) {
   if (Clock::now() < due) {
     _changed.wait_until(lock, due);

@@ -13,7 +13,7 @@
 namespace tapdeck::quartz {
 namespace {
 
-/// Nobody sees the map half changed.
+/// Grabs the server, so that no client sees the keymap half changed.
 class ServerGrab {
  public:
   explicit ServerGrab(const Connection& connection) : _connection(connection) {
@@ -47,7 +47,7 @@ BorrowedKeys::BorrowedKeys(Connection& output, InputSender& sender, KeyboardMoni
     : _output(output), _sender(sender), _monitor(monitor) {
   if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
   if (const InputRecord& left = _sender.leftOver(); !left.mappings.empty()) {
-    // only what bears this program's marks: the user may have another layout since
+    // only keys that still look remapped by us: the user may have changed the layout since
     KeyMappings ours;
     for (const auto& [code, mapping] : left.mappings) {
       const KeyMapping& now = _now.keys[code];
@@ -105,7 +105,7 @@ void BorrowedKeys::markUsed(Keysym keysym) {
   if (const auto slot = _text.find(keysym)) _text.use(*slot, ++_time);
 }
 
-// The first groups of all keys come first: mostly they need no other group to be made active.
+// All keys' first groups are filled first, as that is mostly the active one.
 BorrowedKeys::AssignedKey BorrowedKeys::keyAt(size_t slot) const {
   const size_t keys = _textCodes.size();
   return {_textCodes[slot % keys], static_cast<uint8_t>(slot / keys)};
@@ -116,7 +116,7 @@ KeyMapping BorrowedKeys::textKeyMapping(size_t key) const {
   for (size_t group = 0; group < groups.size(); ++group) {
     const Keysym keysym = _text.at(group * _textCodes.size() + key);
     groups[group].keysym = keysym;
-    // Return, Tab and the like: some programs go by the key
+    // some programs recognise Return, Tab and the like by keycode
     if ((keysym & 0xffffff00) == 0xff00) groups[group].deliveredAs = _layout.keyFor(keysym, 0);
   }
   return textKey(_textCodes[key], groups);
@@ -147,7 +147,7 @@ bool BorrowedKeys::assignText(const std::vector<Keysym>& text, KeyMappings& mapp
   std::set<Keycode> changed;
   bool any = false;
 
-  // no more than there are places, else those needed first might find none
+  // no more than there are slots, else those needed first might get none
   std::set<Keysym> needed;
   for (const Keysym keysym : text) {
     if (needed.size() < _text.size()) needed.insert(keysym);
@@ -178,7 +178,7 @@ bool BorrowedKeys::assignText(const std::vector<Keysym>& text, KeyMappings& mapp
   return any;
 }
 
-// Where one is lacking, others are: all of them in one change.
+// A layout that lacks one US key lacks others: all of them get theirs in one change.
 bool BorrowedKeys::assignKeys(std::vector<UsKey> keys, KeyMappings& mappings) {
   const uint8_t group = furtherGroupOf(_layout);
   const auto others = usTextKeys();
@@ -208,7 +208,7 @@ void BorrowedKeys::send(const KeyMappings& mappings, ToldAs toldAs) {
     announceGroup(_output);
     _monitor.stateIsChanged();
   }
-  // has the server's word on it, whoever else may have changed the map meanwhile
+  // reads the keymap back: somebody else may have changed it meanwhile
   _monitor.connection().finish();
   followChanges();
 }
@@ -222,8 +222,8 @@ bool BorrowedKeys::chooseTextCodes() {
   return !_textCodes.empty();
 }
 
-// A key that some program has taken for itself everywhere (a launch key that starts something)
-// would go to that program. Only one program can, so who tries learns of it.
+// Leaves out keycodes that another client has grabbed on the root window (a launch key, say): they
+// would go to that client. Only one client can grab a key, so trying to shows it.
 std::vector<Keycode> BorrowedKeys::withoutGrabbed(std::vector<Keycode> codes) {
   std::vector<xcb_void_cookie_t> tries;
   for (const Keycode code : codes) {

@@ -15,8 +15,9 @@
 
 namespace tapdeck::quartz {
 
-/// What typing borrows from the keyboard's map: keycodes that hardly anyone uses, for text, and a
-/// further group of the keys where a US keyboard has what the layout lacks. One thread at a time.
+/// The keycodes that this program remaps for a while: spare ones, to which the characters of typed
+/// text are assigned, and those of US keys that the user's layout lacks, which get one group more.
+/// One thread at a time.
 class BorrowedKeys {
  public:
   /// Changes the map through `output`, on which the keys are sent too, so that both keep their
@@ -25,15 +26,15 @@ class BorrowedKeys {
   BorrowedKeys(const BorrowedKeys&) = delete;
   BorrowedKeys& operator=(const BorrowedKeys&) = delete;
 
-  /// Takes note of what others did to the map, such as the user's choice of another layout. A new
-  /// map ends all borrowing: nothing of the old one is put back over it. False when the server is
-  /// gone.
+  /// Reads the events about changes of the keymap by others, such as the user's choice of another
+  /// layout. Such a change ends all borrowing, and nothing of the old keymap is restored over it.
+  /// False when the server is gone.
   bool followChanges();
-  /// The map as the user has it.
+  /// The keymap without our remapping.
   const Keymap& layout() const { return _layout; }
   bool isBorrowing() const { return !_originals.empty(); }
   bool isBorrowed(Keycode code) const { return _originals.contains(code); }
-  /// How many groups the keyboard has now, those of the borrowed keys included.
+  /// The number of groups, those that our remapping added included.
   int groups() const { return _now.groups(); }
 
   /// A keycode and the group in which it gives the keysym.
@@ -42,26 +43,28 @@ class BorrowedKeys {
     uint8_t group;
   };
   std::optional<AssignedKey> assignedKey(Keysym keysym) const;
-  /// The key that was given to one that the layout lacks.
+  /// Where a US key is that the layout lacks; absent until it is assigned.
   std::optional<RealKey> usKey(const UsKey& key) const;
   /// To be called before each use, so that what is in use is evicted last.
   void markUsed(Keysym keysym);
 
-  /// What keys are to be assigned to, the sooner needed the earlier.
+  /// What is to get a key, in the order in which it is needed.
   struct Request {
     std::vector<Keysym> text;
     std::vector<UsKey> keys;
   };
-  /// Whether that takes keys from keysyms which applications may not have read yet.
+  /// Whether that would take keys away from other keysyms, whose key events applications may not
+  /// have read yet.
   bool wouldEvict(const Request& request) const;
-  /// Assigns as many keys as there are, in one change of the map. All earlier uses count as read.
-  /// False when nothing that had no key could get one.
+  /// Assigns as many keys as there are, in one change of the keymap. The caller has made sure that
+  /// applications have read what was sent before (see `wouldEvict`). False when nothing new could
+  /// be assigned.
   bool assign(const Request& request);
-  /// The keymap is what it was before.
+  /// Restores the user's keymap.
   void giveBack();
 
  private:
-  /// Each adds to `mappings`; false when nothing that had no key could get one.
+  /// Each adds to `mappings`; false when nothing new could be assigned.
   bool assignText(const std::vector<Keysym>& text, KeyMappings& mappings);
   bool assignKeys(std::vector<UsKey> keys, KeyMappings& mappings);
   void send(const KeyMappings& mappings, ToldAs toldAs);
@@ -78,7 +81,7 @@ class BorrowedKeys {
   InputSender& _sender;
   KeyboardMonitor& _monitor;
   Keymap _layout;
-  /// As it is on the server, what is borrowed included.
+  /// The keymap on the server, our remapping included.
   Keymap _now;
   KeyMappings _originals;
   std::vector<Keycode> _textCodes;

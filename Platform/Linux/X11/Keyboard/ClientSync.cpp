@@ -14,11 +14,11 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// an application at work on a loaded machine may be that far behind
+// for an application that is known to answer: a busy one may be that far behind
 constexpr milliseconds kMaxWait{5000};
-// for one that let that pass already
+// for one that did not answer the last time
 constexpr milliseconds kShortWait{100};
-// for one of which it is not known whether it knows how to answer, and from then on if it does not
+// for one that may not know the question; if it does not answer, the fixed pause after it
 constexpr milliseconds kFirstWait{2000};
 constexpr milliseconds kBlindWait{300};
 constexpr milliseconds kRefreshTime{500};
@@ -42,7 +42,7 @@ void ClientSync::waitForKeymapRefresh() {
   const xcb_window_t window = applicationWindow(noteFocus());
   if (window == XCB_WINDOW_NONE || isOwn(window) || !supportsPing(window)) return;
   if (_silent.contains(window)) return;
-  // two answers: one whole turn of its main loop in between
+  // two answers, so that its main loop has run once in between
   const Deadline deadline = Clock::now() + kRefreshTime;
   for (int round = 0; round < 2 && ping(window, deadline); ++round) {
     std::this_thread::sleep_for(kTurn);
@@ -81,7 +81,7 @@ void ClientSync::waitUntilReadBy(xcb_window_t window) {
   }
 }
 
-// The focus may be on a window inside; the one that the window manager knows has the protocols.
+// Finds the top-level window, which bears WM_STATE: the focus may be on a child of it.
 xcb_window_t ClientSync::applicationWindow(xcb_window_t focused) {
   const xcb_atom_t state = _connection.atom("WM_STATE");
   xcb_window_t window = focused;
@@ -96,7 +96,7 @@ xcb_window_t ClientSync::applicationWindow(xcb_window_t focused) {
   return XCB_WINDOW_NONE;
 }
 
-// This process's own windows answer from the thread that may be waiting here.
+// This process's own windows cannot answer: their thread may be the one that waits here.
 bool ClientSync::isOwn(xcb_window_t window) {
   const auto bytes =
       _connection.property(window, _connection.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
@@ -115,8 +115,8 @@ bool ClientSync::supportsPing(xcb_window_t window) {
          protocols.end();
 }
 
-// The answer goes to the root window, as that of a window manager's question does: to those who
-// want the root's own news too, by Qt 5's mask.
+// The answer is sent to the root window, as if to a window manager. Qt 5 sends it with a mask that
+// includes StructureNotify.
 bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
   const xcb_atom_t protocols = _connection.atom("WM_PROTOCOLS");
   const xcb_atom_t pingAtom = _connection.atom("_NET_WM_PING");
@@ -139,8 +139,8 @@ bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
   return answered;
 }
 
-// Programs on the X toolkit answer the resource editor (the Editres protocol): they ask for the
-// selection that its message names. To be asked is the answer; the selection is then refused.
+// Programs on the X toolkit (xterm) answer the Editres protocol: they request the selection that
+// its message names. That request is the answer; it is refused.
 bool ClientSync::pingByEditres(xcb_window_t window, Deadline deadline) {
   constexpr uint32_t protocolVersion = 5;
   const xcb_atom_t selection = _connection.atom("TAPDECK_QUESTION");

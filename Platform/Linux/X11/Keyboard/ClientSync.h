@@ -22,9 +22,9 @@ class ClientSync {
   void noteTypedInto(xcb_window_t focused) { _typedInto.insert(focused); }
   /// Waits until every application that was noted has read all that was sent to it so far.
   void waitUntilRead();
-  /// Gives the application with the focus the time to take note of a changed keymap. That one reads
-  /// the change before the keys that follow goes without saying; but a program may have a second
-  /// connection to the server, which tells it in its own time.
+  /// Waits, half a second at most, until the application with the focus has had time to read a
+  /// changed keymap. The events of one connection are in order, but some programs read the keymap
+  /// on a second connection.
   void waitForKeymapRefresh();
 
  private:
@@ -42,7 +42,7 @@ class ClientSync {
 
   Connection& _connection;
   std::set<xcb_window_t> _typedInto;
-  /// Those that answered once, and those that did not the last time.
+  /// Windows that have ever answered, and those that did not the last time.
   std::set<xcb_window_t> _answering;
   std::set<xcb_window_t> _silent;
   xcb_window_t _own = XCB_WINDOW_NONE;

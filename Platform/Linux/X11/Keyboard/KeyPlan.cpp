@@ -75,7 +75,7 @@ const std::unordered_map<Keysym, Keycode>& usPlaces() {
   return places;
 }
 
-/// Those that a US keyboard has in this place: one or none.
+/// The US key in this place: one or none.
 std::vector<UsKey> usKeysAt(Keycode code) {
   std::vector<UsKey> keys;
   const auto add = [&](const UsKey& key) {
@@ -113,8 +113,8 @@ uint8_t modifiersOf(Keysym keysym, const Keymap& map) {
   return 0;
 }
 
-/// Its own key, else another that sets the same modifier, else one that does so under Shift, such
-/// as those that stand for no key of any keyboard (SUPR, META).
+/// The modifier's own key, else another that sets the same modifier, else one that does so with
+/// Shift, as the virtual keys <SUPR> and <META> do.
 std::optional<RealKey> modifierKeyFor(Keysym keysym, const Keymap& map, int activeGroup) {
   const uint8_t wanted = modifiersOf(keysym, map);
   const auto sets = [&](Keycode code, size_t level) {
@@ -260,7 +260,7 @@ KeyMapping withUsGroup(const KeyMapping& mapping, const UsKey& key, uint8_t grou
   for (int each = 0; each <= group; ++each) {
     const bool isUs = each == group;
     const auto own = static_cast<size_t>(mapping.groupFor(each));
-    // a group that gives way keeps its type: the widest one has to fill the width
+    // a group that is replaced keeps its type, as the widest type has to fill the width
     widened.types[static_cast<size_t>(each)] = isUs && !isPlaceTaken ? usType : mapping.types[own];
     for (size_t level = 0; level < widened.width; ++level) {
       const bool hasOwn = mapping.groups() > 0 && level < mapping.width;
@@ -283,14 +283,14 @@ bool hasUsGroup(const KeyMapping& mapping, const KeyMapping& original, Keycode c
 }
 
 SpareKeys spareKeysOf(const Keymap& map) {
-  // the very first is none to the kernel, and so to some programs
+  // keycode 8 is evdev's key 0, which the kernel and some programs ignore
   constexpr int firstUseful = 9;
   SpareKeys spare;
   for (int number = std::max<int>(map.first, firstUseful); number <= map.last; ++number) {
     const auto code = static_cast<Keycode>(number);
     const KeyMapping& key = map.keys[code];
     if (map.modifiers[code] != 0 || map.isSpecial[code] || !key.actions.empty()) continue;
-    // may be needed for the key that belongs there
+    // reserved for the US key in this place
     if (!usKeysAt(code).empty()) continue;
     if (std::all_of(key.keysyms.begin(), key.keysyms.end(),
                     [](Keysym keysym) { return keysym == kNoKeysym; })) {

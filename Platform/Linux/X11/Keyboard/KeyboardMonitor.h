@@ -36,8 +36,8 @@ class KeyboardMonitor {
   /// The state after all that was sent on `output`. A round trip only after `stateIsChanged`, after
   /// a change of the map, or while something is latched.
   KeyboardState state();
-  /// What was sent, or is about to be sent, on `output` changes the state: the events about it come
-  /// later than the next key may need it.
+  /// To be called whenever something sent on `output` changes the state: the events about it may
+  /// arrive after the next key is due.
   void stateIsChanged();
 
  private:
@@ -51,9 +51,9 @@ class KeyboardMonitor {
   bool _hasMapChanged = false;
   /// Absent while events about changes of our own may be on their way.
   std::optional<KeyboardState> _state;
-  /// A question on the connection of the events: those that come behind its reply continue it.
+  /// GetState on the events' own connection: its reply and the events after it are in order.
   std::optional<xcb_xkb_get_state_cookie_t> _question;
-  /// What events behind that reply say.
+  /// The last event that the server sent after that reply.
   std::optional<KeyboardState> _sinceQuestion;
   bool _isLatched = false;
 };

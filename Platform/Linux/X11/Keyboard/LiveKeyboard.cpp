@@ -35,12 +35,12 @@ LiveKeyboard::LiveKeyboard(Connection& output)
       _clients(_questions) {
   xcb_test_grab_control(_questions.get(), 1);
   _questions.flush();
-  // a process before this one may have been killed while it borrowed
+  // a process before this one may have been killed while the keymap was changed
   putGroupIntoRange();
 }
 
 bool LiveKeyboard::isReady(const Step& step) {
-  // what nobody can carry out any more is not worth waiting for
+  // without a server there is nothing to wait for
   if (!_keys.followChanges()) return true;
   if (const auto* text = std::get_if<TextStep>(&step)) {
     return std::all_of(text->keysyms.begin(), text->keysyms.end(),
@@ -127,7 +127,7 @@ void LiveKeyboard::type(const TextStep& step) {
   const State before = _monitor.state();
   noteFocus(focus);
   const bool isCapsLocked = (before.lockedModifiers & XCB_MOD_MASK_LOCK) != 0;
-  // Most programs go by the event, which has no Caps Lock in it; some by the keyboard's state.
+  // The key events bear no Caps Lock, but some programs look at the keyboard's state instead.
   if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, false);
   uint8_t locked = before.lockedGroup;
   for (const Keysym keysym : step.keysyms) {
@@ -153,7 +153,7 @@ void LiveKeyboard::press(const KeyStep& step) {
     if (!key) return;
     held = pressed.emplace(step.key.unshifted, PressedInput::Key{*key, {}}).first;
   }
-  // a repeated press is of the same key, whatever the layout has become
+  // a repeated press uses the same keycode, even if the layout has changed
   auto& [key, modifiers] = held->second;
   if (_keys.isBorrowed(key.code)) noteFocus(xcb_get_input_focus(_output.get()));
   for (const CGKeyCode modifier : modifierKeysIn(step.flags)) {
@@ -181,7 +181,7 @@ std::optional<RealKey> LiveKeyboard::keyToPress(const UsKey& key, const State& n
 void LiveKeyboard::sendKey(const RealKey& key, bool down, const State& now) {
   if (changesState(key.code, now)) _monitor.stateIsChanged();
   if (key.group) lockGroup(groupToLock(*key.group, now));
-  // what a key does is decided when it is pressed
+  // the level is chosen at the press
   const bool locksShift = down && key.isShifted && (now.lockedModifiers & XCB_MOD_MASK_SHIFT) == 0;
   if (locksShift) lockModifier(XCB_MOD_MASK_SHIFT, true);
   if (down) {
@@ -204,7 +204,7 @@ void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
 void LiveKeyboard::leaveKeyGroup() {
   if (!_keyGroup) return;
   const State now = _monitor.state();
-  // a press that had to wait has its release right behind it
+  // where the press was queued, its release follows at once
   std::this_thread::sleep_until(_keyGroup->since + kMinGroupTime);
   // the user may have chosen another one meanwhile
   if (now.lockedGroup == _keyGroup->group) lockGroup(_keyGroup->lockedBefore);
@@ -231,7 +231,7 @@ void LiveKeyboard::release(const KeyStep& step) {
   if (found == pressed.end() && step.ownOnly) return;
   const State now = _monitor.state();
   if (found == pressed.end()) {
-    // nothing of ours: another program's, or one from before
+    // not pressed by us, but by another program or an earlier process
     const auto real = realKeyFor(key, _keys.layout(), now.group);
     if (real) sendKey(*real, false, now);
     return;

@@ -14,7 +14,7 @@
 
 namespace tapdeck::quartz {
 
-// What is to be done at the server, one after the other.
+// Input to be sent to the server, in order.
 struct MotionStep {
   Pixel pixel;
 };
@@ -40,7 +40,7 @@ struct WheelStep {
 struct KeyStep {
   UsKey key;
   bool down;
-  /// Modifiers that the event claims; those that nobody holds are held for this key.
+  /// Modifiers that the event claims; those that are not held are pressed with this key.
   CGEventFlags flags;
   /// A release of nothing but what this process has pressed.
   bool ownOnly = false;
@@ -60,12 +60,13 @@ class LiveKeyboard {
 
   /// Whether the step needs no change of the keymap first.
   bool isReady(const Step& step);
-  /// Of a step that is ready; sends it.
+  /// Sends a step that is ready.
   void carryOut(const Step& step);
-  /// Makes the first of the steps ready, and of the others as many as one change can. May wait, not
-  /// for ever, for an application. False when it cannot be made ready.
+  /// Changes the keymap so that the first step is ready, and as many of the others as one change
+  /// can serve. May wait some seconds for an application. False when the first cannot be made
+  /// ready.
   bool prepare(std::span<const Step> steps);
-  /// Keys that typing borrowed are the user's again; waits like `prepare`.
+  /// Restores the user's keymap; may wait like `prepare`.
   void giveBack();
   bool isBorrowing() const { return _keys.isBorrowing(); }
   /// When borrowed keys were last needed: now, while one is pressed.
@@ -96,21 +97,21 @@ class LiveKeyboard {
   void lockGroup(uint8_t group);
   /// The group to lock so that `wanted` is active, whatever is held or latched besides.
   uint8_t groupToLock(uint8_t wanted, const State& now) const;
-  /// A person's layout switch went on to groups that only the borrowed keys have.
+  /// A layout switch may have locked a group that only borrowed keys have.
   void putGroupIntoRange();
   void carryOutButton(const ButtonStep& step);
   void carryOutKey(const KeyStep& step);
   void press(const KeyStep& step);
-  /// Absent when there is none, or nothing left to press: Caps Lock without a key is locked at
-  /// once.
+  /// Absent when there is none. Caps Lock, where the layout has no key for it, is locked here and
+  /// gives none.
   std::optional<RealKey> keyToPress(const UsKey& key, const State& now);
-  /// Both in the key's group, so that applications take them for the same key.
+  /// Press and release are both sent in the key's group, so that applications see one key.
   void sendKey(const RealKey& key, bool down, const State& now);
-  /// `now` becomes what it is then.
+  /// Updates `now`.
   void enterKeyGroup(const UsKey& key, uint8_t group, State& now);
   void leaveKeyGroup();
   void release(const KeyStep& step);
-  /// Whether to press or release it may change what a KeyboardState tells.
+  /// Whether its XKB actions may change what KeyboardState holds.
   bool changesState(Keycode code, const State& now) const;
   bool isHeld(const UsKey& key) const { return _sender.pressed().keys.contains(key.unshifted); }
   /// Whether a key that is still pressed is this modifier, or was pressed with it.
