@@ -9,9 +9,6 @@
 namespace tapdeck::codec {
 namespace {
 
-constexpr uint8_t kSuccess = 0;
-constexpr uint8_t kError = 1;
-
 /// What `read` makes of the whole message; nothing when the message is malformed.
 template <typename Read>
 auto readWhole(std::span<const uint8_t> message, Read read)
@@ -73,8 +70,7 @@ std::optional<Value> decodeMessage(std::span<const uint8_t> message) {
 
 Bytes encodeMethodCall(const MethodCall& call) {
   Writer writer;
-  writer.value(Value(call.method));
-  writer.value(call.arguments);
+  writer.methodCall(call);
   return writer.take();
 }
 
@@ -86,18 +82,9 @@ std::optional<MethodCall> decodeMethodCall(std::span<const uint8_t> message) {
 }
 
 std::optional<Bytes> encodeEnvelope(const Outcome& outcome) {
+  if (std::holds_alternative<NotImplemented>(outcome)) return std::nullopt;
   Writer writer;
-  if (const auto* value = std::get_if<Value>(&outcome)) {
-    writer.byte(kSuccess);
-    writer.value(*value);
-  } else if (const auto* error = std::get_if<MethodError>(&outcome)) {
-    writer.byte(kError);
-    writer.value(Value(error->code));
-    writer.value(Value(error->message));
-    writer.value(error->details);
-  } else {
-    return std::nullopt;
-  }
+  writer.envelope(outcome);
   return writer.take();
 }
 

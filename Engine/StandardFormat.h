@@ -31,4 +31,8 @@ enum class Tag : uint8_t {
 inline constexpr uint8_t kSizeIn16Bits = 254;
 inline constexpr uint8_t kSizeIn32Bits = 255;
 
+/// The first byte of an envelope.
+inline constexpr uint8_t kSuccess = 0;
+inline constexpr uint8_t kError = 1;
+
 }  // namespace tapdeck::codec

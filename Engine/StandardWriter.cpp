@@ -8,7 +8,7 @@
 namespace tapdeck::codec {
 
 void Writer::byte(uint8_t value) {
-  _bytes.push_back(value);
+  raw(&value, 1);
 }
 
 void Writer::value(const Value& root) {
@@ -20,7 +20,30 @@ void Writer::value(const Value& root) {
   }
 }
 
+void Writer::list(size_t count) {
+  tag(Tag::list);
+  size(count);
+}
+
+void Writer::methodCall(const MethodCall& call) {
+  value(Value(call.method));
+  value(call.arguments);
+}
+
+void Writer::envelope(const Outcome& outcome) {
+  if (const auto* error = std::get_if<MethodError>(&outcome)) {
+    byte(kError);
+    value(Value(error->code));
+    value(Value(error->message));
+    value(error->details);
+  } else {
+    byte(kSuccess);
+    value(std::get<Value>(outcome));
+  }
+}
+
 std::vector<uint8_t> Writer::take() {
+  _size = 0;
   return std::exchange(_bytes, {});
 }
 
@@ -43,10 +66,12 @@ void Writer::size(size_t size) {
 }
 
 void Writer::align(size_t to) {
-  while (_bytes.size() % to != 0) byte(0);
+  while ((_size - _start) % to != 0) byte(0);
 }
 
 void Writer::raw(const void* data, size_t count) {
+  _size += count;
+  if (_isMeasuring) return;
   const auto* bytes = static_cast<const uint8_t*>(data);
   _bytes.insert(_bytes.end(), bytes, bytes + count);
 }
@@ -115,8 +140,7 @@ void Writer::content(const Value::Float64List& value) {
 }
 
 void Writer::content(const Value::List& value) {
-  tag(Tag::list);
-  size(value.size());
+  list(value.size());
   for (auto element = value.rbegin(); element != value.rend(); ++element) {
     _pending.push_back(&*element);
   }

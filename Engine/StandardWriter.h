@@ -3,8 +3,11 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
+#include "Engine/MethodCall.h"
+#include "Engine/Reply.h"
 #include "Engine/StandardFormat.h"
 #include "Engine/Value.h"
 
@@ -20,6 +23,25 @@ class Writer {
   /// Nested values are walked, not recursed into, so that depth costs no stack. Throws
   /// std::length_error for a string or list of 4 Gi elements or more, which has no encoding.
   void value(const Value& root);
+  /// Begins a list; its elements are what is written next.
+  void list(size_t size);
+  void methodCall(const MethodCall& call);
+  /// Of a value or an error.
+  void envelope(const Outcome& outcome);
+  /// Writes a byte array whose bytes are a message of their own, written by `write` in its place:
+  /// nothing is encoded first and copied then. `write` is called twice, first to learn the length.
+  template <typename Write>
+  void message(Write write) {
+    Writer measure;
+    measure._isMeasuring = true;
+    write(measure);
+    tag(Tag::bytes);
+    size(measure._size);
+    _bytes.reserve(_bytes.size() + measure._size);
+    const size_t outerStart = std::exchange(_start, _size);
+    write(*this);
+    _start = outerStart;
+  }
   std::vector<uint8_t> take();
 
  private:
@@ -46,6 +68,11 @@ class Writer {
   void content(const Value::Map& value);
 
   std::vector<uint8_t> _bytes;
+  /// Of what was written, or measured without being written.
+  size_t _size = 0;
+  bool _isMeasuring = false;
+  /// Where the message begins that is being written.
+  size_t _start = 0;
   /// What is still to be written, the next one last.
   std::vector<const Value*> _pending;
 };

@@ -52,6 +52,8 @@ class MainFlutterWindow {
   int64_t _prevFrameBytes = 0;
   int64_t _prevFrameStride = 0;
   int64_t _prevFrameHeight = 0;
+  /// The platform's version of pixels that are like `_prevFrame`; absent where it has none.
+  std::optional<uint64_t> _prevFrameVersion;
   /// System uptime in seconds, button and number of the last "click".
   double _lastClickTime = 0;
   std::string _lastClickButton;

@@ -53,8 +53,18 @@ CGPoint nearestPointWithin(const CGRect& frame, CGPoint point) {
                      std::min(std::max(point.y, CGRectGetMinY(frame)), CGRectGetMaxY(frame) - 1));
 }
 
-ValueMap displayRecord(size_t index, const platform::Screen& screen, double pivot) {
-  const CGRect frame = topLeftFrame(screen, pivot);
+}  // namespace
+
+double pivotHeight() {
+  return pivotOf(platform::screens());
+}
+
+CGRect screenTopLeftFrame(const platform::Screen& screen) {
+  return topLeftFrame(screen, pivotHeight());
+}
+
+ValueMap displayInfo(size_t index, const platform::Screen& screen) {
+  const CGRect frame = screenTopLeftFrame(screen);
   const double scale = screen.backingScaleFactor;
   const auto whole = [](double value, const char* what) {
     return Value(truncatedToInt64(value, what));
@@ -74,25 +84,11 @@ ValueMap displayRecord(size_t index, const platform::Screen& screen, double pivo
   };
 }
 
-}  // namespace
-
-double pivotHeight() {
-  return pivotOf(platform::screens());
-}
-
-CGRect screenTopLeftFrame(const platform::Screen& screen) {
-  return topLeftFrame(screen, pivotHeight());
-}
-
-ValueMap displayInfo(size_t index, const platform::Screen& screen) {
-  return displayRecord(index, screen, pivotHeight());
-}
-
 Value::List allDisplays() {
   const Screens screens = platform::screens();
   Value::List displays;
   for (size_t index = 0; index < screens.size(); ++index) {
-    displays.emplace_back(displayRecord(index, screens[index], pivotOf(screens)));
+    displays.emplace_back(displayInfo(index, screens[index]));
   }
   return displays;
 }

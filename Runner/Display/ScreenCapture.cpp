@@ -9,6 +9,7 @@
 #include <new>
 #include <utility>
 
+#include "Platform/PixelsVersion.h"
 #include "Runner/Display/DisplayGeometry.h"
 #include "Runner/Display/FrameComparison.h"
 #include "Runner/Owned.h"
@@ -28,6 +29,7 @@ struct Frame {
   size_t width;
   size_t height;
   size_t stride;
+  std::optional<uint64_t> version;
 
   size_t bytes() const { return stride * height; }
   FrameLayout layout() const { return {width * kBytesPerPixel, stride, height}; }
@@ -72,7 +74,8 @@ std::optional<Frame> drawn(CGImageRef image, const Size& size) {
   const auto* pixels = static_cast<const uint8_t*>(CGBitmapContextGetData(context.get()));
   if (pixels == nullptr) return std::nullopt;
   const size_t stride = CGBitmapContextGetBytesPerRow(context.get());
-  return Frame{std::move(context), pixels, size.width, size.height, stride};
+  const auto version = platform::pixelsVersion(context.get());
+  return Frame{std::move(context), pixels, size.width, size.height, stride, version};
 }
 
 std::optional<Frame> frameOf(CGDirectDisplayID display, int64_t maxWidth) {
@@ -89,9 +92,12 @@ bool hasGeometryOfLast(const MainFlutterWindow& window, const Frame& frame) {
          std::cmp_equal(window._prevFrameHeight, frame.height);
 }
 
-bool isLikeLast(const MainFlutterWindow& window, const Frame& frame) {
-  return hasGeometryOfLast(window, frame) &&
-         !framesDiffer(frame.pixels, window._prevFrame, frame.layout());
+bool isLikeLast(MainFlutterWindow& window, const Frame& frame) {
+  if (!hasGeometryOfLast(window, frame)) return false;
+  if (frame.version && frame.version == window._prevFrameVersion) return true;
+  if (framesDiffer(frame.pixels, window._prevFrame, frame.layout())) return false;
+  window._prevFrameVersion = frame.version;
+  return true;
 }
 
 /// False, with nothing kept, when there is no memory for the frame.
@@ -109,6 +115,7 @@ bool keepAsLast(MainFlutterWindow& window, const Frame& frame) {
   for (size_t at = 0; at < frame.bytes(); at += frame.stride) {
     std::memcpy(window._prevFrame + at, frame.pixels + at, frame.stride);
   }
+  window._prevFrameVersion = frame.version;
   return true;
 }
 
@@ -150,9 +157,12 @@ ValueMap captureScreen(MainFlutterWindow& window, const CaptureRequest& request)
   if (!image) return failure("capture_failed");
   Value::Bytes jpeg = jpegOf(image.get(), request.quality);
   if (jpeg.empty()) return failure("encode_failed");
-  return ValueMap{{"jpeg", Value(std::move(jpeg))},
-                  {"w", Value(static_cast<int64_t>(frame->width))},
-                  {"h", Value(static_cast<int64_t>(frame->height))}};
+  ValueMap answer;
+  // moved in: a braced list would copy it
+  answer.set(Value("jpeg"), Value(std::move(jpeg)));
+  answer.set(Value("w"), Value(static_cast<int64_t>(frame->width)));
+  answer.set(Value("h"), Value(static_cast<int64_t>(frame->height)));
+  return answer;
 }
 
 void resetScreenCapture(MainFlutterWindow& window) {
@@ -161,6 +171,7 @@ void resetScreenCapture(MainFlutterWindow& window) {
   window._prevFrameBytes = 0;
   window._prevFrameStride = 0;
   window._prevFrameHeight = 0;
+  window._prevFrameVersion.reset();
 }
 
 }  // namespace tapdeck

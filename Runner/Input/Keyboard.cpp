@@ -1,7 +1,7 @@
 #include "Runner/Input/Keyboard.h"
 
 #include "Platform/Clock.h"
-#include "Runner/Input/HeldInput.h"
+#include "Platform/HeldInput.h"
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Owned.h"
 
@@ -31,7 +31,7 @@ void keyDown(MainFlutterWindow& window, std::string_view key) {
   if (const auto flag = modifierFlagForName(key)) window._activeModifiers |= *flag;
   const CGKeyCode code = keyCodeForName(key);
   if (code == kNoKeyCode) return;
-  noteKey(code, true);
+  platform::noteKey(code, true);
   postKey(code, true, window._activeModifiers);
 }
 
@@ -40,7 +40,7 @@ void keyUp(MainFlutterWindow& window, std::string_view key) {
   const CGKeyCode code = keyCodeForName(key);
   if (code == kNoKeyCode) return;
   postKey(code, false, window._activeModifiers);
-  noteKey(code, false);
+  platform::noteKey(code, false);
 }
 
 }  // namespace tapdeck

@@ -4,10 +4,10 @@
 
 #include "Platform/Clock.h"
 #include "Platform/Events.h"
+#include "Platform/HeldInput.h"
 #include "Platform/Screens.h"
 #include "Runner/CheckedConversion.h"
 #include "Runner/Display/DisplayGeometry.h"
-#include "Runner/Input/HeldInput.h"
 #include "Runner/Input/MouseButtons.h"
 #include "Runner/Owned.h"
 #include "Runner/Permissions/Accessibility.h"
@@ -131,14 +131,14 @@ void doubleClick() {
 void mouseDown(MainFlutterWindow& window, const std::string& button) {
   window._heldMouseButton = button;
   const auto types = mouseButtonEventTypes(button);
-  noteButton(types, true);
+  platform::noteButton(types.button, types.release, true);
   postButton(types.press, types.button);
 }
 
 void mouseUp(MainFlutterWindow& window, const std::string& button) {
   const auto types = mouseButtonEventTypes(button);
   postButton(types.release, types.button);
-  noteButton(types, false);
+  platform::noteButton(types.button, types.release, false);
   window._heldMouseButton.reset();
 }
 

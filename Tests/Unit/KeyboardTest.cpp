@@ -1,4 +1,4 @@
-#include "Runner/Input/HeldInput.h"
+#include "Platform/macOS/HeldInput/HeldInput.h"
 #include "Runner/Input/KeyTable.h"
 #include "Runner/Input/Keyboard.h"
 #include "Runner/Input/MediaKeys.h"
@@ -69,7 +69,7 @@ TEST_F(KeyboardTest, OddModifiersKeepTheirOddity) {
 }
 
 TEST_F(KeyboardTest, WhatIsStillHeldCanBeLetGoOf) {
-  letGoOfInput();
+  platform::letGoOfInput();
   key("keyDown", "cmd");
   key("keyDown", "a");
   key("keyDown", "tab");
@@ -78,8 +78,8 @@ TEST_F(KeyboardTest, WhatIsStillHeldCanBeLetGoOf) {
   key("keyDown", "a");
   pointerAt(30, 40);
   trace();
-  letGoOfInput();
-  letGoOfInput();
+  platform::letGoOfInput();
+  platform::letGoOfInput();
   EXPECT_THAT(trace(), ElementsAre("post key 0 up source none flags 0x0",
                                    "post mouse 26 at (30,40) button 2 source none",
                                    "post key 55 up source none flags 0x0"));

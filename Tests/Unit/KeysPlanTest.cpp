@@ -12,8 +12,8 @@ namespace {
 using ::testing::ElementsAre;
 
 /// A key of two groups with two levels each.
-KeyMeaning twoGroups(Keysym first, Keysym firstShifted, Keysym second, Keysym secondShifted) {
-  KeyMeaning key;
+KeyMapping twoGroups(Keysym first, Keysym firstShifted, Keysym second, Keysym secondShifted) {
+  KeyMapping key;
   key.groupInfo = 2;
   key.width = 2;
   key.keysyms = {first, firstShifted, second, secondShifted};
@@ -55,37 +55,37 @@ TEST(KeyPlanTest, OnlyKeysThatNobodyMissesAreSpare) {
 TEST(KeyPlanTest, AMissingKeyIsAFurtherGroupInItsPlace) {
   constexpr Keycode code = 24;
   const UsKey q{'q', 'Q'};
-  const KeyMeaning original = twoGroups(0x6CA, 0x6EA, 0x7F8, 0x7D8);
+  const KeyMapping original = twoGroups(0x6CA, 0x6EA, 0x7F8, 0x7D8);
   Keymap map;
   map.keys[code] = original;
-  EXPECT_EQ(usPlaceOf(q, map), code);
-  const KeyMeaning made = withUsGroup(original, q, 3);
+  EXPECT_EQ(usKeycodeOf(q, map), code);
+  const KeyMapping made = withUsGroup(original, q, 3);
   EXPECT_THAT(made.keysyms, ElementsAre(0x6CA, 0x6EA, 0x7F8, 0x7D8, 0x6CA, 0x6EA, 'q', 'Q'))
       << "a group that the key did not have gives what it gave there";
   EXPECT_TRUE(hasUsGroup(made, original, code));
   EXPECT_FALSE(hasUsGroup(original, original, code));
   EXPECT_FALSE(hasUsGroup(made, twoGroups('x', 'X', 'y', 'Y'), code)) << "another layout since";
   map.modifiers[code] = 1;
-  EXPECT_FALSE(usPlaceOf(q, map)) << "a modifier stays what it is";
+  EXPECT_FALSE(usKeycodeOf(q, map)) << "a modifier stays what it is";
 }
 
 TEST(JournalTest, ReadsWhatItWroteAndNothingElse) {
-  Held held;
+  InputRecord held;
   held.keys.set(8).set(255);
   held.buttons.set(1);
-  held.meanings[156] = twoGroups(0x1008FF41, 'A', 0x6CA, 0x6EA);
-  const auto bytes = writeHeld(held);
-  const auto read = readHeld(bytes);
+  held.mappings[156] = twoGroups(0x1008FF41, 'A', 0x6CA, 0x6EA);
+  const auto bytes = writeRecord(held);
+  const auto read = readRecord(bytes);
   ASSERT_TRUE(read);
   EXPECT_EQ(read->keys, held.keys);
   EXPECT_EQ(read->buttons, held.buttons);
-  EXPECT_EQ(read->meanings, held.meanings);
+  EXPECT_EQ(read->mappings, held.mappings);
   for (size_t size = 0; size < bytes.size(); ++size) {
-    EXPECT_FALSE(readHeld({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)}));
+    EXPECT_FALSE(readRecord({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)}));
   }
   auto longer = bytes;
   longer.push_back(0);
-  EXPECT_FALSE(readHeld(longer));
+  EXPECT_FALSE(readRecord(longer));
 }
 
 TEST(KeymapTest, AReplyThatDoesNotHoldTogetherIsRefused) {

@@ -141,6 +141,18 @@ TEST_F(ScreenCaptureTest, MeasuresDriftAgainstTheLastFrameSent) {
   EXPECT_EQ(capture({{"force", Value(true)}}), frame(1280, 800));
 }
 
+TEST_F(ScreenCaptureTest, PixelsOfTheSameVersionAreNotComparedAgain) {
+  drawn().assign(1280 * 800 * 4, 100);
+  script().images.version = 1;
+  capture();
+  drawn()[0] = 200;  // as no platform may do: to see that nobody looks
+  EXPECT_EQ(capture(), kUnchanged);
+  script().images.version = 2;
+  EXPECT_EQ(capture(), frame(1280, 800));
+  reply("resetScreenCapture");
+  EXPECT_EQ(capture(), frame(1280, 800));
+}
+
 TEST_F(ScreenCaptureTest, ANewGeometryOrAResetSendsTheFrame) {
   const ValueMap narrow{{"maxWidth", Value(640)}};
   EXPECT_EQ(capture(), frame(1280, 800));

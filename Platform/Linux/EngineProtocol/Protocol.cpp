@@ -3,16 +3,25 @@
 #include <optional>
 #include <utility>
 
+#include "Engine/StandardWriter.h"
+
 namespace tapdeck::standin {
 namespace {
 
-codec::Bytes encode(int64_t id, const std::string& channel, std::optional<codec::Bytes> payload) {
-  Value::List message;
-  message.reserve(3);
-  message.emplace_back(id);
-  message.emplace_back(channel);
-  message.push_back(payload ? Value(*std::move(payload)) : Value());
-  return codec::encodeMessage(Value(std::move(message)));
+template <typename WritePayload>
+codec::Bytes encode(int64_t id, const std::string& channel, WritePayload writePayload) {
+  codec::Writer writer;
+  writer.list(3);
+  writer.value(Value(id));
+  writer.value(Value(channel));
+  writePayload(writer);
+  return writer.take();
+}
+
+codec::Bytes encode(int64_t id, const std::string& channel, const MethodCall& call) {
+  return encode(id, channel, [&](codec::Writer& writer) {
+    writer.message([&](codec::Writer& payload) { payload.methodCall(call); });
+  });
 }
 
 std::optional<Frame> frameIn(const Value& message) {
@@ -44,15 +53,21 @@ std::optional<Frame> decodeFrame(std::span<const uint8_t> message) {
 }
 
 codec::Bytes encodeCall(int64_t id, const std::string& channel, const MethodCall& call) {
-  return encode(id, channel, codec::encodeMethodCall(call));
+  return encode(id, channel, call);
 }
 
 codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& outcome) {
-  return encode(id, channel, codec::encodeEnvelope(outcome));
+  return encode(id, channel, [&](codec::Writer& writer) {
+    if (std::holds_alternative<NotImplemented>(outcome)) {
+      writer.value(Value());
+    } else {
+      writer.message([&](codec::Writer& payload) { payload.envelope(outcome); });
+    }
+  });
 }
 
 codec::Bytes encodeHostCall(const std::string& channel, const MethodCall& call) {
-  return encode(kHostCallId, channel, codec::encodeMethodCall(call));
+  return encode(kHostCallId, channel, call);
 }
 
 }  // namespace tapdeck::standin

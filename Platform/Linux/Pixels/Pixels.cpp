@@ -42,7 +42,7 @@ PixelBuffer allocatePixels(int width, int height, size_t bytesPerRow) {
   auto* memory =
       static_cast<uint8_t*>(::operator new (size, std::align_val_t{kCacheLine}, std::nothrow));
   if (memory == nullptr) return {};
-  return {std::shared_ptr<uint8_t>(memory, AlignedDelete()), width, height, bytesPerRow};
+  return {std::shared_ptr<uint8_t>(memory, AlignedDelete()), width, height, bytesPerRow, 0};
 }
 
 void copyOpaque(const PixelView& source, const PixelBuffer& target, const Area& area) {

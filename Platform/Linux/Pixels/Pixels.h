@@ -31,6 +31,8 @@ struct PixelBuffer {
   std::shared_ptr<uint8_t> memory;
   int width = 0, height = 0;
   size_t bytesPerRow = 0;
+  /// Differs from that of all other content there has been; 0 where nobody keeps count of changes.
+  uint64_t version = 0;
 
   explicit operator bool() const { return memory != nullptr; }
   bool isShared() const { return memory.use_count() > 1; }

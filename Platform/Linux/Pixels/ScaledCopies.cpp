@@ -7,7 +7,12 @@ namespace tapdeck::quartz {
 namespace {
 
 // Two phones may ask for two widths.
-constexpr size_t kMostCopies = 2;
+constexpr size_t kMaxCopies = 2;
+
+uint64_t nextVersion() {
+  static uint64_t last = 0;
+  return ++last;
+}
 
 }  // namespace
 
@@ -24,6 +29,7 @@ PixelBuffer ScaledCopies::Copy::upToDate(const PixelView& picture) {
   if ((!pixels || pixels.isShared()) && !makeOwn()) return {};
   for (const Area& part : dirty.areas()) draw(picture, part);
   dirty.clear();
+  pixels.version = nextVersion();
   return pixels;
 }
 
@@ -56,7 +62,7 @@ PixelBuffer ScaledCopies::in(const Shape& shape, const PixelView& picture) {
   auto found = std::find_if(_copies.begin(), _copies.end(),
                             [&](const Copy& copy) { return copy.shape == shape; });
   if (found == _copies.end()) {
-    if (_copies.size() == kMostCopies) _copies.pop_back();
+    if (_copies.size() == kMaxCopies) _copies.pop_back();
     found = _copies.emplace(_copies.end(), shape, picture);
   }
   // the one that was used last stands first, the next to go last

@@ -20,8 +20,8 @@ class ScaledCopies {
     friend bool operator==(const Shape&, const Shape&) = default;
   };
 
-  /// `picture` in another shape, the unused byte 255; who is given it only reads it. Null when
-  /// there is no memory.
+  /// `picture` in another shape, the unused byte 255; who is given it only reads it, and
+  /// can tell by its version whether it has changed since. Null when there is no memory.
   PixelBuffer in(const Shape& shape, const PixelView& picture);
 
   /// Parts of the picture are about to be different.

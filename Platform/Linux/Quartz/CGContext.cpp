@@ -3,19 +3,12 @@
 #include <cstring>
 
 #include "Platform/Linux/CoreFoundation/Object.h"
+#include "Platform/Linux/X11/Capture/Context.h"
 #include "Platform/Linux/X11/Capture/Image.h"
 
 using tapdeck::quartz::PixelBuffer;
-using tapdeck::quartz::ScaledCopies;
 
 struct CGColorSpace final : tapdeck::cf::Object {};
-
-/// Has no pixels of its own as long as it need not: an image that is drawn shares its scaled ones.
-struct CGContext final : tapdeck::cf::Object {
-  explicit CGContext(const ScaledCopies::Shape& its) : shape(its) {}
-  const ScaledCopies::Shape shape;
-  PixelBuffer pixels;
-};
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ struct ScreenImages {
   std::map<CGDirectDisplayID, Picture> displays;
   /// Bytes at the end of each row of a context, different after each drawing.
   size_t rowPadding = 0;
+  /// What every context's pixels are numbered by.
+  std::optional<uint64_t> version;
   /// Name of the function that fails.
   std::string failing;
   /// What every image is encoded as.

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "Platform/PixelsVersion.h"
 #include "Tests/Support/Recording/Objects.h"
 #include "Tests/Support/Recording/Recording.h"
 #include "Tests/Support/Recording/ScreenAnswers.h"
@@ -82,6 +83,10 @@ CGContextRef CGBitmapContextCreate(void*, size_t width, size_t height, size_t bi
   if (fails("CGBitmapContextCreate")) return nullptr;
   const size_t stride = width * kBytesPerPixel + images().rowPadding;
   return makeObject<CGContextRef>(ContextRecord{width, height, stride}, stride * height);
+}
+
+std::optional<uint64_t> tapdeck::platform::pixelsVersion(CGContextRef) {
+  return images().version;
 }
 
 void* CGBitmapContextGetData(CGContextRef context) {

@@ -56,9 +56,8 @@ void EventPoster::post(const __CGEvent& event) {
     postKey(event, isPermitted);
   } else if (isPermitted) {
     carryOut(event);
-  } else if (const uint8_t button = serverButton(event.button);
-             isRelease(event) && _heldButtons.contains(button)) {
-    release(button);
+  } else if (isRelease(event)) {
+    release(serverButton(event.button), /*ownOnly=*/true);
   }
 }
 
@@ -72,13 +71,8 @@ void EventPoster::postKey(const __CGEvent& event, bool isPermitted) {
   }
   const auto key = event.mediaKey != 0 ? mediaKeyFor(event.mediaKey) : usKeyFor(event.keyCode);
   if (!key) return;
-  if (!isPermitted && (down || !_heldKeys.contains(key->plain))) return;
-  if (down) {
-    _heldKeys.insert(key->plain);
-  } else {
-    _heldKeys.erase(key->plain);
-  }
-  _queue.add(KeyStep{*key, down, event.flags});
+  if (!isPermitted && down) return;
+  _queue.add(KeyStep{*key, down, event.flags, /*ownOnly=*/!isPermitted});
 }
 
 void EventPoster::carryOut(const __CGEvent& event) {
@@ -98,7 +92,7 @@ void EventPoster::carryOut(const __CGEvent& event) {
     case kCGEventRightMouseUp:
     case kCGEventOtherMouseUp:
       move(event.location);
-      release(serverButton(event.button));
+      release(serverButton(event.button), /*ownOnly=*/false);
       break;
     case kCGEventScrollWheel:
       scroll(event);
@@ -106,12 +100,6 @@ void EventPoster::carryOut(const __CGEvent& event) {
     default:
       break;
   }
-}
-
-void EventPoster::letGo() {
-  _heldButtons.clear();
-  _heldKeys.clear();
-  _queue.letGo();
 }
 
 bool EventPoster::move(CGPoint point) {
@@ -122,16 +110,11 @@ bool EventPoster::move(CGPoint point) {
 
 void EventPoster::press(uint8_t button) {
   const auto physical = _server.physicalButton(button);
-  if (!physical) return;
-  _queue.add(ButtonStep{*physical, true});
-  _heldButtons.emplace(button, *physical);
+  if (physical) _queue.add(ButtonStep{button, physical, true});
 }
 
-void EventPoster::release(uint8_t button) {
-  const auto held = _heldButtons.find(button);
-  const auto physical = held == _heldButtons.end() ? _server.physicalButton(button) : held->second;
-  if (held != _heldButtons.end()) _heldButtons.erase(held);
-  if (physical) _queue.add(ButtonStep{*physical, false});
+void EventPoster::release(uint8_t button, bool ownOnly) {
+  _queue.add(ButtonStep{button, _server.physicalButton(button), false, ownOnly});
 }
 
 void EventPoster::scroll(const __CGEvent& event) {

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
-#include <set>
 
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Input/Event.h"
@@ -14,22 +12,21 @@
 
 namespace tapdeck::quartz {
 
-/// Carries events out. Every event goes through here, so that they arrive in the order of posting
-/// and what stays pressed is known.
+/// Carries events out. Every event goes through here, so that they arrive in the order of posting.
 class EventPoster {
  public:
   EventPoster(Connection& connection, ServerState& server);
   EventPoster(const EventPoster&) = delete;
   EventPoster& operator=(const EventPoster&) = delete;
 
-  /// Without the user's permission only releases of what is held here still go out.
+  /// Without the user's permission only releases of what this process has pressed still go out.
   void post(const __CGEvent& event);
   /// Moves the pointer without an event; needs no permission.
   void warp(Pixel pixel) { _queue.add(WarpStep{pixel}); }
-  /// Waits, not for ever, for text that is still being typed; then releases all that is held and
-  /// gives the keyboard's map back.
-  void letGo();
-  /// Where events still waiting will have the pointer.
+  /// Waits some seconds at most for queued steps; then releases all that is pressed and restores
+  /// the keymap.
+  void letGo() { _queue.letGo(); }
+  /// The position to which queued events will move the pointer; absent when none will.
   std::optional<Pixel> waitingMotion() { return _queue.waitingMotion(); }
 
  private:
@@ -37,15 +34,11 @@ class EventPoster {
   void postKey(const __CGEvent& event, bool isPermitted);
   bool move(CGPoint point);
   void press(uint8_t button);
-  void release(uint8_t button);
+  void release(uint8_t button, bool ownOnly);
   void scroll(const __CGEvent& event);
   void turnWheel(int steps, uint8_t positive, uint8_t negative);
 
   ServerState& _server;
-  /// The X button as applications see it, and the physical one that was pressed for it.
-  std::map<uint8_t, uint8_t> _heldButtons;
-  /// By what the key gives plainly.
-  std::set<Keysym> _heldKeys;
   ScrollSteps _vertical;
   ScrollSteps _horizontal;
   StepQueue _queue;

@@ -8,11 +8,10 @@ namespace tapdeck::quartz {
 /// programs may turn. What is left of a step counts towards the next, until the direction turns.
 class ScrollSteps {
  public:
-  /// What applications make of one wheel step: about three lines of text. So content keeps up with
-  /// the finger, neither faster nor slower.
+  /// Most applications scroll three lines of text, about 50 points, for one wheel step.
   static constexpr int kPixelsPerStep = 50;
-  /// For one event, however large: further than anyone scrolls at once, and soon over.
-  static constexpr int kMostSteps = 100;
+  /// The most for one event, however large.
+  static constexpr int kMaxSteps = 100;
 
   /// Points, positive and negative being the two directions; gives whole steps of the same sign.
   int addPixels(int32_t pixels);

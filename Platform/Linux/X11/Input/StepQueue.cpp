@@ -11,12 +11,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// Text comes a character every 5 ms or so: a pause of this length means that it is over for now.
+// Text is posted a character every 5 ms: after a pause of this length no more is expected.
 constexpr milliseconds kPause{15};
-// So long text may gather for one change of the keymap, which costs every program on the desktop
-// some time.
+// How long text is gathered for one change of the keymap, which every program has to read.
 constexpr milliseconds kGatherTime{150};
-// What is still waiting at the end, in the worst case behind an application that does not answer.
+// How long releases are gathered for one round trip that confirms them.
+constexpr milliseconds kConfirmTime{10};
+// How long the end waits for queued steps, which an application that does not answer may delay.
 constexpr std::chrono::seconds kEndTime{8};
 
 }  // namespace
@@ -38,7 +39,9 @@ void StepQueue::add(Step step) {
   const Lock lock(_mutex);
   _lastAdded = Clock::now();
   if (!_isBusy && _waiting.empty() && _keyboard.isReady(step)) {
+    const bool wasConfirmed = !_keyboard.unconfirmedSince();
     _keyboard.carryOut(step);
+    if (wasConfirmed && _keyboard.unconfirmedSince()) _changed.notify_all();
     return;
   }
   _waiting.push_back(std::move(step));
@@ -73,6 +76,8 @@ void StepQueue::run() {
       empty(lock);
       _isBusy = false;
       _changed.notify_all();
+    } else if (const auto since = _keyboard.unconfirmedSince()) {
+      confirmReleases(lock, *since + kConfirmTime);
     } else if (!_keyboard.isBorrowing()) {
       _changed.wait(lock);
     } else if (const auto end = _keyboard.lastNeed() + _idleTime; Clock::now() < end) {
@@ -86,6 +91,20 @@ void StepQueue::run() {
       _changed.notify_all();
     }
   }
+}
+
+// The journal has to know that the server has read a release. This thread waits for that, so that
+// who posts the release need not.
+void StepQueue::confirmReleases(Lock& lock, Clock::time_point due) {
+  if (Clock::now() < due) {
+    _changed.wait_until(lock, due);
+    return;
+  }
+  const uint64_t count = _keyboard.releaseCount();
+  lock.unlock();
+  _keyboard.output().finish();
+  lock.lock();
+  _keyboard.confirmReleases(count);
 }
 
 void StepQueue::empty(Lock& lock) {

@@ -11,9 +11,9 @@
 
 namespace tapdeck::quartz {
 
-/// Keeps the steps in order. A step that needs nothing is carried out at once; one that has to wait
-/// for a change of the keymap, and all after it, are carried out by a thread of the queue, so that
-/// one change serves many.
+/// Keeps steps in order. A step that needs no change of the keymap is sent at once by the caller's
+/// thread; one that does, and all that follow it, are sent by the queue's own thread, so that one
+/// change serves many.
 class StepQueue {
  public:
   /// Borrowed keys are given back when none was needed for `idleTime`.
@@ -24,9 +24,9 @@ class StepQueue {
   StepQueue& operator=(const StepQueue&) = delete;
 
   void add(Step step);
-  /// Where the pointer is going to be; absent when no motion waits.
+  /// The position to which queued steps will move the pointer; absent when none will.
   std::optional<Pixel> waitingMotion();
-  /// Waits for what was added, not for ever; then releases and gives back all.
+  /// Waits some seconds at most for queued steps; then releases and restores everything.
   void letGo();
 
  private:
@@ -34,13 +34,14 @@ class StepQueue {
   void run();
   void empty(Lock& lock);
   void gather(Lock& lock);
+  void confirmReleases(Lock& lock, std::chrono::steady_clock::time_point due);
 
   const std::chrono::milliseconds _idleTime;
   LiveKeyboard _keyboard;
   std::mutex _mutex;
   std::condition_variable _changed;
   std::deque<Step> _waiting;
-  /// The thread has the keyboard, with or without the lock.
+  /// The queue's thread uses `_keyboard`, even while it does not hold the lock.
   bool _isBusy = false;
   bool _ends = false;
   std::chrono::steady_clock::time_point _lastAdded;

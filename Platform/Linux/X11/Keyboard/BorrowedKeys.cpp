@@ -13,13 +13,7 @@
 namespace tapdeck::quartz {
 namespace {
 
-bool useKeyboardExtension(const Connection& connection) {
-  const auto reply =
-      connection.wait(xcb_xkb_use_extension(connection.get(), 1, 0), xcb_xkb_use_extension_reply);
-  return reply != nullptr && reply->supported != 0;
-}
-
-/// Nobody sees the map half changed.
+/// Grabs the server, so that no client sees the keymap half changed.
 class ServerGrab {
  public:
   explicit ServerGrab(const Connection& connection) : _connection(connection) {
@@ -47,46 +41,26 @@ void announceGroup(const Connection& connection) {
   }
 }
 
-bool isMapEvent(const xcb_generic_event_t& event, uint8_t firstEvent) {
-  if ((event.response_type & 0x7f) != firstEvent) return false;
-  // all events of the extension share one number; the kind is in the second byte
-  return event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
-}
-
 }  // namespace
 
-BorrowedKeys::BorrowedKeys(Connection& output, InputSender& sender)
-    : _output(output), _sender(sender) {
-  useKeyboardExtension(_output);
-  useKeyboardExtension(_events);
-  // as the output: not to be held up by who grabs the whole server
-  xcb_test_grab_control(_events.get(), 1);
-  const auto* extension = xcb_get_extension_data(_events.get(), &xcb_xkb_id);
-  if (extension != nullptr) _firstEvent = extension->first_event;
-  constexpr uint16_t kinds = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
-  xcb_xkb_select_events(_events.get(), XCB_XKB_ID_USE_CORE_KBD, kinds, 0, kinds, 0xff, 0xff,
-                        nullptr);
-  _events.finish();
+BorrowedKeys::BorrowedKeys(Connection& output, InputSender& sender, KeyboardMonitor& monitor)
+    : _output(output), _sender(sender), _monitor(monitor) {
   if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
-  if (const Held& left = _sender.leftOver(); !left.meanings.empty()) {
-    // only what bears this program's marks: the user may have another layout since
-    KeyMeanings ours;
-    for (const auto& [code, meaning] : left.meanings) {
-      const KeyMeaning& now = _now.keys[code];
-      if (isTextKey(now) || hasUsGroup(now, meaning, code)) ours[code] = meaning;
+  if (const InputRecord& left = _sender.leftOver(); !left.mappings.empty()) {
+    // only keys that still look remapped by us: the user may have changed the layout since
+    KeyMappings ours;
+    for (const auto& [code, mapping] : left.mappings) {
+      const KeyMapping& now = _now.keys[code];
+      if (isTextKey(now) || hasUsGroup(now, mapping, code)) ours[code] = mapping;
     }
     putBack(ours);
-    _sender.keepMeanings({});
+    _sender.keepMappings({});
   }
   _layout = _now;
 }
 
 bool BorrowedKeys::followChanges() {
-  bool changed = false;
-  while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_events.get())}) {
-    changed = changed || isMapEvent(*event, _firstEvent);
-  }
-  if (changed) {
+  if (_monitor.takeMapChange()) {
     auto fetched = fetchKeymap(_output.get());
     if (fetched) adopt(std::move(*fetched));
   }
@@ -101,9 +75,9 @@ bool BorrowedKeys::isIntact(const Keymap& fetched) const {
 
 void BorrowedKeys::adopt(Keymap fetched) {
   if (!isIntact(fetched)) {
-    KeyMeanings ours;
-    for (const auto& [code, meaning] : _originals) {
-      if (fetched.keys[code] == _now.keys[code]) ours[code] = meaning;
+    KeyMappings ours;
+    for (const auto& [code, mapping] : _originals) {
+      if (fetched.keys[code] == _now.keys[code]) ours[code] = mapping;
     }
     _now = std::move(fetched);
     putBack(ours);
@@ -112,68 +86,68 @@ void BorrowedKeys::adopt(Keymap fetched) {
   }
   _now = std::move(fetched);
   _layout = _now;
-  for (const auto& [code, meaning] : _originals) _layout.keys[code] = meaning;
+  for (const auto& [code, mapping] : _originals) _layout.keys[code] = mapping;
 }
 
-std::optional<BorrowedKeys::TextPlace> BorrowedKeys::textPlace(Keysym keysym) const {
+std::optional<BorrowedKeys::AssignedKey> BorrowedKeys::assignedKey(Keysym keysym) const {
   const auto slot = _text.find(keysym);
   if (!slot) return std::nullopt;
-  return placeOf(*slot);
+  return keyAt(*slot);
 }
 
 std::optional<RealKey> BorrowedKeys::usKey(const UsKey& key) const {
-  const auto found = _usKeys.find(key.plain);
+  const auto found = _usKeys.find(key.unshifted);
   if (found == _usKeys.end()) return std::nullopt;
   return found->second;
 }
 
-void BorrowedKeys::useText(Keysym keysym) {
+void BorrowedKeys::markUsed(Keysym keysym) {
   if (const auto slot = _text.find(keysym)) _text.use(*slot, ++_time);
 }
 
-// The first groups of all keys come first: mostly they need no other group to be made active.
-BorrowedKeys::TextPlace BorrowedKeys::placeOf(size_t slot) const {
+// All keys' first groups are filled first, as that is mostly the active one.
+BorrowedKeys::AssignedKey BorrowedKeys::keyAt(size_t slot) const {
   const size_t keys = _textCodes.size();
   return {_textCodes[slot % keys], static_cast<uint8_t>(slot / keys)};
 }
 
-KeyMeaning BorrowedKeys::textMeaning(size_t key) const {
-  std::array<TextMeaning, kTextGroups> groups;
+KeyMapping BorrowedKeys::textKeyMapping(size_t key) const {
+  std::array<TextGroup, kTextGroups> groups;
   for (size_t group = 0; group < groups.size(); ++group) {
     const Keysym keysym = _text.at(group * _textCodes.size() + key);
     groups[group].keysym = keysym;
-    // Return, Tab and the like: some programs go by the key
+    // some programs recognise Return, Tab and the like by keycode
     if ((keysym & 0xffffff00) == 0xff00) groups[group].deliveredAs = _layout.keyFor(keysym, 0);
   }
   return textKey(_textCodes[key], groups);
 }
 
-bool BorrowedKeys::takesPlacesAway(const Wanted& wanted) const {
+bool BorrowedKeys::wouldEvict(const Request& request) const {
   size_t missing = 0;
   size_t empty = 0;
   std::set<Keysym> seen;
-  for (const Keysym keysym : wanted.text)
+  for (const Keysym keysym : request.text)
     missing += !_text.find(keysym) && seen.insert(keysym).second;
   for (size_t slot = 0; slot < _text.size(); ++slot) empty += _text.at(slot) == kNoKeysym;
   return _text.size() > 0 && missing > empty;
 }
 
-bool BorrowedKeys::place(const Wanted& wanted) {
+bool BorrowedKeys::assign(const Request& request) {
   if (!followChanges()) return false;
-  KeyMeanings meanings;
-  const bool newText = !wanted.text.empty() && placeText(wanted.text, meanings);
-  const bool newKeys = !wanted.keys.empty() && placeKeys(wanted.keys, meanings);
-  if (!meanings.empty()) send(meanings, newKeys ? ToldAs::newKeyboard : ToldAs::change);
+  KeyMappings mappings;
+  const bool newText = !request.text.empty() && assignText(request.text, mappings);
+  const bool newKeys = !request.keys.empty() && assignKeys(request.keys, mappings);
+  if (!mappings.empty()) send(mappings, newKeys ? ToldAs::newKeyboard : ToldAs::change);
   return (newText || newKeys) && isBorrowing();
 }
 
-bool BorrowedKeys::placeText(const std::vector<Keysym>& text, KeyMeanings& meanings) {
+bool BorrowedKeys::assignText(const std::vector<Keysym>& text, KeyMappings& mappings) {
   const bool first = _textCodes.empty();
   if (first && !chooseTextCodes()) return false;
   std::set<Keycode> changed;
   bool any = false;
 
-  // no more than there are places, else those needed first might find none
+  // no more than there are slots, else those needed first might get none
   std::set<Keysym> needed;
   for (const Keysym keysym : text) {
     if (needed.size() < _text.size()) needed.insert(keysym);
@@ -181,7 +155,7 @@ bool BorrowedKeys::placeText(const std::vector<Keysym>& text, KeyMeanings& meani
   const auto mustStay = [&](size_t slot) { return needed.contains(_text.at(slot)); };
   const auto takeEmpty = [&](Keysym keysym) {
     if (_text.find(keysym)) return;
-    if (const auto slot = _text.takeEmpty(keysym)) changed.insert(placeOf(*slot).code);
+    if (const auto slot = _text.takeEmpty(keysym)) changed.insert(keyAt(*slot).code);
   };
   for (const Keysym keysym : text) {
     if (_text.find(keysym) || !needed.contains(keysym)) continue;
@@ -189,7 +163,7 @@ bool BorrowedKeys::placeText(const std::vector<Keysym>& text, KeyMeanings& meani
     if (!slot) slot = _text.takeOldest(keysym, _time, mustStay);
     if (!slot) break;
     any = true;
-    changed.insert(placeOf(*slot).code);
+    changed.insert(keyAt(*slot).code);
   }
   for (const Keysym keysym : needed) {
     for (const Keysym companion : companionsOf(keysym)) takeEmpty(companion);
@@ -199,42 +173,43 @@ bool BorrowedKeys::placeText(const std::vector<Keysym>& text, KeyMeanings& meani
     for (const Keysym keysym : companionsOf(' ')) takeEmpty(keysym);
   }
   for (size_t key = 0; key < _textCodes.size(); ++key) {
-    if (first || changed.contains(_textCodes[key])) meanings[_textCodes[key]] = textMeaning(key);
+    if (first || changed.contains(_textCodes[key])) mappings[_textCodes[key]] = textKeyMapping(key);
   }
   return any;
 }
 
-// Where one is lacking, others are: all of them in one change.
-bool BorrowedKeys::placeKeys(std::vector<UsKey> keys, KeyMeanings& meanings) {
+// A layout that lacks one US key lacks others: all of them get theirs in one change.
+bool BorrowedKeys::assignKeys(std::vector<UsKey> keys, KeyMappings& mappings) {
   const uint8_t group = furtherGroupOf(_layout);
   const auto others = usTextKeys();
   bool any = false;
   keys.insert(keys.end(), others.begin(), others.end());
   for (const UsKey& key : keys) {
-    if (_usKeys.contains(key.plain) || realKeyFor(key, _layout, 0)) continue;
-    const auto code = usPlaceOf(key, _layout);
+    if (_usKeys.contains(key.unshifted) || realKeyFor(key, _layout, 0)) continue;
+    const auto code = usKeycodeOf(key, _layout);
     if (!code) continue;
-    meanings[*code] = withUsGroup(_layout.keys[*code], key, group);
-    _usKeys[key.plain] = {*code, group};
+    mappings[*code] = withUsGroup(_layout.keys[*code], key, group);
+    _usKeys[key.unshifted] = {*code, group};
     any = true;
   }
   return any;
 }
 
-void BorrowedKeys::send(const KeyMeanings& meanings, ToldAs toldAs) {
-  for (const auto& [code, meaning] : meanings) _originals.try_emplace(code, _layout.keys[code]);
-  _sender.keepMeanings(_originals);
-  const bool newActions = std::any_of(meanings.begin(), meanings.end(), [&](const auto& meaning) {
-    return meaning.second.actions != _now.keys[meaning.first].actions;
+void BorrowedKeys::send(const KeyMappings& mappings, ToldAs toldAs) {
+  for (const auto& [code, mapping] : mappings) _originals.try_emplace(code, _layout.keys[code]);
+  _sender.keepMappings(_originals);
+  const bool newActions = std::any_of(mappings.begin(), mappings.end(), [&](const auto& mapping) {
+    return mapping.second.actions != _now.keys[mapping.first].actions;
   });
   {
     const ServerGrab grab(_output);
-    sendKeysyms(_output.get(), _now, meanings, toldAs);
-    if (newActions) sendActions(_output.get(), _now, meanings);
+    sendKeysyms(_output.get(), _now, mappings, toldAs);
+    if (newActions) sendActions(_output.get(), _now, mappings);
     announceGroup(_output);
+    _monitor.stateIsChanged();
   }
-  // has the server's word on it, whoever else may have changed the map meanwhile
-  _events.finish();
+  // reads the keymap back: somebody else may have changed it meanwhile
+  _monitor.connection().finish();
   followChanges();
 }
 
@@ -247,18 +222,21 @@ bool BorrowedKeys::chooseTextCodes() {
   return !_textCodes.empty();
 }
 
-// A key that some program has taken for itself everywhere (a launch key that starts something)
-// would go to that program. Only one program can, so who tries learns of it.
+// Leaves out keycodes that another client has grabbed on the root window (a launch key, say): they
+// would go to that client. Only one client can grab a key, so trying to shows it.
 std::vector<Keycode> BorrowedKeys::withoutGrabbed(std::vector<Keycode> codes) {
   std::vector<xcb_void_cookie_t> tries;
   for (const Keycode code : codes) {
-    tries.push_back(xcb_grab_key_checked(_events.get(), 0, _events.root(), XCB_MOD_MASK_ANY, code,
+    tries.push_back(xcb_grab_key_checked(_monitor.connection().get(), 0,
+                                         _monitor.connection().root(), XCB_MOD_MASK_ANY, code,
                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
-    xcb_ungrab_key(_events.get(), code, _events.root(), XCB_MOD_MASK_ANY);
+    xcb_ungrab_key(_monitor.connection().get(), code, _monitor.connection().root(),
+                   XCB_MOD_MASK_ANY);
   }
   std::vector<Keycode> free;
   for (size_t i = 0; i < codes.size(); ++i) {
-    const Received<xcb_generic_error_t> taken{xcb_request_check(_events.get(), tries[i])};
+    const Received<xcb_generic_error_t> taken{
+        xcb_request_check(_monitor.connection().get(), tries[i])};
     if (taken == nullptr) free.push_back(codes[i]);
   }
   return free;
@@ -271,14 +249,15 @@ void BorrowedKeys::giveBack() {
   forget();
 }
 
-void BorrowedKeys::putBack(const KeyMeanings& originals) {
+void BorrowedKeys::putBack(const KeyMappings& originals) {
   if (!originals.empty()) {
     const ServerGrab grab(_output);
     sendActions(_output.get(), _now, originals);
     sendKeysyms(_output.get(), _now, originals);
     announceGroup(_output);
+    _monitor.stateIsChanged();
   }
-  _events.finish();
+  _monitor.connection().finish();
 }
 
 void BorrowedKeys::forget() {
@@ -286,7 +265,7 @@ void BorrowedKeys::forget() {
   _textCodes.clear();
   _text = SlotPool(0);
   _usKeys.clear();
-  _sender.keepMeanings({});
+  _sender.keepMappings({});
   if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
   _layout = _now;
 }

@@ -8,81 +8,85 @@
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Keyboard/InputSender.h"
 #include "Platform/Linux/X11/Keyboard/KeyPlan.h"
+#include "Platform/Linux/X11/Keyboard/KeyboardMonitor.h"
 #include "Platform/Linux/X11/Keyboard/Keymap.h"
 #include "Platform/Linux/X11/Keyboard/KeymapChange.h"
 #include "Platform/Linux/X11/Keyboard/SlotPool.h"
 
 namespace tapdeck::quartz {
 
-/// What typing borrows from the keyboard's map: keycodes that hardly anyone uses, for text, and a
-/// further group of the keys where a US keyboard has what the layout lacks. One thread at a time.
+/// The keycodes that this program remaps for a while: spare ones, to which the characters of typed
+/// text are assigned, and those of US keys that the user's layout lacks, which get one group more.
+/// One thread at a time.
 class BorrowedKeys {
  public:
   /// Changes the map through `output`, on which the keys are sent too, so that both keep their
   /// order. Puts back what a process before this one left.
-  BorrowedKeys(Connection& output, InputSender& sender);
+  BorrowedKeys(Connection& output, InputSender& sender, KeyboardMonitor& monitor);
   BorrowedKeys(const BorrowedKeys&) = delete;
   BorrowedKeys& operator=(const BorrowedKeys&) = delete;
 
-  /// Takes note of what others did to the map, such as the user's choice of another layout. A new
-  /// map ends all borrowing: nothing of the old one is put back over it. False when the server is
-  /// gone.
+  /// Reads the events about changes of the keymap by others, such as the user's choice of another
+  /// layout. Such a change ends all borrowing, and nothing of the old keymap is restored over it.
+  /// False when the server is gone.
   bool followChanges();
-  /// The map as the user has it.
+  /// The keymap without our remapping.
   const Keymap& layout() const { return _layout; }
   bool isBorrowing() const { return !_originals.empty(); }
   bool isBorrowed(Keycode code) const { return _originals.contains(code); }
-  /// How many groups the keyboard has now, those of the borrowed keys included.
+  /// The number of groups, those that our remapping added included.
   int groups() const { return _now.groups(); }
 
-  struct TextPlace {
+  /// A keycode and the group in which it gives the keysym.
+  struct AssignedKey {
     Keycode code;
     uint8_t group;
   };
-  std::optional<TextPlace> textPlace(Keysym keysym) const;
-  /// A key that the layout lacks.
+  std::optional<AssignedKey> assignedKey(Keysym keysym) const;
+  /// Where a US key is that the layout lacks; absent until it is assigned.
   std::optional<RealKey> usKey(const UsKey& key) const;
-  /// To be told before each use.
-  void useText(Keysym keysym);
+  /// To be called before each use, so that what is in use is evicted last.
+  void markUsed(Keysym keysym);
 
-  /// What is to get a place, the sooner needed the earlier.
-  struct Wanted {
+  /// What is to get a key, in the order in which it is needed.
+  struct Request {
     std::vector<Keysym> text;
     std::vector<UsKey> keys;
   };
-  /// Whether that takes places away from what applications may not have read yet.
-  bool takesPlacesAway(const Wanted& wanted) const;
-  /// Gives places, as many as there are, in one change of the map. All earlier uses count as read.
-  /// False when nothing could get one that had none.
-  bool place(const Wanted& wanted);
-  /// The keymap is what it was before.
+  /// Whether that would take keys away from other keysyms, whose key events applications may not
+  /// have read yet.
+  bool wouldEvict(const Request& request) const;
+  /// Assigns as many keys as there are, in one change of the keymap. The caller has made sure that
+  /// applications have read what was sent before (see `wouldEvict`). False when nothing new could
+  /// be assigned.
+  bool assign(const Request& request);
+  /// Restores the user's keymap.
   void giveBack();
 
  private:
-  /// Each adds the new meanings of keys; false when nothing could get a place that had none.
-  bool placeText(const std::vector<Keysym>& text, KeyMeanings& meanings);
-  bool placeKeys(std::vector<UsKey> keys, KeyMeanings& meanings);
-  void send(const KeyMeanings& meanings, ToldAs toldAs);
+  /// Each adds to `mappings`; false when nothing new could be assigned.
+  bool assignText(const std::vector<Keysym>& text, KeyMappings& mappings);
+  bool assignKeys(std::vector<UsKey> keys, KeyMappings& mappings);
+  void send(const KeyMappings& mappings, ToldAs toldAs);
   bool chooseTextCodes();
   std::vector<Keycode> withoutGrabbed(std::vector<Keycode> codes);
-  TextPlace placeOf(size_t slot) const;
-  KeyMeaning textMeaning(size_t key) const;
-  void putBack(const KeyMeanings& originals);
+  AssignedKey keyAt(size_t slot) const;
+  KeyMapping textKeyMapping(size_t key) const;
+  void putBack(const KeyMappings& originals);
   void forget();
   bool isIntact(const Keymap& fetched) const;
   void adopt(Keymap fetched);
 
   Connection& _output;
   InputSender& _sender;
-  Connection _events;
-  uint8_t _firstEvent = 0;
+  KeyboardMonitor& _monitor;
   Keymap _layout;
-  /// As it is on the server, what is borrowed included.
+  /// The keymap on the server, our remapping included.
   Keymap _now;
-  KeyMeanings _originals;
+  KeyMappings _originals;
   std::vector<Keycode> _textCodes;
   SlotPool _text{0};
-  /// By what the key gives plainly.
+  /// By unshifted keysym.
   std::map<Keysym, RealKey> _usKeys;
   uint64_t _time = 0;
 };

@@ -17,11 +17,11 @@ constexpr std::chrono::milliseconds kPressGap{20};
 }  // namespace
 
 InputSender::InputSender(Connection& connection) : _connection(connection) {
-  if (auto left = _journal.takeLeftOver()) {
-    _leftOver = std::move(*left);
-    _held = _leftOver;
-    releaseAll();
-  }
+  auto left = _journal.takeLeftOver();
+  if (!left) return;
+  _leftOver = std::move(*left);
+  _record = _leftOver;
+  releaseAll();
 }
 
 void InputSender::move(Pixel pixel) {
@@ -34,19 +34,16 @@ void InputSender::warp(Pixel pixel) {
 }
 
 void InputSender::pressKey(Keycode code) {
-  if (!_held.keys.test(code)) {
-    _held.keys.set(code);
-    _journal.write(_held);
-  }
+  _unconfirmedKeys.reset(code);
+  updateJournal();
   fake(XCB_KEY_PRESS, code);
 }
 
 void InputSender::releaseKey(Keycode code) {
   fake(XCB_KEY_RELEASE, code);
-  if (!_held.keys.test(code)) return;
-  _connection.finish();
-  _held.keys.reset(code);
-  _journal.write(_held);
+  if (!_record.keys.test(code)) return;
+  noteRelease();
+  _unconfirmedKeys.set(code);
 }
 
 void InputSender::tapKey(Keycode code) {
@@ -55,22 +52,19 @@ void InputSender::tapKey(Keycode code) {
 }
 
 void InputSender::pressButton(uint8_t button) {
-  if (!_held.buttons.test(button)) {
-    _held.buttons.set(button);
-    _journal.write(_held);
-  }
+  const auto released = _unconfirmedButtons.test(button) ? Clock::now() : _released[button];
+  _unconfirmedButtons.reset(button);
+  updateJournal();
   const auto left =
-      std::chrono::ceil<std::chrono::milliseconds>(_released[button] + kPressGap - Clock::now());
+      std::chrono::ceil<std::chrono::milliseconds>(released + kPressGap - Clock::now());
   fake(XCB_BUTTON_PRESS, button, {0, 0}, static_cast<uint32_t>(std::max<int64_t>(0, left.count())));
 }
 
 void InputSender::releaseButton(uint8_t button) {
   fake(XCB_BUTTON_RELEASE, button);
-  if (!_held.buttons.test(button)) return;
-  _connection.finish();
-  _released[button] = Clock::now();
-  _held.buttons.reset(button);
-  _journal.write(_held);
+  if (!_record.buttons.test(button)) return;
+  noteRelease();
+  _unconfirmedButtons.set(button);
 }
 
 void InputSender::tapButton(uint8_t button) {
@@ -79,22 +73,56 @@ void InputSender::tapButton(uint8_t button) {
 }
 
 void InputSender::releaseAll() {
-  if (_held.keys.none() && _held.buttons.none()) return;
-  for (size_t code = 0; code < _held.keys.size(); ++code) {
-    if (_held.keys.test(code)) fake(XCB_KEY_RELEASE, static_cast<uint8_t>(code));
+  for (size_t code = 0; code < _record.keys.size(); ++code) {
+    const bool isPressed = _record.keys.test(code) && !_unconfirmedKeys.test(code);
+    if (isPressed) fake(XCB_KEY_RELEASE, static_cast<uint8_t>(code));
   }
-  for (size_t button = 0; button < _held.buttons.size(); ++button) {
-    if (_held.buttons.test(button)) fake(XCB_BUTTON_RELEASE, static_cast<uint8_t>(button));
+  for (size_t button = 0; button < _record.buttons.size(); ++button) {
+    const bool isPressed = _record.buttons.test(button) && !_unconfirmedButtons.test(button);
+    if (isPressed) fake(XCB_BUTTON_RELEASE, static_cast<uint8_t>(button));
   }
+  _pressed = {};
+  if (_record.keys.none() && _record.buttons.none()) return;
   _connection.finish();
-  _held.keys.reset();
-  _held.buttons.reset();
-  _journal.write(_held);
+  confirmReleases(_releaseCount);
 }
 
-void InputSender::keepMeanings(const KeyMeanings& meanings) {
-  _held.meanings = meanings;
-  _journal.write(_held);
+std::optional<Clock::time_point> InputSender::unconfirmedSince() const {
+  if (_unconfirmedKeys.none() && _unconfirmedButtons.none()) return std::nullopt;
+  return _unconfirmedSince;
+}
+
+void InputSender::noteRelease() {
+  if (!unconfirmedSince()) _unconfirmedSince = Clock::now();
+  ++_releaseCount;
+}
+
+// A release that came in since waits for the next confirmation, and all others with it.
+void InputSender::confirmReleases(uint64_t count) {
+  if (count != _releaseCount) {
+    _unconfirmedSince = Clock::now();
+    return;
+  }
+  for (size_t button = 0; button < _unconfirmedButtons.size(); ++button) {
+    if (_unconfirmedButtons.test(button)) _released[static_cast<uint8_t>(button)] = Clock::now();
+  }
+  _unconfirmedKeys.reset();
+  _unconfirmedButtons.reset();
+  updateJournal();
+}
+
+void InputSender::updateJournal() {
+  const auto keys = _pressed.keycodes() | _unconfirmedKeys;
+  const auto buttons = _pressed.physicalButtons() | _unconfirmedButtons;
+  if (keys == _record.keys && buttons == _record.buttons) return;
+  _record.keys = keys;
+  _record.buttons = buttons;
+  _journal.write(_record);
+}
+
+void InputSender::keepMappings(const KeyMappings& mappings) {
+  _record.mappings = mappings;
+  _journal.write(_record);
 }
 
 void InputSender::fake(uint8_t type, uint8_t detail, Pixel pixel, uint32_t delay) {

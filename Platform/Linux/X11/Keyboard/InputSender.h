@@ -3,15 +3,18 @@
 #include <chrono>
 #include <cstdint>
 #include <map>
+#include <optional>
 
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Keyboard/Journal.h"
+#include "Platform/Linux/X11/Keyboard/PressedInput.h"
 #include "Platform/Linux/X11/PointSpace.h"
 
 namespace tapdeck::quartz {
 
-/// Sends input by XTEST and knows what is held: the server keeps pressed what a client pressed even
-/// after that client is gone. The caller flushes. One thread at a time.
+/// Sends input by XTEST and keeps the account of what is pressed, on disk too: the server keeps
+/// pressed what a client pressed even after that client is gone. The caller flushes. One thread at
+/// a time.
 class InputSender {
  public:
   /// What a process before this one left pressed is released at once.
@@ -22,6 +25,11 @@ class InputSender {
   void move(Pixel pixel);
   /// By the core protocol's WarpPointer.
   void warp(Pixel pixel);
+
+  /// The caller enters a key or button here before it presses it, and takes it out before it
+  /// releases it.
+  PressedInput& pressed() { return _pressed; }
+  const PressedInput& pressed() const { return _pressed; }
   void pressKey(Keycode code);
   void releaseKey(Keycode code);
   /// At once, nothing between the two.
@@ -30,23 +38,41 @@ class InputSender {
   void pressButton(uint8_t button);
   void releaseButton(uint8_t button);
   void tapButton(uint8_t button);
+  /// Returns when the server has done so.
   void releaseAll();
 
-  /// What a process before this one left of its keys' meanings; empty when there is nothing.
-  const Held& leftOver() const { return _leftOver; }
-  /// Keeps the meanings that are to be given back.
-  void keepMeanings(const KeyMeanings& meanings);
+  /// When the first release was sent of those that the journal still has as pressed, because the
+  /// server is not known to have carried them out: it drops what it has not read when the process
+  /// is killed. Absent when there is none.
+  std::optional<std::chrono::steady_clock::time_point> unconfirmedSince() const;
+  /// A number that grows with every release.
+  uint64_t releaseCount() const { return _releaseCount; }
+  /// The server has carried out that many releases, and all that was sent before them.
+  void confirmReleases(uint64_t count);
+
+  /// What a process before this one left of keys' mappings; empty when there is nothing.
+  const InputRecord& leftOver() const { return _leftOver; }
+  /// Keeps the mappings that are to be given back.
+  void keepMappings(const KeyMappings& mappings);
 
  private:
   /// `delay`: milliseconds that the server waits before it, and before all that is sent after it.
   void fake(uint8_t type, uint8_t detail, Pixel pixel = {0, 0}, uint32_t delay = 0);
+  void noteRelease();
+  void updateJournal();
 
   Connection& _connection;
   Journal _journal;
-  /// When each button was released last.
+  PressedInput _pressed;
+  std::bitset<256> _unconfirmedKeys;
+  std::bitset<256> _unconfirmedButtons;
+  std::chrono::steady_clock::time_point _unconfirmedSince;
+  uint64_t _releaseCount = 0;
+  /// When each physical button was last known to be released.
   std::map<uint8_t, std::chrono::steady_clock::time_point> _released;
-  Held _held;
-  Held _leftOver;
+  /// As it stands in the journal.
+  InputRecord _record;
+  InputRecord _leftOver;
 };
 
 }  // namespace tapdeck::quartz

@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr uint8_t kFormat = 1;
-constexpr size_t kLongestFile = size_t{256} << 10;
+constexpr size_t kMaxFileSize = size_t{256} << 10;
 
 /// Numbers, the most significant byte first.
 class Writer {
@@ -61,23 +61,23 @@ class Reader {
 };
 
 /// Without actions: keys that have some are not borrowed.
-void addMeaning(Writer& writer, Keycode code, const KeyMeaning& meaning) {
+void addMapping(Writer& writer, Keycode code, const KeyMapping& mapping) {
   writer.add(code, 1);
-  for (const uint8_t type : meaning.types) writer.add(type, 1);
-  writer.add(meaning.groupInfo, 1);
-  writer.add(meaning.width, 1);
-  for (const Keysym keysym : meaning.keysyms) writer.add(keysym, 4);
+  for (const uint8_t type : mapping.types) writer.add(type, 1);
+  writer.add(mapping.groupInfo, 1);
+  writer.add(mapping.width, 1);
+  for (const Keysym keysym : mapping.keysyms) writer.add(keysym, 4);
 }
 
-KeyMeaning readMeaning(Reader& reader) {
-  KeyMeaning meaning;
-  for (uint8_t& type : meaning.types) type = reader.byte();
-  meaning.groupInfo = reader.byte();
-  meaning.width = reader.byte();
-  for (int left = meaning.groups() * meaning.width; left > 0 && reader.isGood(); --left) {
-    meaning.keysyms.push_back(reader.number(4));
+KeyMapping readMapping(Reader& reader) {
+  KeyMapping mapping;
+  for (uint8_t& type : mapping.types) type = reader.byte();
+  mapping.groupInfo = reader.byte();
+  mapping.width = reader.byte();
+  for (int left = mapping.groups() * mapping.width; left > 0 && reader.isGood(); --left) {
+    mapping.keysyms.push_back(reader.number(4));
   }
-  return meaning;
+  return mapping;
 }
 
 /// A folder of this user's alone: under the shared temporary directory anybody may have been first.
@@ -113,28 +113,28 @@ std::string fileName() {
 
 }  // namespace
 
-std::vector<uint8_t> writeHeld(const Held& held) {
+std::vector<uint8_t> writeRecord(const InputRecord& record) {
   Writer writer;
   writer.add(kFormat, 1);
-  writer.add(held.keys);
-  writer.add(held.buttons);
-  writer.add(static_cast<uint32_t>(held.meanings.size()), 2);
-  for (const auto& [code, meaning] : held.meanings) addMeaning(writer, code, meaning);
+  writer.add(record.keys);
+  writer.add(record.buttons);
+  writer.add(static_cast<uint32_t>(record.mappings.size()), 2);
+  for (const auto& [code, mapping] : record.mappings) addMapping(writer, code, mapping);
   return writer.bytes;
 }
 
-std::optional<Held> readHeld(const std::vector<uint8_t>& bytes) {
+std::optional<InputRecord> readRecord(const std::vector<uint8_t>& bytes) {
   Reader reader(bytes);
   if (reader.byte() != kFormat) return std::nullopt;
-  Held held;
-  held.keys = reader.bits();
-  held.buttons = reader.bits();
+  InputRecord record;
+  record.keys = reader.bits();
+  record.buttons = reader.bits();
   for (uint32_t left = reader.number(2); left > 0 && reader.isGood(); --left) {
     const Keycode code = reader.byte();
-    held.meanings[code] = readMeaning(reader);
+    record.mappings[code] = readMapping(reader);
   }
   if (!reader.isGood() || !reader.isAtEnd()) return std::nullopt;
-  return held;
+  return record;
 }
 
 Journal::Journal() {
@@ -155,18 +155,18 @@ Journal::~Journal() {
   ::close(_file);
 }
 
-std::optional<Held> Journal::takeLeftOver() const {
+std::optional<InputRecord> Journal::takeLeftOver() const {
   if (_file < 0) return std::nullopt;
-  std::vector<uint8_t> bytes(kLongestFile);
+  std::vector<uint8_t> bytes(kMaxFileSize);
   const ssize_t count = ::pread(_file, bytes.data(), bytes.size(), 0);
   if (count <= 0) return std::nullopt;
   bytes.resize(static_cast<size_t>(count));
-  return readHeld(bytes);
+  return readRecord(bytes);
 }
 
-void Journal::write(const Held& held) const {
+void Journal::write(const InputRecord& record) const {
   if (_file < 0) return;
-  const auto bytes = held.isNothing() ? std::vector<uint8_t>() : writeHeld(held);
+  const auto bytes = record.isNothing() ? std::vector<uint8_t>() : writeRecord(record);
   // one write: a kill leaves the old state or the new
   if (::pwrite(_file, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size())) {
     ::ftruncate(_file, static_cast<off_t>(bytes.size()));

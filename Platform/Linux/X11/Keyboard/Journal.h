@@ -11,21 +11,22 @@
 
 namespace tapdeck::quartz {
 
-/// What the X server holds for this process: it keeps all of that when the process ends.
-struct Held {
+/// What this process has to give back at the X server, which keeps it when the process ends.
+struct InputRecord {
+  /// Pressed keys by keycode, and pressed physical buttons.
   std::bitset<256> keys;
   std::bitset<256> buttons;
-  /// What the keys meant that typing uses.
-  KeyMeanings meanings;
+  /// The user's mappings of the keycodes that typing borrows.
+  KeyMappings mappings;
 
-  bool isNothing() const { return keys.none() && buttons.none() && meanings.empty(); }
+  bool isNothing() const { return keys.none() && buttons.none() && mappings.empty(); }
 };
 
-std::vector<uint8_t> writeHeld(const Held& held);
+std::vector<uint8_t> writeRecord(const InputRecord& record);
 /// Absent when the bytes do not hold together.
-std::optional<Held> readHeld(const std::vector<uint8_t>& bytes);
+std::optional<InputRecord> readRecord(const std::vector<uint8_t>& bytes);
 
-/// A small file beside the session's, one for each X display, that says what is held there: what a
+/// A small file beside the session's, one for each X display, that holds this record: what a
 /// process that was killed could not give back, the next one does. Written before the server is
 /// asked. Any thread, one at a time. Where there is no place for the file nothing is kept.
 class Journal {
@@ -37,8 +38,8 @@ class Journal {
   Journal& operator=(const Journal&) = delete;
 
   /// What a process left that is no longer; once.
-  std::optional<Held> takeLeftOver() const;
-  void write(const Held& held) const;
+  std::optional<InputRecord> takeLeftOver() const;
+  void write(const InputRecord& record) const;
 
  private:
   std::filesystem::path _path;

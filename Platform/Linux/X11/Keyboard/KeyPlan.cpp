@@ -75,11 +75,11 @@ const std::unordered_map<Keysym, Keycode>& usPlaces() {
   return places;
 }
 
-/// Those that a US keyboard has in this place: one or none.
+/// The US key in this place: one or none.
 std::vector<UsKey> usKeysAt(Keycode code) {
   std::vector<UsKey> keys;
   const auto add = [&](const UsKey& key) {
-    const auto place = usPlaces().find(key.plain);
+    const auto place = usPlaces().find(key.unshifted);
     if (place != usPlaces().end() && place->second == code) keys.push_back(key);
   };
   for (const auto& [virtualCode, key] : usKeys()) add(key);
@@ -89,12 +89,12 @@ std::vector<UsKey> usKeysAt(Keycode code) {
 
 bool isModifier(const UsKey& key) {
   using namespace keysyms;
-  return key.plain == Shift_L || key.plain == Control_L || key.plain == Alt_L ||
-         key.plain == Super_L;
+  return key.unshifted == Shift_L || key.unshifted == Control_L || key.unshifted == Alt_L ||
+         key.unshifted == Super_L;
 }
 
 /// The real modifiers that the key changes by this action when it is pressed at this level.
-uint8_t modifiersChanged(const KeyMeaning& key, int activeGroup, size_t level, uint8_t action) {
+uint8_t modifiersChanged(const KeyMapping& key, int activeGroup, size_t level, uint8_t action) {
   constexpr size_t kind = 0;
   constexpr size_t mask = 2;
   const size_t place = static_cast<size_t>(key.groupFor(activeGroup)) * key.width + level;
@@ -113,21 +113,22 @@ uint8_t modifiersOf(Keysym keysym, const Keymap& map) {
   return 0;
 }
 
-/// Its own key, else another that sets the same modifier, else one that does so under Shift, such
-/// as those that stand for no key of any keyboard (SUPR, META).
+/// The modifier's own key, else another that sets the same modifier, else one that does so with
+/// Shift, as the virtual keys <SUPR> and <META> do.
 std::optional<RealKey> modifierKeyFor(Keysym keysym, const Keymap& map, int activeGroup) {
   const uint8_t wanted = modifiersOf(keysym, map);
   const auto sets = [&](Keycode code, size_t level) {
-    const KeyMeaning& key = map.keys[code];
+    const KeyMapping& key = map.keys[code];
     return wanted != 0 &&
            modifiersChanged(key, activeGroup, level, XCB_XKB_SA_TYPE_SET_MODS) == wanted;
   };
   std::optional<RealKey> other;
   for (int number = map.first; number <= map.last; ++number) {
     const auto code = static_cast<Keycode>(number);
-    const KeyMeaning& key = map.keys[code];
+    const KeyMapping& key = map.keys[code];
     if (sets(code, 0)) {
-      if (key.plainKeysym(key.groupFor(activeGroup)) == keysym) return RealKey{code, std::nullopt};
+      if (key.unshiftedKeysym(key.groupFor(activeGroup)) == keysym)
+        return RealKey{code, std::nullopt};
       if (!other || other->isShifted) other = RealKey{code, std::nullopt};
     } else if (!other && sets(code, 1)) {
       other = RealKey{code, std::nullopt, true};
@@ -211,17 +212,17 @@ std::vector<CGKeyCode> modifierKeysIn(CGEventFlags flags) {
 }
 
 bool isCapsLock(const UsKey& key) {
-  return key.plain == keysyms::Caps_Lock;
+  return key.unshifted == keysyms::Caps_Lock;
 }
 
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup) {
   if (isCapsLock(key)) return capsLockKey(map, activeGroup);
   if (isModifier(key)) {
-    if (const auto modifier = modifierKeyFor(key.plain, map, activeGroup)) return modifier;
+    if (const auto modifier = modifierKeyFor(key.unshifted, map, activeGroup)) return modifier;
   }
-  if (const auto code = map.keyFor(key.plain, activeGroup)) return RealKey{*code, std::nullopt};
+  if (const auto code = map.keyFor(key.unshifted, activeGroup)) return RealKey{*code, std::nullopt};
   for (uint8_t group = 0; group < 4; ++group) {
-    if (const auto code = map.keyFor(key.plain, group)) return RealKey{*code, group};
+    if (const auto code = map.keyFor(key.unshifted, group)) return RealKey{*code, group};
   }
   return std::nullopt;
 }
@@ -234,8 +235,8 @@ std::vector<UsKey> usTextKeys() {
   return keys;
 }
 
-std::optional<Keycode> usPlaceOf(const UsKey& key, const Keymap& map) {
-  const auto found = usPlaces().find(key.plain);
+std::optional<Keycode> usKeycodeOf(const UsKey& key, const Keymap& map) {
+  const auto found = usPlaces().find(key.unshifted);
   if (found == usPlaces().end()) return std::nullopt;
   const Keycode code = found->second;
   const bool isPlain = map.modifiers[code] == 0 && !map.isSpecial[code] &&
@@ -248,22 +249,22 @@ uint8_t furtherGroupOf(const Keymap& map) {
   return static_cast<uint8_t>(std::clamp(map.groups(), 1, kMaxGroups - 1));
 }
 
-KeyMeaning withUsGroup(const KeyMeaning& meaning, const UsKey& key, uint8_t group) {
-  const uint8_t usType = key.plain >= 'a' && key.plain <= 'z' ? kAlphabetic : kTwoLevel;
-  const bool isPlaceTaken = group < meaning.groups();
-  const std::array<Keysym, 2> levels = {key.plain,
-                                        key.shifted == kNoKeysym ? key.plain : key.shifted};
-  KeyMeaning widened;
-  widened.groupInfo = static_cast<uint8_t>((meaning.groupInfo & 0xf0) | (group + 1));
-  widened.width = std::max<uint8_t>(meaning.width, levels.size());
+KeyMapping withUsGroup(const KeyMapping& mapping, const UsKey& key, uint8_t group) {
+  const uint8_t usType = key.unshifted >= 'a' && key.unshifted <= 'z' ? kAlphabetic : kTwoLevel;
+  const bool isPlaceTaken = group < mapping.groups();
+  const std::array<Keysym, 2> levels = {key.unshifted,
+                                        key.shifted == kNoKeysym ? key.unshifted : key.shifted};
+  KeyMapping widened;
+  widened.groupInfo = static_cast<uint8_t>((mapping.groupInfo & 0xf0) | (group + 1));
+  widened.width = std::max<uint8_t>(mapping.width, levels.size());
   for (int each = 0; each <= group; ++each) {
     const bool isUs = each == group;
-    const auto own = static_cast<size_t>(meaning.groupFor(each));
-    // a group that gives way keeps its type: the widest one has to fill the width
-    widened.types[static_cast<size_t>(each)] = isUs && !isPlaceTaken ? usType : meaning.types[own];
+    const auto own = static_cast<size_t>(mapping.groupFor(each));
+    // a group that is replaced keeps its type, as the widest type has to fill the width
+    widened.types[static_cast<size_t>(each)] = isUs && !isPlaceTaken ? usType : mapping.types[own];
     for (size_t level = 0; level < widened.width; ++level) {
-      const bool hasOwn = meaning.groups() > 0 && level < meaning.width;
-      const Keysym ownKeysym = hasOwn ? meaning.keysyms[own * meaning.width + level] : kNoKeysym;
+      const bool hasOwn = mapping.groups() > 0 && level < mapping.width;
+      const Keysym ownKeysym = hasOwn ? mapping.keysyms[own * mapping.width + level] : kNoKeysym;
       const Keysym usKeysym = level < levels.size() ? levels[level] : kNoKeysym;
       widened.keysyms.push_back(isUs ? usKeysym : ownKeysym);
     }
@@ -271,30 +272,30 @@ KeyMeaning withUsGroup(const KeyMeaning& meaning, const UsKey& key, uint8_t grou
   return widened;
 }
 
-bool hasUsGroup(const KeyMeaning& meaning, const KeyMeaning& original, Keycode code) {
-  if (meaning.groups() == 0) return false;
-  const auto group = static_cast<uint8_t>(meaning.groups() - 1);
+bool hasUsGroup(const KeyMapping& mapping, const KeyMapping& original, Keycode code) {
+  if (mapping.groups() == 0) return false;
+  const auto group = static_cast<uint8_t>(mapping.groups() - 1);
   const auto isMadeOf = [&](const UsKey& key) {
-    return meaning.keysyms == withUsGroup(original, key, group).keysyms;
+    return mapping.keysyms == withUsGroup(original, key, group).keysyms;
   };
   const auto keys = usKeysAt(code);
   return std::any_of(keys.begin(), keys.end(), isMadeOf);
 }
 
 SpareKeys spareKeysOf(const Keymap& map) {
-  // the very first is none to the kernel, and so to some programs
+  // keycode 8 is evdev's key 0, which the kernel and some programs ignore
   constexpr int firstUseful = 9;
   SpareKeys spare;
   for (int number = std::max<int>(map.first, firstUseful); number <= map.last; ++number) {
     const auto code = static_cast<Keycode>(number);
-    const KeyMeaning& key = map.keys[code];
+    const KeyMapping& key = map.keys[code];
     if (map.modifiers[code] != 0 || map.isSpecial[code] || !key.actions.empty()) continue;
-    // may be needed for the key that belongs there
+    // reserved for the US key in this place
     if (!usKeysAt(code).empty()) continue;
     if (std::all_of(key.keysyms.begin(), key.keysyms.end(),
                     [](Keysym keysym) { return keysym == kNoKeysym; })) {
       spare.unused.push_back(code);
-    } else if (isSpare(key.plainKeysym(0))) {
+    } else if (isSpare(key.unshiftedKeysym(0))) {
       spare.rare.push_back(code);
     }
   }

@@ -9,10 +9,10 @@
 
 namespace tapdeck::quartz {
 
-/// What a key of the US keyboard gives without and with Shift; `shifted` is 0 for a key that is not
-/// for text.
+/// A key of the US keyboard by its keysyms without and with Shift; `shifted` is 0 where the key is
+/// none for text.
 struct UsKey {
-  Keysym plain = kNoKeysym;
+  Keysym unshifted = kNoKeysym;
   Keysym shifted = kNoKeysym;
 };
 
@@ -23,10 +23,10 @@ std::optional<UsKey> mediaKeyFor(uint32_t keyType);
 /// The virtual key codes of the modifiers in `flags`.
 std::vector<CGKeyCode> modifierKeysIn(CGEventFlags flags);
 
-/// A real key that gives what a key's name promises.
+/// The keycode to press for a US key.
 struct RealKey {
   Keycode code;
-  /// The group to be in while the key is pressed, where the active one does not give it.
+  /// The group to lock while it is pressed; absent where the active one will do.
   std::optional<uint8_t> group;
   /// Whether Shift is to be on when it is pressed.
   bool isShifted = false;
@@ -35,28 +35,28 @@ struct RealKey {
 
 bool isCapsLock(const UsKey& key);
 
-/// The key of the live layout: where the active group has it, else where another group has it;
-/// absent when the layout lacks it. Shift, Control and the like act on it as they do.
-/// For a modifier any key will do that sets what its own key stands for in the modifier map; for
-/// Caps Lock only one that locks.
+/// Where the keymap has the key: in the active group, else in another one; absent when it has it
+/// nowhere. For a modifier this may be any key that sets the same real modifier; for Caps Lock only
+/// one that locks.
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup);
 
-// A key that the layout lacks is given as a further group of the key in the same place: some
-// programs go by the keysym, others by the place, and all of them find the same key.
+// A US key that the layout lacks is added as one more group of the keycode in the same place: some
+// programs recognise shortcuts by keysym, others by keycode, and both then see the same key.
 
 /// The text keys of a US keyboard.
 std::vector<UsKey> usTextKeys();
 /// Where a US keyboard has the key; absent when that place is a modifier or the like here.
-std::optional<Keycode> usPlaceOf(const UsKey& key, const Keymap& map);
-/// The group above all that the map has; the last one where it has four.
+std::optional<Keycode> usKeycodeOf(const UsKey& key, const Keymap& map);
+/// The first group that the keymap does not have; its last one where it has four.
 uint8_t furtherGroupOf(const Keymap& map);
-/// The key with `key` as its group `group`; it goes on giving in the others what it gave.
-KeyMeaning withUsGroup(const KeyMeaning& meaning, const UsKey& key, uint8_t group);
-/// Whether that made `meaning`, the keycode's, of `original`, perhaps in a process before this one.
-bool hasUsGroup(const KeyMeaning& meaning, const KeyMeaning& original, Keycode code);
+/// The mapping with `key` added as its group `group`, the other groups unchanged.
+KeyMapping withUsGroup(const KeyMapping& mapping, const UsKey& key, uint8_t group);
+/// Whether `mapping`, the keycode's, is what withUsGroup makes of `original`: a process before this
+/// one may have left it.
+bool hasUsGroup(const KeyMapping& mapping, const KeyMapping& original, Keycode code);
 
-/// Keycodes that typing may take: those without meaning, then those of keys that hardly any
-/// keyboard has and hardly anyone uses.
+/// Keycodes that typing may remap: those without keysyms, then those of keys that hardly any
+/// keyboard has.
 struct SpareKeys {
   std::vector<Keycode> unused;
   std::vector<Keycode> rare;

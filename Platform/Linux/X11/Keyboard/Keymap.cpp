@@ -58,7 +58,7 @@ class Reader {
     if ((_header.present & XCB_XKB_MAP_PART_KEY_SYMS) == 0) return;
     for (int i = 0; i < _header.nKeySyms && _good; ++i) {
       const auto wire = next<xcb_xkb_key_sym_map_t>();
-      KeyMeaning& key = _map.keys[static_cast<uint8_t>(_header.firstKeySym + i)];
+      KeyMapping& key = _map.keys[static_cast<uint8_t>(_header.firstKeySym + i)];
       std::copy(std::begin(wire.kt_index), std::end(wire.kt_index), key.types.begin());
       key.groupInfo = wire.groupInfo;
       key.width = wire.width;
@@ -71,7 +71,7 @@ class Reader {
     const size_t counts = skip(_header.nKeyActions);
     align();
     for (int i = 0; i < _header.nKeyActions && _good; ++i) {
-      KeyMeaning& key = _map.keys[static_cast<uint8_t>(_header.firstKeyAction + i)];
+      KeyMapping& key = _map.keys[static_cast<uint8_t>(_header.firstKeyAction + i)];
       for (int left = _bytes[counts + static_cast<size_t>(i)]; left > 0 && _good; --left) {
         key.actions.push_back(next<KeyAction>());
       }
@@ -109,7 +109,7 @@ class Reader {
 
 }  // namespace
 
-int KeyMeaning::groupFor(int effective) const {
+int KeyMapping::groupFor(int effective) const {
   if (groups() == 0 || effective < 0) return 0;
   if (effective < groups()) return effective;
   constexpr int clamp = 0x40;
@@ -126,21 +126,21 @@ int KeyMeaning::groupFor(int effective) const {
   }
 }
 
-Keysym KeyMeaning::plainKeysym(int group) const {
+Keysym KeyMapping::unshiftedKeysym(int group) const {
   const auto place = static_cast<size_t>(group) * width;
   return group < groups() && place < keysyms.size() ? keysyms[place] : kNoKeysym;
 }
 
 int Keymap::groups() const {
   int most = 0;
-  for (const KeyMeaning& key : keys) most = std::max(most, key.groups());
+  for (const KeyMapping& key : keys) most = std::max(most, key.groups());
   return most;
 }
 
 std::optional<Keycode> Keymap::keyFor(Keysym keysym, int effective) const {
   for (int code = first; code <= last; ++code) {
-    const KeyMeaning& key = keys[static_cast<size_t>(code)];
-    if (keysym != kNoKeysym && key.plainKeysym(key.groupFor(effective)) == keysym) {
+    const KeyMapping& key = keys[static_cast<size_t>(code)];
+    if (keysym != kNoKeysym && key.unshiftedKeysym(key.groupFor(effective)) == keysym) {
       return static_cast<Keycode>(code);
     }
   }

@@ -18,8 +18,8 @@ inline constexpr Keysym kNoKeysym = 0;
 /// An action of the X keyboard extension as it stands in the protocol; all zero does nothing.
 using KeyAction = std::array<uint8_t, 8>;
 
-/// What one keycode means.
-struct KeyMeaning {
+/// What the keymap says of one keycode.
+struct KeyMapping {
   /// The key type of each group: how the modifiers choose a level.
   std::array<uint8_t, 4> types{};
   /// The number of groups, and what becomes of a group above it.
@@ -31,16 +31,16 @@ struct KeyMeaning {
   std::vector<KeyAction> actions;
 
   int groups() const { return groupInfo & 0x0f; }
-  /// The group that the key uses while `effective` is the keyboard's.
+  /// The key's own group while the keyboard's effective one is `effective`.
   int groupFor(int effective) const;
-  /// What the key gives without modifiers; `group` is one of its own.
-  Keysym plainKeysym(int group) const;
-  friend bool operator==(const KeyMeaning&, const KeyMeaning&) = default;
+  /// The first level's; `group` is one of the key's own.
+  Keysym unshiftedKeysym(int group) const;
+  friend bool operator==(const KeyMapping&, const KeyMapping&) = default;
 };
 
-/// The keyboard map of one moment.
+/// The core keyboard's map at one moment.
 struct Keymap {
-  std::array<KeyMeaning, 256> keys;
+  std::array<KeyMapping, 256> keys;
   /// The real modifiers that a key sets.
   std::array<uint8_t, 256> modifiers{};
   /// Whether a key behaves otherwise than keys do (locks, overlays) or has virtual modifiers.
@@ -48,9 +48,9 @@ struct Keymap {
   Keycode first = 8;
   Keycode last = 255;
 
-  /// Of the key that has most; the server takes a locked group above it for another.
+  /// The most that any key has; the server brings a locked group above it into this range.
   int groups() const;
-  /// The key that gives `keysym` without modifiers while the group `effective` is active.
+  /// The keycode with this unshifted keysym while the group `effective` is active.
   std::optional<Keycode> keyFor(Keysym keysym, int effective) const;
 };
 

@@ -24,8 +24,8 @@ class Writer {
 
 /// A run of keys: the protocol takes no gaps, those between are sent as they are.
 struct Run {
-  explicit Run(const KeyMeanings& meanings)
-      : first(meanings.begin()->first), last(meanings.rbegin()->first) {}
+  explicit Run(const KeyMappings& mappings)
+      : first(mappings.begin()->first), last(mappings.rbegin()->first) {}
   uint8_t count() const { return static_cast<uint8_t>(last - first + 1); }
 
   Keycode first;
@@ -35,7 +35,7 @@ struct Run {
 uint16_t addKeysyms(Writer& writer, const Keymap& map, const Run& run) {
   size_t total = 0;
   for (int code = run.first; code <= run.last; ++code) {
-    const KeyMeaning& key = map.keys[static_cast<size_t>(code)];
+    const KeyMapping& key = map.keys[static_cast<size_t>(code)];
     xcb_xkb_key_sym_map_t wire{};
     std::memcpy(wire.kt_index, key.types.data(), sizeof wire.kt_index);
     wire.groupInfo = key.groupInfo;
@@ -64,15 +64,15 @@ uint16_t addActions(Writer& writer, const Keymap& map, const Run& run) {
 
 }  // namespace
 
-void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings,
+void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMappings& mappings,
                  ToldAs toldAs) {
-  for (const auto& [code, meaning] : meanings) {
-    KeyMeaning& key = now.keys[code];
+  for (const auto& [code, mapping] : mappings) {
+    KeyMapping& key = now.keys[code];
     auto actions = std::move(key.actions);
-    key = meaning;
+    key = mapping;
     key.actions = std::move(actions);
   }
-  const Run run(meanings);
+  const Run run(mappings);
   Writer values;
   const uint16_t keysyms = addKeysyms(values, now, run);
   // The server tells of a new keyboard when the range of keycodes in the request is another than
@@ -83,9 +83,9 @@ void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMeanings& m
                   0, 0, 0, 0, 0, values.data());
 }
 
-void sendActions(xcb_connection_t* connection, Keymap& now, const KeyMeanings& meanings) {
-  for (const auto& [code, meaning] : meanings) now.keys[code].actions = meaning.actions;
-  const Run run(meanings);
+void sendActions(xcb_connection_t* connection, Keymap& now, const KeyMappings& mappings) {
+  for (const auto& [code, mapping] : mappings) now.keys[code].actions = mapping.actions;
+  const Run run(mappings);
   Writer values;
   const uint16_t actions = addActions(values, now, run);
   xcb_xkb_set_map(connection, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_ACTIONS, 0, now.first,

@@ -20,27 +20,31 @@ struct Match : Functions... {
 template <typename... Functions>
 Match(Functions...) -> Match<Functions...>;
 
-// so many characters of a text are looked at for one change; more have no places anyway
-constexpr size_t kFarthest = 4096;
+// so many characters of a text are looked at for one change; more would find no key anyway
+constexpr size_t kMaxTextAhead = 4096;
 
 constexpr std::chrono::milliseconds kMinGroupTime{20};
 
 }  // namespace
 
 LiveKeyboard::LiveKeyboard(Connection& output)
-    : _output(output), _sender(output), _keys(output, _sender), _answer(_questions) {
+    : _output(output),
+      _sender(output),
+      _monitor(output),
+      _keys(output, _sender, _monitor),
+      _clients(_questions) {
   xcb_test_grab_control(_questions.get(), 1);
   _questions.flush();
-  // a process before this one may have been killed while it borrowed
+  // a process before this one may have been killed while the keymap was changed
   putGroupIntoRange();
 }
 
 bool LiveKeyboard::isReady(const Step& step) {
-  // what nobody can carry out any more is not worth waiting for
+  // without a server there is nothing to wait for
   if (!_keys.followChanges()) return true;
   if (const auto* text = std::get_if<TextStep>(&step)) {
     return std::all_of(text->keysyms.begin(), text->keysyms.end(),
-                       [this](Keysym keysym) { return _keys.textPlace(keysym).has_value(); });
+                       [this](Keysym keysym) { return _keys.assignedKey(keysym).has_value(); });
   }
   if (const auto* key = std::get_if<KeyStep>(&step)) {
     return !key->down || isCapsLock(key->key) || realKeyFor(key->key, _keys.layout(), 0) ||
@@ -52,13 +56,7 @@ bool LiveKeyboard::isReady(const Step& step) {
 void LiveKeyboard::carryOut(const Step& step) {
   std::visit(Match{[this](const MotionStep& motion) { _sender.move(motion.pixel); },
                    [this](const WarpStep& warp) { _sender.warp(warp.pixel); },
-                   [this](const ButtonStep& button) {
-                     if (button.down) {
-                       _sender.pressButton(button.button);
-                     } else {
-                       _sender.releaseButton(button.button);
-                     }
-                   },
+                   [this](const ButtonStep& button) { carryOutButton(button); },
                    [this](const WheelStep& wheel) {
                      for (int left = wheel.turns; left > 0; --left) _sender.tapButton(wheel.button);
                    },
@@ -68,31 +66,38 @@ void LiveKeyboard::carryOut(const Step& step) {
   xcb_flush(_output.get());
 }
 
+// The buttons' mapping may change while one is pressed: what was pressed is what gets released.
+void LiveKeyboard::carryOutButton(const ButtonStep& step) {
+  auto& pressed = _sender.pressed().buttons;
+  const auto found = pressed.find(step.button);
+  if (found == pressed.end() && step.ownOnly) return;
+  const auto physical = found != pressed.end() ? found->second : step.physical;
+  if (!physical) return;
+  if (step.down) {
+    pressed.emplace(step.button, *physical);
+    _sender.pressButton(*physical);
+  } else {
+    if (found != pressed.end()) pressed.erase(found);
+    _sender.releaseButton(*physical);
+  }
+}
+
 void LiveKeyboard::carryOutKey(const KeyStep& step) {
   if (step.down) {
     press(step);
   } else {
-    release(step.key);
+    release(step);
   }
 }
 
-// Where the keys go is asked together with the state: that is one way to the server and back.
-LiveKeyboard::State LiveKeyboard::state() {
-  const auto focusCookie = xcb_get_input_focus(_output.get());
-  const auto stateCookie = xcb_xkb_get_state(_output.get(), XCB_XKB_ID_USE_CORE_KBD);
-  const auto focus = _output.wait(focusCookie, xcb_get_input_focus_reply);
-  const auto state = _output.wait(stateCookie, xcb_xkb_get_state_reply);
-  if (focus != nullptr) _answer.note(focus->focus);
-  if (state == nullptr) return {};
-  return {state->group, state->lockedGroup, state->lockedMods};
-}
-
 void LiveKeyboard::lockModifier(uint8_t modifier, bool locked) {
+  _monitor.stateIsChanged();
   xcb_xkb_latch_lock_state(_output.get(), XCB_XKB_ID_USE_CORE_KBD, modifier, locked ? modifier : 0,
                            0, 0, 0, 0, 0);
 }
 
 void LiveKeyboard::lockGroup(uint8_t group) {
+  _monitor.stateIsChanged();
   xcb_xkb_latch_lock_state(_output.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
 }
 
@@ -104,26 +109,35 @@ uint8_t LiveKeyboard::groupToLock(uint8_t wanted, const State& now) const {
 
 void LiveKeyboard::putGroupIntoRange() {
   const int groups = std::max(1, _keys.layout().groups());
-  const uint8_t locked = state().lockedGroup;
+  const uint8_t locked = _monitor.state().lockedGroup;
   if (locked >= groups) lockGroup(static_cast<uint8_t>(locked % groups));
+}
+
+// Borrowed keys mean something else once they are given back or assigned anew: who got them has to
+// have read them by then.
+void LiveKeyboard::noteFocus(xcb_get_input_focus_cookie_t question) {
+  const auto focus = _output.wait(question, xcb_get_input_focus_reply);
+  if (focus != nullptr) _clients.noteTypedInto(focus->focus);
 }
 
 void LiveKeyboard::type(const TextStep& step) {
   leaveKeyGroup();
   _lastNeed = Clock::now();
-  const State before = state();
+  const auto focus = xcb_get_input_focus(_output.get());
+  const State before = _monitor.state();
+  noteFocus(focus);
   const bool isCapsLocked = (before.lockedModifiers & XCB_MOD_MASK_LOCK) != 0;
-  // Most programs go by the event, which has no Caps Lock in it; some by the keyboard's state.
+  // The key events bear no Caps Lock, but some programs look at the keyboard's state instead.
   if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, false);
   uint8_t locked = before.lockedGroup;
   for (const Keysym keysym : step.keysyms) {
-    const auto place = _keys.textPlace(keysym);
-    if (!place) continue;
-    _keys.useText(keysym);
-    const uint8_t wanted = groupToLock(place->group, before);
+    const auto key = _keys.assignedKey(keysym);
+    if (!key) continue;
+    _keys.markUsed(keysym);
+    const uint8_t wanted = groupToLock(key->group, before);
     if (wanted != locked) lockGroup(wanted);
     locked = wanted;
-    _sender.tapKey(place->code);
+    _sender.tapKey(key->code);
   }
   if (locked != before.lockedGroup) lockGroup(before.lockedGroup);
   if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, true);
@@ -131,21 +145,24 @@ void LiveKeyboard::type(const TextStep& step) {
 
 void LiveKeyboard::press(const KeyStep& step) {
   leaveKeyGroup();
-  State now = state();
-  auto held = _pressed.find(step.key.plain);
-  if (held == _pressed.end()) {
+  State now = _monitor.state();
+  auto& pressed = _sender.pressed().keys;
+  auto held = pressed.find(step.key.unshifted);
+  if (held == pressed.end()) {
     const auto key = keyToPress(step.key, now);
     if (!key) return;
-    held = _pressed.emplace(step.key.plain, Pressed{*key, {}}).first;
+    held = pressed.emplace(step.key.unshifted, PressedInput::Key{*key, {}}).first;
   }
-  // a repeated press is of the same key, whatever the layout has become
-  auto& [key, around] = held->second;
+  // a repeated press uses the same keycode, even if the layout has changed
+  auto& [key, modifiers] = held->second;
+  if (_keys.isBorrowed(key.code)) noteFocus(xcb_get_input_focus(_output.get()));
   for (const CGKeyCode modifier : modifierKeysIn(step.flags)) {
     const UsKey usKey = *usKeyFor(modifier);
-    if (usKey.plain == step.key.plain || isHeld(usKey)) continue;
+    if (usKey.unshifted == step.key.unshifted || isHeld(usKey)) continue;
     const auto place = realKeyFor(usKey, _keys.layout(), now.group);
-    if (!place || std::find(around.begin(), around.end(), *place) != around.end()) continue;
-    around.push_back(*place);
+    if (!place || std::find(modifiers.begin(), modifiers.end(), *place) != modifiers.end())
+      continue;
+    modifiers.push_back(*place);
     sendKey(*place, true, now);
   }
   if (key.group) enterKeyGroup(step.key, *key.group, now);
@@ -162,8 +179,9 @@ std::optional<RealKey> LiveKeyboard::keyToPress(const UsKey& key, const State& n
 }
 
 void LiveKeyboard::sendKey(const RealKey& key, bool down, const State& now) {
+  if (changesState(key.code, now)) _monitor.stateIsChanged();
   if (key.group) lockGroup(groupToLock(*key.group, now));
-  // what a key does is decided when it is pressed
+  // the level is chosen at the press
   const bool locksShift = down && key.isShifted && (now.lockedModifiers & XCB_MOD_MASK_SHIFT) == 0;
   if (locksShift) lockModifier(XCB_MOD_MASK_SHIFT, true);
   if (down) {
@@ -178,81 +196,100 @@ void LiveKeyboard::sendKey(const RealKey& key, bool down, const State& now) {
 void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
   const uint8_t locked = groupToLock(group, now);
   lockGroup(locked);
-  _keyGroup = {key.plain, locked, now.lockedGroup, Clock::now()};
+  _keyGroup = {key.unshifted, locked, now.lockedGroup, Clock::now()};
   now.group = group;
   now.lockedGroup = locked;
 }
 
 void LiveKeyboard::leaveKeyGroup() {
   if (!_keyGroup) return;
-  const State now = state();
-  // a press that had to wait has its release right behind it
+  const State now = _monitor.state();
+  // where the press was queued, its release follows at once
   std::this_thread::sleep_until(_keyGroup->since + kMinGroupTime);
   // the user may have chosen another one meanwhile
   if (now.lockedGroup == _keyGroup->group) lockGroup(_keyGroup->lockedBefore);
   _keyGroup.reset();
 }
 
-void LiveKeyboard::release(const UsKey& key) {
-  const State now = state();
-  const auto found = _pressed.find(key.plain);
-  if (found == _pressed.end()) {
-    // nothing of ours: another program's, or one from before
+bool LiveKeyboard::changesState(Keycode code, const State& now) const {
+  // bytes of an XKB action
+  constexpr size_t kind = 0;
+  constexpr size_t modifierMask = 2;
+  const auto& actions = _keys.layout().keys[code].actions;
+  return std::any_of(actions.begin(), actions.end(), [&](const KeyAction& action) {
+    if (action[kind] == XCB_XKB_SA_TYPE_NO_ACTION) return false;
+    // only holds its modifiers, but may clear them where they are locked
+    return action[kind] != XCB_XKB_SA_TYPE_SET_MODS ||
+           (action[modifierMask] & now.lockedModifiers) != 0;
+  });
+}
+
+void LiveKeyboard::release(const KeyStep& step) {
+  const UsKey& key = step.key;
+  auto& pressed = _sender.pressed().keys;
+  const auto found = pressed.find(key.unshifted);
+  if (found == pressed.end() && step.ownOnly) return;
+  const State now = _monitor.state();
+  if (found == pressed.end()) {
+    // not pressed by us, but by another program or an earlier process
     const auto real = realKeyFor(key, _keys.layout(), now.group);
     if (real) sendKey(*real, false, now);
     return;
   }
-  const Pressed released = std::move(found->second);
+  const PressedInput::Key released = std::move(found->second);
   if (_keys.isBorrowed(released.key.code)) _lastNeed = Clock::now();
-  _pressed.erase(found);
+  pressed.erase(found);
   sendKey(released.key, false, now);
-  for (auto modifier = released.around.rbegin(); modifier != released.around.rend(); ++modifier) {
+  for (auto modifier = released.modifiers.rbegin(); modifier != released.modifiers.rend();
+       ++modifier) {
     if (!isNeeded(*modifier)) sendKey(*modifier, false, now);
   }
-  if (_keyGroup && _keyGroup->key == key.plain) leaveKeyGroup();
+  if (_keyGroup && _keyGroup->key == key.unshifted) leaveKeyGroup();
 }
 
 bool LiveKeyboard::isNeeded(const RealKey& modifier) const {
-  return std::any_of(_pressed.begin(), _pressed.end(), [&](const auto& pressed) {
-    const auto& [key, around] = pressed.second;
-    return key == modifier || std::find(around.begin(), around.end(), modifier) != around.end();
+  const auto& keys = _sender.pressed().keys;
+  return std::any_of(keys.begin(), keys.end(), [&](const auto& pressed) {
+    const auto& [key, modifiers] = pressed.second;
+    return key == modifier ||
+           std::find(modifiers.begin(), modifiers.end(), modifier) != modifiers.end();
   });
 }
 
 bool LiveKeyboard::prepare(std::span<const Step> steps) {
-  BorrowedKeys::Wanted wanted;
+  BorrowedKeys::Request request;
   for (const Step& step : steps) {
     if (const auto* text = std::get_if<TextStep>(&step)) {
-      wanted.text.insert(wanted.text.end(), text->keysyms.begin(), text->keysyms.end());
+      request.text.insert(request.text.end(), text->keysyms.begin(), text->keysyms.end());
     } else if (const auto* key = std::get_if<KeyStep>(&step); key != nullptr && key->down) {
       const bool needsNone = isCapsLock(key->key) || realKeyFor(key->key, _keys.layout(), 0);
-      if (!needsNone) wanted.keys.push_back(key->key);
+      if (!needsNone) request.keys.push_back(key->key);
     }
-    if (wanted.text.size() > kFarthest) break;
+    if (request.text.size() > kMaxTextAhead) break;
   }
   _lastNeed = Clock::now();
-  if (_keys.takesPlacesAway(wanted)) _answer.await();
-  const bool placed = _keys.place(wanted);
-  if (placed) _answer.settle();
-  return placed;
+  if (_keys.wouldEvict(request)) _clients.waitUntilRead();
+  const bool assigned = _keys.assign(request);
+  if (assigned) _clients.waitForKeymapRefresh();
+  return assigned;
 }
 
 void LiveKeyboard::giveBack() {
   if (!isBorrowing()) return;
-  _answer.await();
+  _clients.waitUntilRead();
   putGroupIntoRange();
   _keys.giveBack();
 }
 
 std::chrono::steady_clock::time_point LiveKeyboard::lastNeed() const {
-  const bool isHeld = std::any_of(_pressed.begin(), _pressed.end(), [this](const auto& pressed) {
+  const auto& keys = _sender.pressed().keys;
+  const bool isPressed = std::any_of(keys.begin(), keys.end(), [this](const auto& pressed) {
     return _keys.isBorrowed(pressed.second.key.code);
   });
-  return isHeld ? Clock::now() : _lastNeed;
+  return isPressed ? Clock::now() : _lastNeed;
 }
 
 void LiveKeyboard::releaseAll() {
-  _pressed.clear();
   leaveKeyGroup();
   _sender.releaseAll();
 }

@@ -1,19 +1,20 @@
 #pragma once
 
 #include <chrono>
-#include <map>
+#include <optional>
 #include <span>
 #include <variant>
 #include <vector>
 
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Keyboard/BorrowedKeys.h"
-#include "Platform/Linux/X11/Keyboard/ClientAnswer.h"
+#include "Platform/Linux/X11/Keyboard/ClientSync.h"
 #include "Platform/Linux/X11/Keyboard/InputSender.h"
+#include "Platform/Linux/X11/Keyboard/KeyboardMonitor.h"
 
 namespace tapdeck::quartz {
 
-// What is to be done at the server, one after the other.
+// Input to be sent to the server, in order.
 struct MotionStep {
   Pixel pixel;
 };
@@ -22,9 +23,14 @@ struct WarpStep {
   Pixel pixel;
 };
 struct ButtonStep {
-  /// The physical button.
+  /// As applications see it.
   uint8_t button;
+  /// The one to press for it, or to release when this process has not pressed `button`; absent when
+  /// no physical button gives it.
+  std::optional<uint8_t> physical;
   bool down;
+  /// A release of nothing but what this process has pressed.
+  bool ownOnly = false;
 };
 struct WheelStep {
   /// The physical button that stands for the direction.
@@ -34,8 +40,10 @@ struct WheelStep {
 struct KeyStep {
   UsKey key;
   bool down;
-  /// Modifiers that the event claims; those that nobody holds are held for this key.
+  /// Modifiers that the event claims; those that are not held are pressed with this key.
   CGEventFlags flags;
+  /// A release of nothing but what this process has pressed.
+  bool ownOnly = false;
 };
 /// Each keysym is pressed and released.
 struct TextStep {
@@ -52,32 +60,29 @@ class LiveKeyboard {
 
   /// Whether the step needs no change of the keymap first.
   bool isReady(const Step& step);
-  /// Of a step that is ready; sends it.
+  /// Sends a step that is ready.
   void carryOut(const Step& step);
-  /// Makes the first of the steps ready, and of the others as many as one change can. May wait, not
-  /// for ever, for an application. False when it cannot be made ready.
+  /// Changes the keymap so that the first step is ready, and as many of the others as one change
+  /// can serve. May wait some seconds for an application. False when the first cannot be made
+  /// ready.
   bool prepare(std::span<const Step> steps);
-  /// Keys that typing borrowed are the user's again; waits like `prepare`.
+  /// Restores the user's keymap; may wait like `prepare`.
   void giveBack();
   bool isBorrowing() const { return _keys.isBorrowing(); }
   /// When borrowed keys were last needed: now, while one is pressed.
   std::chrono::steady_clock::time_point lastNeed() const;
   void releaseAll();
-  bool isHeld(const UsKey& key) const { return _pressed.contains(key.plain); }
+
+  /// When the oldest release was sent that the server is not known to have carried out.
+  std::optional<std::chrono::steady_clock::time_point> unconfirmedSince() const {
+    return _sender.unconfirmedSince();
+  }
+  /// To be called after the server has answered to something that was sent behind so many releases.
+  void confirmReleases(uint64_t count) { _sender.confirmReleases(count); }
+  uint64_t releaseCount() const { return _sender.releaseCount(); }
+  const Connection& output() const { return _output; }
 
  private:
-  struct State {
-    /// The active group, of which this much is locked: the rest is held or latched.
-    uint8_t group = 0;
-    uint8_t lockedGroup = 0;
-    /// Real modifiers.
-    uint8_t lockedModifiers = 0;
-  };
-  struct Pressed {
-    RealKey key;
-    /// Modifiers that nobody held and the event claimed.
-    std::vector<RealKey> around;
-  };
   /// The group that a pressed key needs is locked until that key is released, or another one is
   /// pressed, and for some milliseconds at least: some programs (Qt) look for a key's shortcut by
   /// the group of a moment later.
@@ -87,35 +92,41 @@ class LiveKeyboard {
     uint8_t lockedBefore;
     std::chrono::steady_clock::time_point since;
   };
-  State state();
+  using State = KeyboardState;
   void lockModifier(uint8_t modifier, bool locked);
   void lockGroup(uint8_t group);
   /// The group to lock so that `wanted` is active, whatever is held or latched besides.
   uint8_t groupToLock(uint8_t wanted, const State& now) const;
-  /// A person's layout switch went on to groups that only the borrowed keys have.
+  /// A layout switch may have locked a group that only borrowed keys have.
   void putGroupIntoRange();
+  void carryOutButton(const ButtonStep& step);
   void carryOutKey(const KeyStep& step);
   void press(const KeyStep& step);
-  /// Absent when there is none, or nothing left to press: Caps Lock without a key is locked at
-  /// once.
+  /// Absent when there is none. Caps Lock, where the layout has no key for it, is locked here and
+  /// gives none.
   std::optional<RealKey> keyToPress(const UsKey& key, const State& now);
-  /// Both in the key's group, so that applications take them for the same key.
+  /// Press and release are both sent in the key's group, so that applications see one key.
   void sendKey(const RealKey& key, bool down, const State& now);
-  /// `now` becomes what it is then.
+  /// Updates `now`.
   void enterKeyGroup(const UsKey& key, uint8_t group, State& now);
   void leaveKeyGroup();
-  void release(const UsKey& key);
+  void release(const KeyStep& step);
+  /// Whether its XKB actions may change what KeyboardState holds.
+  bool changesState(Keycode code, const State& now) const;
+  bool isHeld(const UsKey& key) const { return _sender.pressed().keys.contains(key.unshifted); }
   /// Whether a key that is still pressed is this modifier, or was pressed with it.
   bool isNeeded(const RealKey& modifier) const;
   void type(const TextStep& step);
+  /// Waits for the reply.
+  void noteFocus(xcb_get_input_focus_cookie_t question);
 
   Connection& _output;
   InputSender _sender;
+  KeyboardMonitor _monitor;
   BorrowedKeys _keys;
+  /// For questions to the applications, whose answers are events.
   Connection _questions;
-  ClientAnswer _answer;
-  /// By the keysym that the key gives plainly.
-  std::map<Keysym, Pressed> _pressed;
+  ClientSync _clients;
   std::optional<KeyGroup> _keyGroup;
   std::chrono::steady_clock::time_point _lastNeed;
 };

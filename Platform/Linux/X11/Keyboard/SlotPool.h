@@ -11,10 +11,9 @@
 
 namespace tapdeck::quartz {
 
-/// Which keysym stands on which place of the spare keys. What stands there stays there; where there
-/// is no empty place left, what was not used for longest goes, and only when every application has
-/// read its last use: an application translates what it reads with the map of that moment, not with
-/// the map of the moment of typing.
+/// Which keysym each group of each spare key (a slot) is assigned to: a cache that evicts the least
+/// recently used. Only what every application has read may be evicted, because an application looks
+/// a key event up in the keymap as it is when it reads the event, not as it was when it was sent.
 class SlotPool {
  public:
   explicit SlotPool(size_t slots) : _slots(slots) {}
@@ -25,10 +24,10 @@ class SlotPool {
   /// `time` grows with every use.
   void use(size_t slot, uint64_t time) { _slots[slot].lastUse = time; }
 
-  /// An empty place, taken for `keysym`.
+  /// Assigns an empty slot; absent when there is none.
   std::optional<size_t> takeEmpty(Keysym keysym);
-  /// The place of what was not used for longest, up to the time `read`; of places that `mustStay`
-  /// not.
+  /// Evicts the least recently used of the slots whose last use was not after `read` and that need
+  /// not stay, and assigns it; absent when there is none.
   std::optional<size_t> takeOldest(Keysym keysym, uint64_t read,
                                    const std::function<bool(size_t slot)>& mustStay);
 

@@ -18,22 +18,22 @@ bool redirects(const KeyAction& action) {
 
 }  // namespace
 
-KeyMeaning textKey(Keycode code, const std::array<TextMeaning, kTextGroups>& groups) {
+KeyMapping textKey(Keycode code, const std::array<TextGroup, kTextGroups>& groups) {
   // of the first key type, which is one level for every modifier on every X server
-  KeyMeaning key;
+  KeyMapping key;
   key.groupInfo = kTextGroups;
   key.width = 1;
-  for (const TextMeaning& meaning : groups) {
+  for (const TextGroup& mapping : groups) {
     KeyAction action{XCB_XKB_SA_TYPE_REDIRECT_KEY};
-    action[kNewKey] = meaning.deliveredAs.value_or(code);
+    action[kNewKey] = mapping.deliveredAs.value_or(code);
     action[kModifierMask] = kEveryModifier;
-    key.keysyms.push_back(meaning.keysym);
+    key.keysyms.push_back(mapping.keysym);
     key.actions.push_back(action);
   }
   return key;
 }
 
-bool isTextKey(const KeyMeaning& key) {
+bool isTextKey(const KeyMapping& key) {
   // without actions where a process was killed between the two requests
   return key.groupInfo == kTextGroups && key.width == 1 &&
          std::all_of(key.actions.begin(), key.actions.end(), redirects);

@@ -7,7 +7,7 @@
 
 namespace tapdeck::quartz {
 
-// A text key is a keycode that means four characters of typed text, one in each group. No modifier
+// A text key is a keycode with four characters of typed text, one in each group. No modifier
 // chooses among them. Its action (RedirectKey) has the server deliver the key without any modifier:
 // neither the Caps Lock that is on nor a Control that is held, by this program or by a person,
 // reaches the application, while nothing of the keyboard's state changes.
@@ -17,14 +17,14 @@ namespace tapdeck::quartz {
 
 inline constexpr int kTextGroups = 4;
 
-/// One character of a text key. It may have the server deliver another key in place of the text key
-/// (the real Return key, say).
-struct TextMeaning {
+/// One group of a text key. The server may be made to deliver another keycode in its place (that of
+/// the real Return key, say).
+struct TextGroup {
   Keysym keysym = kNoKeysym;
   std::optional<Keycode> deliveredAs;
 };
-KeyMeaning textKey(Keycode code, const std::array<TextMeaning, kTextGroups>& groups);
-/// Whether that made it, perhaps in a process before this one.
-bool isTextKey(const KeyMeaning& key);
+KeyMapping textKey(Keycode code, const std::array<TextGroup, kTextGroups>& groups);
+/// Whether `key` is what textKey makes: a process before this one may have left it.
+bool isTextKey(const KeyMapping& key);
 
 }  // namespace tapdeck::quartz

@@ -12,12 +12,11 @@ namespace tapdeck::quartz {
 /// a line end of any kind is Return, and what is no character to type is left out.
 std::vector<Keysym> keysymsForText(std::u16string_view text);
 
-/// The keysym of a character that can be typed; Latin-1 has those of old, all else has the one that
-/// names the character.
+/// The keysym of a character: its own number in Latin-1, 0x01000000 + its code point otherwise.
 Keysym keysymForCharacter(char32_t character);
 
-/// Letters that will likely be needed soon after this one, itself included: its alphabet. Most
-/// frequent first; itself alone where an alphabet would not fit.
+/// The keysym's alphabet, itself included, as what is likely to be typed next: most frequent first.
+/// Itself alone where it belongs to none, or to one too large.
 std::vector<Keysym> companionsOf(Keysym keysym);
 
 }  // namespace tapdeck::quartz

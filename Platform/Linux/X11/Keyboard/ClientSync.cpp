@@ -1,4 +1,4 @@
-#include "Platform/Linux/X11/Keyboard/ClientAnswer.h"
+#include "Platform/Linux/X11/Keyboard/ClientSync.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -16,44 +16,44 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// an application at work on a loaded machine may be that far behind
-constexpr milliseconds kLongestWait{5000};
-// for one that let that pass already
+// for an application that is known to answer: a busy one may be that far behind
+constexpr milliseconds kMaxWait{5000};
+// for one that did not answer the last time
 constexpr milliseconds kShortWait{100};
-// for one of which it is not known whether it knows how to answer, and from then on if it does not
+// for one that may not know the question; if it does not answer, the fixed pause after it
 constexpr milliseconds kFirstWait{2000};
 constexpr milliseconds kBlindWait{300};
-constexpr milliseconds kSettleTime{500};
+constexpr milliseconds kRefreshTime{500};
 constexpr milliseconds kTurn{10};
 // how soon a wait notices that the process ends
 constexpr milliseconds kLook{100};
 
 }  // namespace
 
-ClientAnswer::~ClientAnswer() {
+ClientSync::~ClientSync() {
   if (_own != XCB_WINDOW_NONE) xcb_destroy_window(_connection.get(), _own);
 }
 
-xcb_window_t ClientAnswer::noteFocus() {
+xcb_window_t ClientSync::noteFocus() {
   const auto focus =
       _connection.wait(xcb_get_input_focus(_connection.get()), xcb_get_input_focus_reply);
   if (focus == nullptr) return XCB_WINDOW_NONE;
-  note(focus->focus);
+  noteTypedInto(focus->focus);
   return focus->focus;
 }
 
-void ClientAnswer::settle() {
+void ClientSync::waitForKeymapRefresh() {
   const xcb_window_t window = applicationWindow(noteFocus());
-  if (window == XCB_WINDOW_NONE || isOwn(window) || !takesPing(window)) return;
+  if (window == XCB_WINDOW_NONE || isOwn(window) || !supportsPing(window)) return;
   if (_silent.contains(window)) return;
-  // two answers: one whole turn of its main loop in between
-  const Deadline deadline = Clock::now() + kSettleTime;
+  // two answers, so that its main loop has run once in between
+  const Deadline deadline = Clock::now() + kRefreshTime;
   for (int round = 0; round < 2 && ping(window, deadline); ++round) {
     std::this_thread::sleep_for(kTurn);
   }
 }
 
-void ClientAnswer::await() {
+void ClientSync::waitUntilRead() {
   noteFocus();
   const auto windows = std::move(_typedInto);
   _typedInto.clear();
@@ -61,17 +61,17 @@ void ClientAnswer::await() {
   for (const xcb_window_t window : windows) {
     const xcb_window_t application = applicationWindow(window);
     if (application == XCB_WINDOW_NONE || isOwn(application)) continue;
-    if (asked.insert(application).second) awaitApplicationOf(application);
+    if (asked.insert(application).second) waitUntilReadBy(application);
   }
 }
 
-void ClientAnswer::awaitApplicationOf(xcb_window_t window) {
-  const bool isPinged = takesPing(window);
+void ClientSync::waitUntilReadBy(xcb_window_t window) {
+  const bool isPinged = supportsPing(window);
   const bool wasSilent = _silent.contains(window);
   const bool isSureToKnow = isPinged || _answering.contains(window);
-  const milliseconds longest = wasSilent ? kShortWait : isSureToKnow ? kLongestWait : kFirstWait;
+  const milliseconds longest = wasSilent ? kShortWait : isSureToKnow ? kMaxWait : kFirstWait;
   const Deadline deadline = Clock::now() + longest;
-  if (isPinged ? ping(window, deadline) : askToolkit(window, deadline)) {
+  if (isPinged ? ping(window, deadline) : pingByEditres(window, deadline)) {
     _silent.erase(window);
     _answering.insert(window);
     return;
@@ -85,8 +85,8 @@ void ClientAnswer::awaitApplicationOf(xcb_window_t window) {
   }
 }
 
-// The focus may be on a window inside; the one that the window manager knows has the protocols.
-xcb_window_t ClientAnswer::applicationWindow(xcb_window_t focused) {
+// Finds the top-level window, which bears WM_STATE: the focus may be on a child of it.
+xcb_window_t ClientSync::applicationWindow(xcb_window_t focused) {
   const xcb_atom_t state = _connection.atom("WM_STATE");
   xcb_window_t window = focused;
   // XCB_INPUT_FOCUS_POINTER_ROOT and NONE are no windows
@@ -100,8 +100,8 @@ xcb_window_t ClientAnswer::applicationWindow(xcb_window_t focused) {
   return XCB_WINDOW_NONE;
 }
 
-// This process's own windows answer from the thread that may be waiting here.
-bool ClientAnswer::isOwn(xcb_window_t window) {
+// This process's own windows cannot answer: their thread may be the one that waits here.
+bool ClientSync::isOwn(xcb_window_t window) {
   const auto bytes =
       _connection.property(window, _connection.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
   uint32_t process = 0;
@@ -109,7 +109,7 @@ bool ClientAnswer::isOwn(xcb_window_t window) {
   return process == static_cast<uint32_t>(::getpid());
 }
 
-bool ClientAnswer::takesPing(xcb_window_t window) {
+bool ClientSync::supportsPing(xcb_window_t window) {
   const auto bytes = _connection.property(window, _connection.atom("WM_PROTOCOLS"), XCB_ATOM_ATOM);
   std::vector<xcb_atom_t> protocols(bytes.size() / sizeof(xcb_atom_t));
   if (!protocols.empty()) {
@@ -119,9 +119,9 @@ bool ClientAnswer::takesPing(xcb_window_t window) {
          protocols.end();
 }
 
-// The answer goes to the root window, as that of a window manager's question does: to those who
-// want the root's own news too, by Qt 5's mask.
-bool ClientAnswer::ping(xcb_window_t window, Deadline deadline) {
+// The answer is sent to the root window, as if to a window manager. Qt 5 sends it with a mask that
+// includes StructureNotify.
+bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
   const xcb_atom_t protocols = _connection.atom("WM_PROTOCOLS");
   const xcb_atom_t pingAtom = _connection.atom("_NET_WM_PING");
   const uint32_t number = ++_number;
@@ -130,7 +130,7 @@ bool ClientAnswer::ping(xcb_window_t window, Deadline deadline) {
   };
   listen(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
   send(window, protocols, {pingAtom, number, window, 0, 0});
-  const bool answered = awaitEvent(
+  const bool answered = waitForEvent(
       [&](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
         const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
@@ -143,9 +143,9 @@ bool ClientAnswer::ping(xcb_window_t window, Deadline deadline) {
   return answered;
 }
 
-// Programs on the X toolkit answer the resource editor (the Editres protocol): they ask for the
-// selection that its message names. To be asked is the answer; the selection is then refused.
-bool ClientAnswer::askToolkit(xcb_window_t window, Deadline deadline) {
+// Programs on the X toolkit (xterm) answer the Editres protocol: they request the selection that
+// its message names. That request is the answer; it is refused.
+bool ClientSync::pingByEditres(xcb_window_t window, Deadline deadline) {
   constexpr uint32_t protocolVersion = 5;
   const xcb_atom_t selection = _connection.atom("TAPDECK_QUESTION");
   if (_own == XCB_WINDOW_NONE) {
@@ -156,7 +156,7 @@ bool ClientAnswer::askToolkit(xcb_window_t window, Deadline deadline) {
   xcb_set_selection_owner(_connection.get(), _own, selection, XCB_CURRENT_TIME);
   send(window, _connection.atom("Editres"),
        {XCB_CURRENT_TIME, selection, ++_number & 0xff, protocolVersion, 0});
-  const bool answered = awaitEvent(
+  const bool answered = waitForEvent(
       [&](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) != XCB_SELECTION_REQUEST) return false;
         const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(event);
@@ -177,7 +177,7 @@ bool ClientAnswer::askToolkit(xcb_window_t window, Deadline deadline) {
   return answered;
 }
 
-void ClientAnswer::send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]) {
+void ClientSync::send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]) {
   xcb_client_message_event_t message{};
   message.response_type = XCB_CLIENT_MESSAGE;
   message.format = 32;
@@ -190,7 +190,7 @@ void ClientAnswer::send(xcb_window_t window, xcb_atom_t type, const uint32_t (&d
 }
 
 template <typename Matches>
-bool ClientAnswer::awaitEvent(Matches matches, Deadline deadline) {
+bool ClientSync::waitForEvent(Matches matches, Deadline deadline) {
   xcb_flush(_connection.get());
   while (_connection.isAlive()) {
     while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_connection.get())}) {
