@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,13 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// The host's own programs.
-class AppleScriptProgramsTest : public AppleScriptTest {
- protected:
-  static std::string fileContents(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-};
+class AppleScriptProgramsTest : public AppleScriptTest {};
 
 constexpr Application kPlayers[] = {Application::music, Application::spotify, Application::vlc};
 
@@ -134,7 +127,7 @@ TEST_F(AppleScriptProgramsTest, WriteTheCoverToAFile) {
   EXPECT_EQ(run(artworkScript("Music", path)), "none") << "no player";
   auto& player = desktop.run(Application::music, playing());
   EXPECT_EQ(run(artworkScript("Music", path)), "ok");
-  EXPECT_EQ(fileContents(path), std::string("\xFF\xD8\0\xFF", 4));
+  EXPECT_EQ(contentsOf(path), std::string("\xFF\xD8\0\xFF", 4));
   EXPECT_EQ(run(artworkScript("Music", folder.path / "nowhere" / "cover.bin")), "none");
   const std::filesystem::path link = folder.path / "link";
   std::filesystem::create_symlink(path, link);

@@ -1,6 +1,8 @@
 #include <cmath>
 #include <limits>
 
+#include "Runner/Media/PlayerScripts.h"
+#include "Tests/Support/Surroundings.h"
 #include "Tests/Unit/MediaTest.h"
 
 namespace tapdeck {
@@ -28,17 +30,29 @@ class MediaPlayersTest : public MediaTest {
   }
 };
 
+TEST(PlayerScriptsTest, AreTheOnesThatThePlayersKnow) {
+  const std::pair<const char*, std::string> programs[] = {
+      {"state-music", stateScript("Music")},
+      {"state-vlc", stateScript("VLC")},
+      {"track-music", trackScript("Music")},
+      {"track-vlc", trackScript("VLC")},
+      {"now-playing-music", nowPlayingScript("Music")},
+      {"now-playing-spotify", nowPlayingScript("Spotify")},
+      {"now-playing-vlc", nowPlayingScript("VLC")},
+      {"artwork-music", artworkScript("Music", "/folder/cover")},
+      {"artwork-spotify", spotifyArtworkScript()},
+  };
+  for (const auto& [name, program] : programs) {
+    EXPECT_EQ(program + "\n", contentsOf(std::string(GOLDEN_PROGRAMS "/") + name + ".applescript"));
+  }
+}
+
 TEST_F(MediaPlayersTest, CommandsGoToTheFirstPlayerThatPlaysInItsWords) {
   const std::string start = "start /usr/bin/osascript -e tell application ";
-  const auto question = [&](const std::string& player, const std::string& state) {
-    return start + player + "\n  try\n    if " + state +
-           " then return \"true\"\n  end try\nend tell\nreturn \"false\" > pipe 2> pipe";
-  };
   run({"Finder", "VLC", "Spotify", "Music"});
   answers[{"state", "Spotify"}] = {"true\n"};
   EXPECT_EQ(reply("mediaNext"), Value());
-  EXPECT_THAT(trace(), ElementsAre(question("\"Music\"", "player state is playing"), "read pipe",
-                                   question("\"Spotify\"", "player state is playing"), "read pipe",
+  EXPECT_THAT(steps(), ElementsAre("state Music", "read pipe", "state Spotify", "read pipe",
                                    start + "\"Spotify\" to next track 2> pipe"));
   reply("mediaPlayPause");
   EXPECT_EQ(trace().back(), start + "\"Spotify\" to playpause 2> pipe");
@@ -51,7 +65,7 @@ TEST_F(MediaPlayersTest, CommandsGoToTheFirstPlayerThatPlaysInItsWords) {
       {"mediaPlayPause", "play"}, {"mediaNext", "next"}, {"mediaPrevious", "previous"}};
   for (const auto& [method, command] : commands) {
     EXPECT_EQ(reply(method), Value());
-    EXPECT_THAT(trace(), ElementsAre(question("\"VLC\"", "playing"), "read pipe",
+    EXPECT_THAT(steps(), ElementsAre("state VLC", "read pipe",
                                      start + "\"VLC\" to " + command + " 2> pipe"));
   }
 }
@@ -100,6 +114,9 @@ TEST_F(MediaPlayersTest, APlayerThatHangsIsGivenUpAfterItsLimit) {
                                    "poll", "read pipe",
                                    "start /usr/bin/osascript -e tell application \"Spotify\" to "
                                    "playpause 2> pipe"));
+  answers[{"track", "Music"}] = {"true", 0, 1.6};
+  seek(Value(1));
+  EXPECT_THAT(steps(), ::testing::Contains("log ⚠️ AppleScript timed out after 1.5s"));
 }
 
 TEST_F(MediaPlayersTest, SeeksInTheFirstPlayerThatHasATrack) {
@@ -159,9 +176,15 @@ TEST_F(MediaPlayersTest, NothingIsAskedOnceTheWindowIsGone) {
   window.reset();
   recording::runGlobalQueues();
   recording::runMainQueue();
+  // nor by calls that come after
+  EXPECT_EQ(outcome("mediaSeek"), std::nullopt);
+  EXPECT_EQ(outcome("getNowPlaying"), std::nullopt);
+  recording::runGlobalQueues();
+  recording::runMainQueue();
   EXPECT_THAT(engine->laterReplies, Each(Outcome(Value())));
-  EXPECT_EQ(engine->laterReplies.size(), 2u);
-  EXPECT_THAT(trace(), ElementsAre("async on main", "async on main"));
+  EXPECT_EQ(engine->laterReplies.size(), 4u);
+  EXPECT_THAT(trace(), ElementsAre("async on main", "async on main", "async on userInitiated",
+                                   "async on utility", "async on main", "async on main"));
 }
 
 }  // namespace

@@ -82,6 +82,9 @@ TEST_F(MediaSystemTest, LocksOnlyWhereSomethingLoadedCan) {
   EXPECT_EQ(*locks, 0);
   EXPECT_EQ(reply("lockScreen"), Value());
   EXPECT_EQ(*locks, 1);
+  window.reset();
+  EXPECT_EQ(reply("lockScreen"), Value());
+  EXPECT_EQ(*locks, 1);
   dlclose(framework);
 }
 
