@@ -23,10 +23,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-/// Whoever hangs does so for ever; how soon that is noticed also depends on how busy the machine
-/// is.
-constexpr milliseconds kForEver{10000};
-
 /// What the interpreter prints; of a failure its message.
 std::string run(const std::string& script) {
   ChildProcess interpreter({interpreterProgram, "-e", script});
@@ -136,13 +132,8 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
     return "file://" + (folder.path / name).string();
   };
   ASSERT_EQ(mkfifo((folder.path / "pipe").c_str(), 0600), 0);
-  struct Case {
-    std::string url;
-    std::string reply;
-    std::string bytes;
-  };
   const std::string large(size_t{20} << 20, 'x');
-  const std::vector<Case> cases = {
+  const std::tuple<std::string, std::string, std::string> cases[] = {
       {file("empty", ""), "ok", ""},
       {file("text", "no picture"), "ok", "no picture"},
       {file("large", large), "none", ""},

@@ -66,14 +66,10 @@ TEST_F(AppleScriptProgramsTest, TellWhatIsKnownAndNothingElse) {
 }
 
 TEST_F(AppleScriptProgramsTest, AskForStateAndTrack) {
-  struct Case {
-    PlayerState state;
-    const char* isPlaying;
-    const char* hasTrack;
-  };
-  const std::vector<Case> cases = {{playing(), "true", "true"},
-                                   {playing(Constant::paused), "false", "true"},
-                                   {PlayerState(), "false", "false"}};
+  const std::tuple<PlayerState, const char*, const char*> cases[] = {
+      {playing(), "true", "true"},
+      {playing(Constant::paused), "false", "true"},
+      {PlayerState(), "false", "false"}};
   for (const char* name : {"Music", "Spotify", "VLC"}) {
     const auto expectAll = [&](const char* isPlaying, const char* hasTrack, const char* what) {
       EXPECT_EQ(run(stateScript(name)), isPlaying) << name << what;
@@ -96,11 +92,7 @@ TEST_F(AppleScriptProgramsTest, AskForStateAndTrack) {
 TEST_F(AppleScriptProgramsTest, CommandPlayersAndTheMachine) {
   for (const Application player : kPlayers) desktop.run(player, playing());
   const auto is = [](Command command) { return std::to_string(static_cast<int>(command)); };
-  struct Case {
-    std::string source;
-    std::string trace;
-  };
-  const std::vector<Case> cases = {
+  const std::pair<std::string, std::string> cases[] = {
       {commandScript("Music", "playpause"), "command " + is(Command::playPause)},
       {commandScript("Spotify", "next track"), "command " + is(Command::next)},
       {commandScript("VLC", "play"), "command " + is(Command::playPause)},

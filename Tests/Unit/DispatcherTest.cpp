@@ -8,11 +8,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
-const Value kNull;
-
 class DispatcherTest : public HostTest {};
 
 TEST_F(DispatcherTest, EveryMethodHasItsReplyWithoutAWindow) {

@@ -9,9 +9,6 @@ namespace tapdeck {
 namespace {
 
 using ::testing::Each;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 class MediaPlayersTest : public MediaTest {
  protected:
@@ -116,7 +113,7 @@ TEST_F(MediaPlayersTest, APlayerThatHangsIsGivenUpAfterItsLimit) {
                                    "playpause 2> pipe"));
   answers[{"track", "Music"}] = {"true", 0, 1.6};
   seek(Value(1));
-  EXPECT_THAT(steps(), ::testing::Contains("log ⚠️ AppleScript timed out after 1.5s"));
+  EXPECT_THAT(steps(), Contains("log ⚠️ AppleScript timed out after 1.5s"));
 }
 
 TEST_F(MediaPlayersTest, SeeksInTheFirstPlayerThatHasATrack) {
@@ -131,13 +128,7 @@ TEST_F(MediaPlayersTest, SeeksInTheFirstPlayerThatHasATrack) {
 }
 
 TEST_F(MediaPlayersTest, SeekPositionsAreWrittenForTheirPlayer) {
-  const double inf = std::numeric_limits<double>::infinity();
-  struct Row {
-    Value position;
-    const char* music;
-    const char* vlc;
-  };
-  const Row rows[] = {
+  const std::tuple<Value, const char*, const char*> rows[] = {
       {Value(42.5), "42.5", "42"},
       {Value(10), "10.0", "10"},
       {Value(-5), "0.0", "0"},
@@ -151,20 +142,16 @@ TEST_F(MediaPlayersTest, SeekPositionsAreWrittenForTheirPlayer) {
       {Value(9007199254740994.0), "9.007199254740994e+15", "9007199254740994"},
       {Value(1e16), "1e+16", "10000000000000000"},
       {Value(1e300), "1e+300", "9223372036854775807"},
-      {Value(inf), "inf", "9223372036854775807"},
+      {Value(std::numeric_limits<double>::infinity()), "inf", "9223372036854775807"},
   };
   answers[{"track", "Music"}] = answers[{"track", "VLC"}] = {"true"};
-  for (const Row& row : rows) {
+  const std::string start = "start /usr/bin/osascript -e tell application ";
+  for (const auto& [position, music, vlc] : rows) {
     run({"Music"});
-    EXPECT_EQ(seekProgram(row.position),
-              std::string("start /usr/bin/osascript -e tell application \"Music\" to set player "
-                          "position to ") +
-                  row.music + " 2> pipe");
+    EXPECT_EQ(seekProgram(position),
+              start + "\"Music\" to set player position to " + music + " 2> pipe");
     run({"VLC"});
-    EXPECT_EQ(seekProgram(row.position),
-              std::string("start /usr/bin/osascript -e tell application \"VLC\" to set current "
-                          "time to ") +
-                  row.vlc + " 2> pipe");
+    EXPECT_EQ(seekProgram(position), start + "\"VLC\" to set current time to " + vlc + " 2> pipe");
   }
 }
 

@@ -5,9 +5,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 class MediaSystemTest : public MediaTest {};
 
 TEST_F(MediaSystemTest, VolumeStepsRunDetached) {

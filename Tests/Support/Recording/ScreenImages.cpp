@@ -8,7 +8,6 @@
 
 #include "Tests/Support/Recording/Objects.h"
 #include "Tests/Support/Recording/Recording.h"
-#include "Tests/Support/Recording/ScreenAnswers.h"
 
 using tapdeck::recording::contentOf;
 using tapdeck::recording::makeObject;
