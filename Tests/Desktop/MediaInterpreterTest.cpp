@@ -135,7 +135,6 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
   const std::string large(size_t{20} << 20, 'x');
   const std::tuple<std::string, std::string, std::string> cases[] = {
       {file("empty", ""), "ok", ""},
-      {file("text", "no picture"), "ok", "no picture"},
       {file("large", large), "none", ""},
       {"file://" + (folder.path / "pipe").string(), "none", ""},
       {"file://" + folder.path.string(), "none", ""},
@@ -146,14 +145,12 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
       {"data:text/plain,a%20b", "ok", "a b"},
       {"data:image/png;base64,cGljdHVyZQ==", "ok", "picture"},
       {"data:image/png;base64," + large, "none", ""},
-      {"data:", "none", ""},
       {server.address("/cover"), "ok", "cover"},
       {server.address("/missing"), "none", ""},
       {server.address("/endless"), "none", ""},
       {server.address("/hangs"), "none", ""},
       {"http://127.0.0.1:1/", "none", ""},
       {"gopher://a/", "none", ""},
-      {"\n", "none", ""},
   };
   ScriptedPlayer player("music");
   const std::filesystem::path cover = folder.path / "cover";
