@@ -20,15 +20,6 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-/// A host on the display at hand, ready to be used.
-struct RunningHost : ChildProcess {
-  RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
-    EXPECT_TRUE(awaitLine()) << errors();
-    // not the token: standard output may be a journal here
-    EXPECT_EQ(output(), "Tapdeck: the page's address is in " + sessionFilePath().string() + "\n");
-  }
-};
-
 bool windowIsVisible() {
   return !outputOf({"xdotool", "search", "--onlyvisible", "--name", "^Tapdeck$"}).empty();
 }
@@ -42,6 +33,7 @@ void closeTheWindow() {
 TEST(HostTest, EndsCleanlyAtTheUsualSignals) {
   for (const int signal : {SIGTERM, SIGINT}) {
     RunningHost host;
+    EXPECT_EQ(host.output(), "Tapdeck: " + readSession().value().url + "\n");
     host.send(signal);
     EXPECT_EQ(host.status(), 0) << host.errors();
     EXPECT_FALSE(std::filesystem::exists(sessionFilePath()));
@@ -72,14 +64,14 @@ TEST(HostTest, AsksTheUserWhoDecidesByTheSwitch) {
   std::filesystem::remove(permissions::settingsPath());
   RunningHost host;
   closeTheWindow();
-  EXPECT_EQ(outputOf({callProgram, "openAccessibilitySettings"}), "null\n");
+  EXPECT_EQ(call("openAccessibilitySettings"), "null\n");
   ASSERT_TRUE(eventually([] {
     return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "Tapdeck\n";
   }));
   outputOf({"xdotool", "key", "space"});
   EXPECT_TRUE(eventually([] { return !permissions::isGranted(permissions::Permission::control); }));
   EXPECT_TRUE(permissions::isGranted(permissions::Permission::screenCapture));
-  EXPECT_EQ(outputOf({callProgram, "isAccessibilityTrusted"}), "false\n");
+  EXPECT_EQ(call("isAccessibilityTrusted"), "false\n");
   std::filesystem::remove(permissions::settingsPath());
 }
 
@@ -118,16 +110,13 @@ TEST(HostTest, LetsTheNetworkInByTheSwitchAndRemembersIt) {
 TEST(HostTest, SaysWhyItCannotStart) {
   const PrivateServer bare({"-extension", "XTEST"}), other({});
   RunningHost first;
+  // not the token: standard output may be a journal here
+  EXPECT_EQ(first.output(),
+            "Tapdeck: the page's address is in " + sessionFilePath().string() + "\n");
   const Session session = readSession().value();
   const std::string port = std::to_string(session.port);
   const std::string here = std::getenv("DISPLAY");
-  struct Case {
-    std::vector<std::string> options;
-    const char* display;
-    int status;
-    std::string message;
-  };
-  const std::vector<Case> cases = {
+  const std::tuple<std::vector<std::string>, const char*, int, std::string> cases[] = {
       {{}, nullptr, 1, "DISPLAY"},
       {{}, bare.display().c_str(), 1, "XTEST"},
       {{"--port", "0"}, here.c_str(), 1, "another Tapdeck controls this display"},

@@ -130,22 +130,13 @@ TEST(PasteboardTest, GivesItsTextToItselfAndToOthers) {
   EXPECT_EQ(pasteboardString(), "");
   putThereByXclip("theirs");
   EXPECT_EQ(pasteboardString(), "theirs");
-}
-
-TEST(PasteboardTest, ClearingTakesAwayWhoeversTextItIs) {
-  putThereByXclip("theirs");
   platform::clearPasteboard();
   EXPECT_EQ(pasteboardString(), std::nullopt);
   EXPECT_EQ(seenByXclip(), "");
 }
 
 TEST(PasteboardTest, UnderstandsTheFormsThatOwnersOffer) {
-  struct Case {
-    std::string target;
-    Form form;
-    std::optional<std::string> text;
-  };
-  const Case cases[] = {
+  const std::tuple<std::string, Form, std::optional<std::string>> cases[] = {
       {"STRING", {"STRING", "caf\xE9"}, "café"},
       {"TEXT", {"UTF8_STRING", "café"}, "café"},
       {"UTF8_STRING", {"UTF8_STRING", "a\xFFz"}, "a\xEF\xBF\xBDz"},

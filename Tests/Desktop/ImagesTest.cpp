@@ -16,6 +16,7 @@
 #include "Tests/Support/Desktop/Observer.h"
 #include "Tests/Support/Desktop/PrivateServer.h"
 #include "Tests/Support/Desktop/ScreenPainter.h"
+#include "Tests/Support/Seed.h"
 
 namespace tapdeck::testing {
 namespace {
@@ -121,16 +122,13 @@ class Comparison {
 
 void expectNoChangeMissed(const std::vector<std::string>& serverOptions, int changes,
                           const std::string& host = {}) {
-  const unsigned seed = std::random_device()();
   const PrivateServer server(serverOptions);
   const DisplayVariable variable((host + server.display()).c_str());
   quartz::connectToWindowServer();
   Observer observer;
   observer.setMonitor("Left", "251/60x300/80+0+0", "screen");
   observer.setMonitor("Right", "149/40x257/60+251+43");
-  std::cout << "seed " << seed << std::endl;
-  Comparison(seed).run(changes);
-  EXPECT_FALSE(::testing::Test::HasFailure()) << "seed " << seed;
+  Comparison(testSeed()).run(changes);
 }
 
 TEST(ImagesTest, MissNoChange) {

@@ -23,7 +23,9 @@
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Owned.h"
 #include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Desktop/PrivateServer.h"
 #include "Tests/Support/Desktop/TypingKeyboard.h"
+#include "Tests/Support/Seed.h"
 
 namespace tapdeck::testing {
 namespace {
@@ -150,7 +152,7 @@ int holdAtRandom(unsigned seed, const std::string& end) {
     }
   }
   // when the pointer has come, so has all before it
-  const int place = 100 + static_cast<int>(seed);
+  const int place = 100 + static_cast<int>(seed % 400);
   postMouse(kCGEventMouseMoved, place, 55);
   Observer observer;
   eventually([&] { return observer.pointer().x == place; });
@@ -166,16 +168,20 @@ int runHolder(const std::string& arguments) {
 }
 
 TEST(HeldTest, NothingStaysPressedAtTheEnd) {
+  // without a window manager, whose key bindings and menus would act for a while after
+  const PrivateServer server({});
+  const DisplayVariable variable(server.display().c_str());
   Observer observer;
-  // else clicks open the window manager's menu
-  observer.coverScreen();
   TypingKeyboard keyboard{observer};
   keyboard.setLayout("ru,gr");
   const std::string keymap = TypingKeyboard::dump();
   int foundPressed = 0;
-  for (unsigned seed = 1; seed <= 10; ++seed) {
+  // not elsewhere each time: from 4293242372 on it is killed while the group of a missing key is
+  // locked, and the group is not put back yet
+  const unsigned first = testSeed(1);
+  for (unsigned seed = first; seed != first + 10; ++seed) {
     SCOPED_TRACE(seed);
-    if (seed % 2 == 0) {
+    if ((seed - first) % 2 != 0) {
       ASSERT_TRUE(WIFSIGNALED(runHolder(std::to_string(seed) + " killed")));
       foundPressed += keyboard.pressedKeys().empty() ? 0 : 1;
       EXPECT_FALSE(TypingKeyboard::dump() == keymap) << "nothing to put back: no test";
@@ -419,7 +425,7 @@ TEST_F(KeysTest, WithoutPermissionOnlyReleasesGoOut) {
 
 int main(int argc, char** argv) {
   if (argc == 4 && std::string(argv[1]) == "hold") {
-    return tapdeck::testing::holdAtRandom(static_cast<unsigned>(std::atoi(argv[2])), argv[3]);
+    return tapdeck::testing::holdAtRandom(static_cast<unsigned>(std::stoul(argv[2])), argv[3]);
   }
   ::testing::InitGoogleMock(&argc, argv);
   return RUN_ALL_TESTS();

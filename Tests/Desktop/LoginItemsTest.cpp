@@ -89,13 +89,14 @@ TEST_F(LoginItemsTest, TheEntryStartsThisProgramWithItsOptions) {
   g_unsetenv("LOGIN_TESTS_WORDS");
 }
 
-std::string call(const std::string& method, const std::string& arguments = "null") {
-  return outputOf({callProgram, "--channel", "launch_at_startup", method, arguments});
-}
-
 std::string set(bool value) {
   return call("launchAtStartupSetEnabled",
-              std::string("{\"setEnabledValue\":") + (value ? "true}" : "false}"));
+              std::string("{\"setEnabledValue\":") + (value ? "true}" : "false}"),
+              "launch_at_startup");
+}
+
+std::string isEnabled() {
+  return call("launchAtStartupIsEnabled", "null", "launch_at_startup");
 }
 
 TEST_F(LoginItemsTest, TheHostStartsAgainFromItsEntry) {
@@ -111,10 +112,10 @@ TEST_F(LoginItemsTest, TheHostStartsAgainFromItsEntry) {
     ChildProcess host({program.string(), "--port=0", "-l", "::1"});
     ASSERT_TRUE(isServing()) << host.errors();
     words = commandLineOf(host.id());
-    EXPECT_EQ(call("launchAtStartupIsEnabled"), "false\n");
+    EXPECT_EQ(isEnabled(), "false\n");
     EXPECT_TRUE(platform::userDefaultsBool("LaunchAtLogin__hasMigrated"));
     EXPECT_EQ(set(true), "null\n");
-    EXPECT_EQ(call("launchAtStartupIsEnabled"), "true\n");
+    EXPECT_EQ(isEnabled(), "true\n");
     host.send(SIGTERM);
     EXPECT_EQ(host.status(), 0) << host.errors();
   }

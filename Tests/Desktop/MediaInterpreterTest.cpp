@@ -23,10 +23,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-/// Whoever hangs does so for ever; how soon that is noticed also depends on how busy the machine
-/// is.
-constexpr milliseconds kForEver{10000};
-
 /// What the interpreter prints; of a failure its message.
 std::string run(const std::string& script) {
   ChildProcess interpreter({interpreterProgram, "-e", script});
@@ -136,15 +132,9 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
     return "file://" + (folder.path / name).string();
   };
   ASSERT_EQ(mkfifo((folder.path / "pipe").c_str(), 0600), 0);
-  struct Case {
-    std::string url;
-    std::string reply;
-    std::string bytes;
-  };
   const std::string large(size_t{20} << 20, 'x');
-  const std::vector<Case> cases = {
+  const std::tuple<std::string, std::string, std::string> cases[] = {
       {file("empty", ""), "ok", ""},
-      {file("text", "no picture"), "ok", "no picture"},
       {file("large", large), "none", ""},
       {"file://" + (folder.path / "pipe").string(), "none", ""},
       {"file://" + folder.path.string(), "none", ""},
@@ -155,14 +145,12 @@ TEST(MediaInterpreterTest, TakesCoversFromWhereTheyAre) {
       {"data:text/plain,a%20b", "ok", "a b"},
       {"data:image/png;base64,cGljdHVyZQ==", "ok", "picture"},
       {"data:image/png;base64," + large, "none", ""},
-      {"data:", "none", ""},
       {server.address("/cover"), "ok", "cover"},
       {server.address("/missing"), "none", ""},
       {server.address("/endless"), "none", ""},
       {server.address("/hangs"), "none", ""},
       {"http://127.0.0.1:1/", "none", ""},
       {"gopher://a/", "none", ""},
-      {"\n", "none", ""},
   };
   ScriptedPlayer player("music");
   const std::filesystem::path cover = folder.path / "cover";

@@ -4,8 +4,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 #include "Platform/Events.h"
 #include "Platform/Linux/X11/Session/ServerSession.h"
@@ -95,8 +93,7 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
 /// Whether anything but white stands within 16 pixels of the place, on the screen as the server
 /// shows it in its folder: cursor included, which no request of the protocol tells.
 bool isMarked(const std::filesystem::path& folder, size_t x, size_t y) {
-  std::ifstream file(folder / "Xvfb_screen0", std::ios::binary);
-  const std::string bytes(std::istreambuf_iterator<char>(file), {});
+  const std::string bytes = contentsOf(folder / "Xvfb_screen0");
   // an image in the XWD format: big-endian header words, a name, colours of 12 bytes, rows
   const auto word = [&bytes](size_t index) {
     uint32_t value = 0;

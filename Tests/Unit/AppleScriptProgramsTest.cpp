@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -17,13 +16,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// The host's own programs.
-class AppleScriptProgramsTest : public AppleScriptTest {
- protected:
-  static std::string fileContents(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-};
+class AppleScriptProgramsTest : public AppleScriptTest {};
 
 constexpr Application kPlayers[] = {Application::music, Application::spotify, Application::vlc};
 
@@ -73,14 +66,10 @@ TEST_F(AppleScriptProgramsTest, TellWhatIsKnownAndNothingElse) {
 }
 
 TEST_F(AppleScriptProgramsTest, AskForStateAndTrack) {
-  struct Case {
-    PlayerState state;
-    const char* isPlaying;
-    const char* hasTrack;
-  };
-  const std::vector<Case> cases = {{playing(), "true", "true"},
-                                   {playing(Constant::paused), "false", "true"},
-                                   {PlayerState(), "false", "false"}};
+  const std::tuple<PlayerState, const char*, const char*> cases[] = {
+      {playing(), "true", "true"},
+      {playing(Constant::paused), "false", "true"},
+      {PlayerState(), "false", "false"}};
   for (const char* name : {"Music", "Spotify", "VLC"}) {
     const auto expectAll = [&](const char* isPlaying, const char* hasTrack, const char* what) {
       EXPECT_EQ(run(stateScript(name)), isPlaying) << name << what;
@@ -103,11 +92,7 @@ TEST_F(AppleScriptProgramsTest, AskForStateAndTrack) {
 TEST_F(AppleScriptProgramsTest, CommandPlayersAndTheMachine) {
   for (const Application player : kPlayers) desktop.run(player, playing());
   const auto is = [](Command command) { return std::to_string(static_cast<int>(command)); };
-  struct Case {
-    std::string source;
-    std::string trace;
-  };
-  const std::vector<Case> cases = {
+  const std::pair<std::string, std::string> cases[] = {
       {commandScript("Music", "playpause"), "command " + is(Command::playPause)},
       {commandScript("Spotify", "next track"), "command " + is(Command::next)},
       {commandScript("VLC", "play"), "command " + is(Command::playPause)},
@@ -134,7 +119,7 @@ TEST_F(AppleScriptProgramsTest, WriteTheCoverToAFile) {
   EXPECT_EQ(run(artworkScript("Music", path)), "none") << "no player";
   auto& player = desktop.run(Application::music, playing());
   EXPECT_EQ(run(artworkScript("Music", path)), "ok");
-  EXPECT_EQ(fileContents(path), std::string("\xFF\xD8\0\xFF", 4));
+  EXPECT_EQ(contentsOf(path), std::string("\xFF\xD8\0\xFF", 4));
   EXPECT_EQ(run(artworkScript("Music", folder.path / "nowhere" / "cover.bin")), "none");
   const std::filesystem::path link = folder.path / "link";
   std::filesystem::create_symlink(path, link);

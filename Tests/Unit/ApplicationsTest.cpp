@@ -8,8 +8,6 @@ namespace tapdeck {
 namespace {
 
 using platform::ActivationPolicy;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr const char* kDock = "/Users/me/Library/Preferences/com.apple.dock.plist";
 
@@ -49,14 +47,6 @@ class ApplicationsTest : public HostTest {
   }
 };
 
-TEST_F(ApplicationsTest, ReadsFiveSourcesInOrderAndSkipsWhatIsMissing) {
-  applications().folders["/Applications"] = {"Notes.txt", "Nobody.app", "Shout.APP"};
-  EXPECT_THAT(catalogue(), IsEmpty());
-  EXPECT_THAT(trace(), ElementsAre(std::string("read ") + kDock, "list /Applications",
-                                   "bundle /Applications/Nobody.app", "list /Users/me/Applications",
-                                   "list /System/Applications"));
-}
-
 TEST_F(ApplicationsTest, TheFirstSourceOfAnIdentifierNamesIt) {
   applications().running = {{ActivationPolicy::regular, "run", "Running", 1},
                             {ActivationPolicy::regular, "twice", "A first", 2},
@@ -68,6 +58,9 @@ TEST_F(ApplicationsTest, TheFirstSourceOfAnIdentifierNamesIt) {
     }
   }
   install("/Users/me/Applications", "Mine.app", "mine");
+  install("/Applications", "Shout.APP", "shout");
+  applications().folders["/Applications"].insert(applications().folders["/Applications"].begin(),
+                                                 "Nobody.app");
   install("/System/Applications", "Mine too.app", "mine");
   install("/System/Applications", "System.app.app", "system");
   EXPECT_THAT(catalogue(),

@@ -8,17 +8,24 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
-const Value kNull;
-
 class DispatcherTest : public HostTest {};
 
 TEST_F(DispatcherTest, EveryMethodHasItsReplyWithoutAWindow) {
   script().captureGrantedOnRequest = true;
   script().pasteboard = "kept";
   window.reset();
+  // all that any of them could want
+  const ValueMap given{{"bundleId", Value("app")},
+                       {"dx", Value(1)},
+                       {"dy", Value(1)},
+                       {"x", Value(1)},
+                       {"y", Value(1)},
+                       {"display", Value("1")},
+                       {"button", Value("left")},
+                       {"amount", Value(3)},
+                       {"direction", Value(1)},
+                       {"key", Value("a")},
+                       {"text", Value("new")}};
   const std::pair<const char*, Value> answering[] = {
       {"getAppIcon", Value("")},
       {"getDisplays", Value(Value::List())},
@@ -31,9 +38,9 @@ TEST_F(DispatcherTest, EveryMethodHasItsReplyWithoutAWindow) {
       {"getVolumeLevel", Value(50)},
       {"supportsNowPlaying", Value(true)},
       {"getClipboard", Value("kept")},
-      {"setClipboard", Value(false)},
+      {"setClipboard", Value(true)},
   };
-  for (const auto& [method, value] : answering) EXPECT_EQ(reply(method), value) << method;
+  for (const auto& [method, value] : answering) EXPECT_EQ(reply(method, given), value) << method;
   std::istringstream silent(
       "getRunningApps launchApp moveMouse moveMouseAbs moveWindowToDisplay "
       "openScreenRecordingSettings captureScreen resetScreenCapture screenCursor hideCursor "
@@ -41,8 +48,9 @@ TEST_F(DispatcherTest, EveryMethodHasItsReplyWithoutAWindow) {
       "scrollHorizontal keyPress keyDown keyUp typeText showLaser hideLaser mediaPlayPause "
       "mediaNext mediaPrevious volumeUp volumeDown volumeMute lockScreen sleepSystem "
       "shutdownSystem restartSystem");
-  for (std::string method; silent >> method;) EXPECT_EQ(reply(method), kNull) << method;
+  for (std::string method; silent >> method;) EXPECT_EQ(reply(method, given), kNull) << method;
   EXPECT_THAT(trace(), ElementsAre("preflight screen capture", "request screen capture",
+                                   "clear pasteboard", "set pasteboard string 'new'",
                                    "open x-apple.systempreferences:com.apple.preference.security?"
                                    "Privacy_ScreenCapture",
                                    "hide cursor on 1", "show cursor on 1"));
@@ -61,8 +69,9 @@ TEST_F(DispatcherTest, MissingArgumentsGetTheMethodsOwnError) {
   };
   const std::vector<Value> badArguments = {
       kNull, Value(3), Value(ValueMap{}),
-      Value(ValueMap{{"dx", Value("3")}, {"x", Value(true)}, {"bundleId", Value(5)}}),
-      Value(ValueMap{{"dx", Value(1)}, {"x", Value(1)}, {"display", kNull}})};
+      Value(ValueMap{
+          {"dx", Value("3")}, {"x", Value(true)}, {"bundleId", Value(5)}, {"direction", Value(1)}}),
+      Value(ValueMap{{"dx", Value(1)}, {"x", Value(1)}, {"display", kNull}, {"amount", Value(3)}})};
   for (const Value& bad : badArguments) {
     EXPECT_EQ(outcome("launchApp", bad), invalid("bundleId required"));
     EXPECT_EQ(outcome("moveMouse", bad), invalid("Invalid arguments"));
@@ -104,6 +113,7 @@ TEST_F(DispatcherTest, ArgumentsAreReadByKind) {
       {Value(0), "- 0 0 0 "},
       {Value((int64_t{1} << 53) + 1), "- - 9007199254740993 - "},
       {Value(9223372036854775808.0), "- 9.22337e+18 - - "},
+      {Value(-9223372036854775808.0), "- -9.22337e+18 -9223372036854775808 - "},
       {Value(std::nan("")), "- nan - - "},
       {kNull, "- - - - "},
   };

@@ -67,6 +67,7 @@ TEST_F(DisplayGeometryTest, PointsOffEveryDisplayGoToTheNearest) {
   script().screens.push_back(screen(3, {{0, 1000}, {1440, 900}}));
   EXPECT_THAT(clampToDisplays({-0.5, 10}), IsPoint(-0.5, 10));
   EXPECT_THAT(clampToDisplays({-100, -200}), IsPoint(-100, -180));
+  EXPECT_THAT(clampToDisplays({-900, -1200}), IsPoint(0, -1000)) << "as the crow flies";
   EXPECT_THAT(clampToDisplays({700, -60}), IsPoint(700, -101));
   EXPECT_THAT(clampToDisplays({700, -40}), IsPoint(700, 0));
   EXPECT_THAT(clampToDisplays({700, -50.5}), IsPoint(700, 0)) << "the earlier of two as near";

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Runner/Display/FrameComparison.h"
+#include "Tests/Support/Seed.h"
 
 namespace tapdeck {
 namespace {
@@ -21,11 +22,10 @@ bool differByDefinition(const uint8_t* a, const uint8_t* b, const FrameLayout& l
 
 class Random {
  public:
-  explicit Random(uint32_t seed) : _engine(seed) {}
   size_t upTo(size_t most) { return std::uniform_int_distribution<size_t>(0, most)(_engine); }
 
  private:
-  std::mt19937 _engine;
+  std::mt19937 _engine{testSeed()};
 };
 
 /// A copy with differences that count as none within the rows and any whatever in the padding.
@@ -46,11 +46,7 @@ std::vector<uint8_t> likeness(const std::vector<uint8_t>& frame, const FrameLayo
 }
 
 TEST(FrameComparisonTest, SeesWhatThePlainDefinitionSees) {
-  const char* given = std::getenv("TAPDECK_SEED");
-  const uint32_t seed =
-      given != nullptr ? std::strtoul(given, nullptr, 10) : std::random_device()();
-  std::printf("TAPDECK_SEED=%u repeats this run\n", seed);
-  Random random(seed);
+  Random random;
   for (size_t width = 1; width <= 400; ++width) {
     const size_t rowBytes = width * 4;
     const FrameLayout layout{rowBytes, rowBytes + random.upTo(3) * random.upTo(40),

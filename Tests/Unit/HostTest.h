@@ -14,6 +14,13 @@
 
 namespace tapdeck {
 
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+inline const Value kNull;
+
 inline void PrintTo(const Value& value, std::ostream* out) {
   value.visit([out](const auto& content) { *out << ::testing::PrintToString(content); });
 }

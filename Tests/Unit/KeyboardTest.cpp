@@ -7,9 +7,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 class KeyboardTest : public HostTest {
  protected:
   static std::string event(int code, const std::string& way, const std::string& flags) {

@@ -3,9 +3,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 class LaserPointerTest : public HostTest {
  protected:
   LaserPointerTest() { script().mouseLocation = {500, 300}; }

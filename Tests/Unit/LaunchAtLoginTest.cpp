@@ -7,8 +7,6 @@ namespace {
 using platform::LaunchdJob;
 using platform::LoginItemStatus;
 using recording::record;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 constexpr const char* kHelper = "com.example.app-LaunchAtLoginHelper";
 constexpr const char* kDisable = "set login item com.example.app-LaunchAtLoginHelper to false";
@@ -133,7 +131,7 @@ TEST_F(LaunchAtLoginTest, TheChannelInsistsOnItsKey) {
   };
   for (const Value& on : {Value(true), Value(1), Value(1.0)}) {
     EXPECT_EQ(setTo(on), Outcome(Value()));
-    EXPECT_THAT(trace(), ::testing::Contains(kRegister));
+    EXPECT_THAT(trace(), Contains(kRegister));
   }
   for (const Value& off : {Value(false), Value(0), Value(-0.0)}) {
     EXPECT_EQ(setTo(off), Outcome(Value()));

@@ -1,15 +1,14 @@
 #include <cmath>
 #include <limits>
 
+#include "Runner/Media/PlayerScripts.h"
+#include "Tests/Support/Surroundings.h"
 #include "Tests/Unit/MediaTest.h"
 
 namespace tapdeck {
 namespace {
 
 using ::testing::Each;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 class MediaPlayersTest : public MediaTest {
  protected:
@@ -28,17 +27,29 @@ class MediaPlayersTest : public MediaTest {
   }
 };
 
+TEST(PlayerScriptsTest, AreTheOnesThatThePlayersKnow) {
+  const std::pair<const char*, std::string> programs[] = {
+      {"state-music", stateScript("Music")},
+      {"state-vlc", stateScript("VLC")},
+      {"track-music", trackScript("Music")},
+      {"track-vlc", trackScript("VLC")},
+      {"now-playing-music", nowPlayingScript("Music")},
+      {"now-playing-spotify", nowPlayingScript("Spotify")},
+      {"now-playing-vlc", nowPlayingScript("VLC")},
+      {"artwork-music", artworkScript("Music", "/folder/cover")},
+      {"artwork-spotify", spotifyArtworkScript()},
+  };
+  for (const auto& [name, program] : programs) {
+    EXPECT_EQ(program + "\n", contentsOf(std::string(GOLDEN_PROGRAMS "/") + name + ".applescript"));
+  }
+}
+
 TEST_F(MediaPlayersTest, CommandsGoToTheFirstPlayerThatPlaysInItsWords) {
   const std::string start = "start /usr/bin/osascript -e tell application ";
-  const auto question = [&](const std::string& player, const std::string& state) {
-    return start + player + "\n  try\n    if " + state +
-           " then return \"true\"\n  end try\nend tell\nreturn \"false\" > pipe 2> pipe";
-  };
   run({"Finder", "VLC", "Spotify", "Music"});
   answers[{"state", "Spotify"}] = {"true\n"};
   EXPECT_EQ(reply("mediaNext"), Value());
-  EXPECT_THAT(trace(), ElementsAre(question("\"Music\"", "player state is playing"), "read pipe",
-                                   question("\"Spotify\"", "player state is playing"), "read pipe",
+  EXPECT_THAT(steps(), ElementsAre("state Music", "read pipe", "state Spotify", "read pipe",
                                    start + "\"Spotify\" to next track 2> pipe"));
   reply("mediaPlayPause");
   EXPECT_EQ(trace().back(), start + "\"Spotify\" to playpause 2> pipe");
@@ -51,7 +62,7 @@ TEST_F(MediaPlayersTest, CommandsGoToTheFirstPlayerThatPlaysInItsWords) {
       {"mediaPlayPause", "play"}, {"mediaNext", "next"}, {"mediaPrevious", "previous"}};
   for (const auto& [method, command] : commands) {
     EXPECT_EQ(reply(method), Value());
-    EXPECT_THAT(trace(), ElementsAre(question("\"VLC\"", "playing"), "read pipe",
+    EXPECT_THAT(steps(), ElementsAre("state VLC", "read pipe",
                                      start + "\"VLC\" to " + command + " 2> pipe"));
   }
 }
@@ -100,6 +111,9 @@ TEST_F(MediaPlayersTest, APlayerThatHangsIsGivenUpAfterItsLimit) {
                                    "poll", "read pipe",
                                    "start /usr/bin/osascript -e tell application \"Spotify\" to "
                                    "playpause 2> pipe"));
+  answers[{"track", "Music"}] = {"true", 0, 1.6};
+  seek(Value(1));
+  EXPECT_THAT(steps(), Contains("log ⚠️ AppleScript timed out after 1.5s"));
 }
 
 TEST_F(MediaPlayersTest, SeeksInTheFirstPlayerThatHasATrack) {
@@ -114,13 +128,7 @@ TEST_F(MediaPlayersTest, SeeksInTheFirstPlayerThatHasATrack) {
 }
 
 TEST_F(MediaPlayersTest, SeekPositionsAreWrittenForTheirPlayer) {
-  const double inf = std::numeric_limits<double>::infinity();
-  struct Row {
-    Value position;
-    const char* music;
-    const char* vlc;
-  };
-  const Row rows[] = {
+  const std::tuple<Value, const char*, const char*> rows[] = {
       {Value(42.5), "42.5", "42"},
       {Value(10), "10.0", "10"},
       {Value(-5), "0.0", "0"},
@@ -134,20 +142,16 @@ TEST_F(MediaPlayersTest, SeekPositionsAreWrittenForTheirPlayer) {
       {Value(9007199254740994.0), "9.007199254740994e+15", "9007199254740994"},
       {Value(1e16), "1e+16", "10000000000000000"},
       {Value(1e300), "1e+300", "9223372036854775807"},
-      {Value(inf), "inf", "9223372036854775807"},
+      {Value(std::numeric_limits<double>::infinity()), "inf", "9223372036854775807"},
   };
   answers[{"track", "Music"}] = answers[{"track", "VLC"}] = {"true"};
-  for (const Row& row : rows) {
+  const std::string start = "start /usr/bin/osascript -e tell application ";
+  for (const auto& [position, music, vlc] : rows) {
     run({"Music"});
-    EXPECT_EQ(seekProgram(row.position),
-              std::string("start /usr/bin/osascript -e tell application \"Music\" to set player "
-                          "position to ") +
-                  row.music + " 2> pipe");
+    EXPECT_EQ(seekProgram(position),
+              start + "\"Music\" to set player position to " + music + " 2> pipe");
     run({"VLC"});
-    EXPECT_EQ(seekProgram(row.position),
-              std::string("start /usr/bin/osascript -e tell application \"VLC\" to set current "
-                          "time to ") +
-                  row.vlc + " 2> pipe");
+    EXPECT_EQ(seekProgram(position), start + "\"VLC\" to set current time to " + vlc + " 2> pipe");
   }
 }
 
@@ -159,9 +163,15 @@ TEST_F(MediaPlayersTest, NothingIsAskedOnceTheWindowIsGone) {
   window.reset();
   recording::runGlobalQueues();
   recording::runMainQueue();
+  // nor by calls that come after
+  EXPECT_EQ(outcome("mediaSeek"), std::nullopt);
+  EXPECT_EQ(outcome("getNowPlaying"), std::nullopt);
+  recording::runGlobalQueues();
+  recording::runMainQueue();
   EXPECT_THAT(engine->laterReplies, Each(Outcome(Value())));
-  EXPECT_EQ(engine->laterReplies.size(), 2u);
-  EXPECT_THAT(trace(), ElementsAre("async on main", "async on main"));
+  EXPECT_EQ(engine->laterReplies.size(), 4u);
+  EXPECT_THAT(trace(), ElementsAre("async on main", "async on main", "async on userInitiated",
+                                   "async on utility", "async on main", "async on main"));
 }
 
 }  // namespace

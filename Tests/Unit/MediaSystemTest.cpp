@@ -5,9 +5,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 class MediaSystemTest : public MediaTest {};
 
 TEST_F(MediaSystemTest, VolumeStepsRunDetached) {
@@ -80,6 +77,9 @@ TEST_F(MediaSystemTest, LocksOnlyWhereSomethingLoadedCan) {
   ASSERT_NE(framework, nullptr) << dlerror();
   const auto* locks = static_cast<const int*>(dlsym(framework, "tapdeckTestLocks"));
   EXPECT_EQ(*locks, 0);
+  EXPECT_EQ(reply("lockScreen"), Value());
+  EXPECT_EQ(*locks, 1);
+  window.reset();
   EXPECT_EQ(reply("lockScreen"), Value());
   EXPECT_EQ(*locks, 1);
   dlclose(framework);

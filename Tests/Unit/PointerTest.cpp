@@ -7,11 +7,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
-const Value kNull;
-
 class PointerTest : public HostTest {
  protected:
   PointerTest() {

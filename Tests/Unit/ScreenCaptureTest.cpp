@@ -5,10 +5,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 const Value kUnchanged(ValueMap{{"unchanged", Value(true)}});
 
 Value frame(int width, int height) {
@@ -53,13 +49,8 @@ TEST_F(ScreenCaptureTest, TakesTheStepsInOrder) {
 }
 
 TEST_F(ScreenCaptureTest, LimitsWidthAndNeverScalesUp) {
-  struct Row {
-    size_t width, height;
-    Value maxWidth;
-    int outWidth, outHeight;
-  };
   const int64_t most = std::numeric_limits<int64_t>::max();
-  const Row rows[] = {
+  const std::tuple<size_t, size_t, Value, int, int> rows[] = {
       {2880, 1800, Value(100), 320, 200},   {2880, 1800, Value(5000), 1920, 1200},
       {2880, 1800, Value(-most), 320, 200}, {2880, 1800, Value(most), 1920, 1200},
       {2880, 1800, Value(640.0), 640, 400}, {2880, 1800, Value("640"), 1280, 800},
@@ -68,11 +59,10 @@ TEST_F(ScreenCaptureTest, LimitsWidthAndNeverScalesUp) {
       {640, 5, Value(320), 320, 3},         {641, 5, Value(320), 320, 2},  // 2.5, 2.496
       {9000, 10, Value(320), 320, 1},                                      // 0.36
   };
-  for (const Row& row : rows) {
-    script().images.displays[1] = {row.width, row.height, {}};
-    EXPECT_EQ(capture({{"maxWidth", row.maxWidth}, {"force", Value(true)}}),
-              frame(row.outWidth, row.outHeight))
-        << row.width << "x" << row.height;
+  for (const auto& [width, height, maxWidth, outWidth, outHeight] : rows) {
+    script().images.displays[1] = {width, height, {}};
+    EXPECT_EQ(capture({{"maxWidth", maxWidth}, {"force", Value(true)}}), frame(outWidth, outHeight))
+        << width << "x" << height;
   }
 }
 
@@ -98,24 +88,19 @@ TEST_F(ScreenCaptureTest, TakesTheDisplayThatIsNamed) {
 }
 
 TEST_F(ScreenCaptureTest, EachStepThatFailsIsAnswered) {
-  struct Row {
-    const char* failing;
-    const char* code;
-    bool isKept;
-  };
-  const Row rows[] = {
+  const std::tuple<const char*, const char*, bool> rows[] = {
       {"CGBitmapContextCreate", "capture_failed", false},
       {"CGBitmapContextGetData", "capture_failed", false},
       {"CGBitmapContextCreateImage", "capture_failed", true},
       {"CGImageDestinationCreateWithData", "encode_failed", true},
       {"CGImageDestinationFinalize", "encode_failed", true},
   };
-  for (const Row& row : rows) {
+  for (const auto& [failing, code, isKept] : rows) {
     reply("resetScreenCapture");
-    script().images.failing = row.failing;
-    EXPECT_EQ(capture(), failure(row.code)) << row.failing;
+    script().images.failing = failing;
+    EXPECT_EQ(capture(), failure(code)) << failing;
     script().images.failing.clear();
-    EXPECT_EQ(capture(), row.isKept ? kUnchanged : frame(1280, 800)) << row.failing;
+    EXPECT_EQ(capture(), isKept ? kUnchanged : frame(1280, 800)) << failing;
   }
   script().images.jpeg.clear();
   EXPECT_EQ(capture({{"force", Value(true)}}), failure("encode_failed"));

@@ -64,7 +64,6 @@ TEST(StandardCodecTest, ListsAndMapsHaveTheirExactBytes) {
   expectBytes(Value(Value::Float64List{1}),
               {11, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F});
   expectBytes(Value(Value::Float32List{1.5f}), {14, 1, 0, 0, 0, 0, 0xC0, 0x3F});
-  expectBytes(Value(Value::Float64List{}), {11, 0, 0, 0, 0, 0, 0, 0});
   expectBytes(list({Value(), list({Value(true)}), Value("x")}), {12, 3, 0, 12, 1, 1, 7, 1, 'x'});
   expectBytes(Value(ValueMap{{"b", Value(1)}, {"a", Value(ValueMap{{"c", Value()}})}}),
               {13, 2, 7, 1, 'b', 3, 1, 0, 0, 0, 7, 1, 'a', 13, 1, 7, 1, 'c', 0});
@@ -143,7 +142,6 @@ TEST(StandardCodecTest, RefusesSizesBeyondWhatIsLeft) {
   // Each list alone would fit into the rest, but what stands around it needs its share too.
   expectMalformed({12, 2, 12, 2, 0, 0});
   expectMalformed(Bytes{15});
-  expectMalformed(Bytes{255});
 }
 
 TEST(StandardCodecTest, LimitsDepthOfWhatItDecodesOnly) {

@@ -4,9 +4,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-
 class WakingTest : public HostTest {};
 
 TEST_F(WakingTest, GoesThroughItsStepsInOrder) {

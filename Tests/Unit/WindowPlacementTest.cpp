@@ -3,8 +3,6 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using ::testing::internal::CaptureStdout;
 using ::testing::internal::GetCapturedStdout;
 

@@ -1,5 +1,8 @@
 #include "Tests/Support/Desktop/ChildProcess.h"
 
+#include <gtest/gtest.h>
+#include <signal.h>
+
 #include <stdexcept>
 
 namespace tapdeck::testing {
@@ -45,6 +48,22 @@ std::string ChildProcess::output() const {
 
 std::string ChildProcess::errors() const {
   return contentsOf(_folder.path / "errors");
+}
+
+RunningHost::RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
+  if (!awaitLine()) throw std::runtime_error("the host does not start: " + errors());
+}
+
+RunningHost::~RunningHost() {
+  if (!isRunning()) return;
+  send(SIGTERM);
+  EXPECT_EQ(status(), 0) << errors();
+  EXPECT_EQ(errors().find("CRITICAL"), std::string::npos) << errors();
+}
+
+std::string call(const std::string& method, const std::string& arguments,
+                 const std::string& channel) {
+  return outputOf({callProgram, "--channel", channel, method, arguments});
 }
 
 std::string outputOf(const std::vector<std::string>& arguments) {

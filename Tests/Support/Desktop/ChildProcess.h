@@ -40,6 +40,16 @@ class ChildProcess {
   GSubprocess* _process;
 };
 
+/// A host on the display at hand, ready to be called. When it goes, it ends by itself and well.
+struct RunningHost : ChildProcess {
+  RunningHost();
+  ~RunningHost();
+};
+
+/// What tapdeck-call prints of the reply.
+std::string call(const std::string& method, const std::string& arguments = "null",
+                 const std::string& channel = "com.tapdeck/control");
+
 /// Runs a command to its end and takes its standard output.
 std::string outputOf(const std::vector<std::string>& arguments);
 

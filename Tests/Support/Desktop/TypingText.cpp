@@ -35,10 +35,10 @@ void append(std::string& text, char32_t character) {
 
 }  // namespace
 
-std::string longText() {
+std::string longText(size_t clusters) {
   std::string text;
   char32_t ideograph = 0x4E00;
-  for (int round = 0; graphemeClusters(text).size() < 2000; ++round) {
+  for (int round = 0; graphemeClusters(text).size() < clusters; ++round) {
     for (const char* passage : kPassages) {
       text += passage;
       // near and far ones by turns: new, then known again, then new

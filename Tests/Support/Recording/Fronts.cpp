@@ -11,7 +11,6 @@
 #include "Platform/Queues.h"
 #include "Platform/Screens.h"
 #include "Platform/Workspace.h"
-#include "Tests/Support/Recording/Queued.h"
 #include "Tests/Support/Recording/Recording.h"
 
 namespace tapdeck::platform {

@@ -8,8 +8,6 @@
 #include "Platform/Queues.h"
 #include "Platform/Scripts.h"
 #include "Platform/Tasks.h"
-#include "Tests/Support/Recording/MediaAnswers.h"
-#include "Tests/Support/Recording/Queued.h"
 #include "Tests/Support/Recording/Recording.h"
 
 namespace tapdeck::recording {

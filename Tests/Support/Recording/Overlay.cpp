@@ -6,7 +6,6 @@
 
 #include "Platform/OverlayWindow.h"
 #include "Platform/RepeatingTimer.h"
-#include "Tests/Support/Recording/Queued.h"
 #include "Tests/Support/Recording/Recording.h"
 
 namespace tapdeck::platform {

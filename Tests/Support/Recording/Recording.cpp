@@ -3,8 +3,6 @@
 #include <cstdio>
 #include <utility>
 
-#include "Tests/Support/Recording/Queued.h"
-
 namespace tapdeck::recording {
 namespace {
 

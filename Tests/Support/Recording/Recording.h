@@ -2,6 +2,7 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -12,8 +13,6 @@
 #include "Platform/Applications.h"
 #include "Platform/LoginItems.h"
 #include "Platform/Screens.h"
-#include "Tests/Support/Recording/MediaAnswers.h"
-#include "Tests/Support/Recording/ScreenAnswers.h"
 
 namespace tapdeck::recording {
 
@@ -57,6 +56,52 @@ struct OtherWindows {
   AXError positionError = kAXErrorSuccess;
 };
 
+/// What the recording platform shows on displays, and how it draws and encodes it.
+struct ScreenImages {
+  struct Picture {
+    size_t width;
+    size_t height;
+    /// What a context holds once the picture is drawn, rows without padding; zero where it ends.
+    std::vector<uint8_t> drawn;
+  };
+  /// A display that is not among them has no image.
+  std::map<CGDirectDisplayID, Picture> displays;
+  /// Bytes at the end of each row of a context, different after each drawing.
+  size_t rowPadding = 0;
+  /// What every context's pixels are numbered by.
+  std::optional<uint64_t> version;
+  /// Name of the function that fails.
+  std::string failing;
+  /// What every image is encoded as.
+  std::vector<uint8_t> jpeg = {0xff, 0xd8, 0xff, 0xd9};
+};
+
+/// How a child process behaves.
+struct Child {
+  std::string output = {};
+  int32_t status = 0;
+  /// From its start to its end, by the script's clock.
+  double seconds = 0;
+};
+
+/// What the recording platform answers about child processes, scripts, downloads and covers.
+struct Media {
+  /// The child for a program's text.
+  std::function<Child(const std::string& program)> childFor = [](const auto&) { return Child(); };
+  /// What starting a child fails with.
+  std::optional<std::string> launchError;
+  bool appleScriptFails = false;
+  /// What every program that runs in the process fails with.
+  std::optional<std::string> appleScriptError;
+
+  std::optional<std::vector<uint8_t>> download;
+  double downloadSeconds = 0;
+  std::map<std::string, std::vector<uint8_t>> files;
+  /// The size of every image; absent makes decoding fail.
+  std::optional<CGSize> imageSize;
+  std::optional<std::vector<uint8_t>> jpeg;
+};
+
 /// What the recording platform answers, and what it lets fail. A test sets it before it calls.
 struct Script {
   std::vector<platform::Screen> screens;
@@ -95,8 +140,21 @@ struct Script {
   Media media;
 };
 
+/// What the recording platform was handed to run later.
+struct Queued {
+  std::vector<std::function<void()>> global;
+  std::vector<std::function<void()>> main;
+  std::vector<std::function<void()>> screenObservers;
+  /// By their numbers, from 1.
+  std::map<int, std::function<void()>> timers;
+  int timersMade = 0;
+  std::vector<std::function<void()>> downloads;
+};
+
 /// The script in force. Main thread only, as everything here.
 Script& script();
+
+Queued& queued();
 
 /// Puts the script back to its defaults and forgets trace, queued work and observers.
 void reset();
@@ -117,6 +175,9 @@ void notifyScreenParameters();
 
 /// Lets every timer that still runs fire once.
 void fireTimers();
+
+/// Hands over what is still to come of downloads.
+void completeDownloads();
 
 /// Makes an event that is posted as `description`; owned by the caller.
 CGEventRef makeDescribedEvent(const std::string& description);

@@ -9,7 +9,6 @@
 #include "Platform/PixelsVersion.h"
 #include "Tests/Support/Recording/Objects.h"
 #include "Tests/Support/Recording/Recording.h"
-#include "Tests/Support/Recording/ScreenAnswers.h"
 
 using tapdeck::recording::contentOf;
 using tapdeck::recording::makeObject;

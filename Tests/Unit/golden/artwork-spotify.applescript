@@ -1,0 +1,7 @@
+tell application "Spotify"
+  try
+    return artwork url of current track
+  on error
+    return ""
+  end try
+end tell

@@ -1,0 +1,6 @@
+tell application "VLC"
+  try
+    if playing then return "true"
+  end try
+end tell
+return "false"
