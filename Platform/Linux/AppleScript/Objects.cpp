@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+#include "Platform/Linux/Support/GLibOwners.h"
+
 namespace tapdeck::applescript {
 namespace {
 
@@ -34,8 +36,7 @@ std::string line(const std::string& text) {
 
 std::string checksum(const std::string& text) {
   constexpr size_t kDigits = 16;
-  const std::unique_ptr<char, decltype(&g_free)> sum(
-      g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.c_str(), -1), g_free);
+  const glib::Text sum(g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.c_str(), -1));
   std::string digits(sum.get(), kDigits);
   std::ranges::transform(digits, digits.begin(), g_ascii_toupper);
   return digits;
@@ -58,16 +59,14 @@ std::string spotifyId(const Track& track) {
 
 /// The path of a file, of anything else the address.
 std::string pathOf(const Track& track) {
-  const std::unique_ptr<char, decltype(&g_free)> path(
-      g_filename_from_uri(track.url.c_str(), nullptr, nullptr), g_free);
+  const glib::Text path(g_filename_from_uri(track.url.c_str(), nullptr, nullptr));
   const bool isText = path != nullptr && g_utf8_validate(path.get(), -1, nullptr) != FALSE;
   return isText ? path.get() : track.url;
 }
 
 /// The text as it is where it holds no valid escapes of UTF-8.
 std::string percentDecoded(const std::string& text) {
-  const std::unique_ptr<char, decltype(&g_free)> decoded(
-      g_uri_unescape_string(text.c_str(), nullptr), g_free);
+  const glib::Text decoded(g_uri_unescape_string(text.c_str(), nullptr));
   const bool isText = decoded != nullptr && g_utf8_validate(decoded.get(), -1, nullptr) != FALSE;
   return isText ? decoded.get() : text;
 }

@@ -9,8 +9,8 @@
 namespace tapdeck::platform {
 namespace {
 
-using applescript::Shared;
-using applescript::Variant;
+using glib::Object;
+using glib::Variant;
 
 constexpr int kLimit = 3000;
 
@@ -49,7 +49,7 @@ void finish(GObject* connection, GAsyncResult* result, gpointer data) {
 
 void callLock(GObject*, GAsyncResult* result, gpointer data) {
   const auto* locker = static_cast<const Locker*>(data);
-  const Shared<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
+  const Object<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
   if (connection == nullptr) {
     ask(std::next(locker));
     return;

@@ -12,7 +12,7 @@ bool isSameState(const DesktopFile& a, const DesktopFile& b) {
 }
 
 std::string validUtf8(const char* text) {
-  const std::unique_ptr<char, decltype(&g_free)> valid(g_utf8_make_valid(text, -1), g_free);
+  const glib::Text valid(g_utf8_make_valid(text, -1));
   return valid.get();
 }
 
@@ -20,7 +20,7 @@ std::string validUtf8(const char* text) {
 std::shared_ptr<const DesktopEntry> load(const std::string& id, const DesktopFile& file) {
   if (!file.stamp) return nullptr;
   // checks TryExec and Exec too
-  Object<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(file.path.c_str()));
+  glib::Object<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(file.path.c_str()));
   if (info == nullptr || g_desktop_app_info_get_is_hidden(info.get()) != FALSE) return nullptr;
   auto* application = G_APP_INFO(info.get());
   DesktopEntry entry{.id = validUtf8(id.c_str()),

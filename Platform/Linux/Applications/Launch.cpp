@@ -4,10 +4,12 @@
 #include <gdk/gdkx.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
+
+#include "Platform/Linux/Support/Diagnostics.h"
+#include "Platform/Linux/Support/FileDescriptor.h"
 
 namespace tapdeck::applications {
 namespace {
@@ -27,29 +29,18 @@ guint32 serverTime(GdkDisplay* display) {
   return time;
 }
 
-Object<GAppLaunchContext> launchContext() {
+glib::Object<GAppLaunchContext> launchContext() {
   GdkDisplay* display = gdk_display_get_default();
-  if (display == nullptr) return Object<GAppLaunchContext>(g_app_launch_context_new());
+  if (display == nullptr) return glib::Object<GAppLaunchContext>(g_app_launch_context_new());
   GdkAppLaunchContext* context = gdk_display_get_app_launch_context(display);
   gdk_app_launch_context_set_timestamp(context, serverTime(display));
-  return Object<GAppLaunchContext>(G_APP_LAUNCH_CONTEXT(context));
+  return glib::Object<GAppLaunchContext>(G_APP_LAUNCH_CONTEXT(context));
 }
-
-/// Open for as long as this lives; -1, which stands for the host's own streams, when it cannot be.
-struct NullDevice {
-  NullDevice() : descriptor(open("/dev/null", O_RDWR | O_CLOEXEC)) {}
-  NullDevice(const NullDevice&) = delete;
-  NullDevice& operator=(const NullDevice&) = delete;
-  ~NullDevice() {
-    if (descriptor >= 0) close(descriptor);
-  }
-  const int descriptor;
-};
 
 /// Takes the error; null for none.
 void tellFailure(const std::string& id, GError* error) {
-  if (const Error failure{error}) {
-    std::fprintf(stderr, "tapdeck: %s cannot be started: %s\n", id.c_str(), failure->message);
+  if (const glib::Error failure{error}) {
+    warn(id + " cannot be started: " + failure->message);
   }
 }
 
@@ -61,10 +52,10 @@ void leaveSession(gpointer) {
 void launchProgram(const DesktopEntry& entry) {
   GError* error = nullptr;
   // what an application says belongs neither into the host's output nor keeps it open
-  const NullDevice null;
+  const FileDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
   g_desktop_app_info_launch_uris_as_manager_with_fds(
       entry.info.get(), nullptr, launchContext().get(), G_SPAWN_SEARCH_PATH, leaveSession, nullptr,
-      nullptr, nullptr, null.descriptor, null.descriptor, null.descriptor, &error);
+      nullptr, nullptr, null.get(), null.get(), null.get(), &error);
   tellFailure(entry.id, error);
 }
 

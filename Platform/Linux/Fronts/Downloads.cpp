@@ -7,12 +7,12 @@
 #include <string>
 #include <utility>
 
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::platform {
 namespace {
 
-using applications::Object;
+using glib::Object;
 
 using Bytes = std::vector<uint8_t>;
 
@@ -48,12 +48,6 @@ class Download {
         _completed(std::move(completed)) {}
   Download(const Download&) = delete;
   Download& operator=(const Download&) = delete;
-  ~Download() {
-    if (_limit != nullptr) {
-      g_source_destroy(_limit);
-      g_source_unref(_limit);
-    }
-  }
 
   static gboolean start(gpointer self) {
     static_cast<Download*>(self)->start();
@@ -67,9 +61,9 @@ class Download {
     _session.reset(soup_session_new_with_options(
         "timeout", static_cast<guint>(std::ceil(_timeoutInterval)), nullptr));
     g_signal_connect(_message.get(), "restarted", G_CALLBACK(redirected), this);
-    _limit = g_timeout_source_new_seconds(kLongestSeconds);
-    g_source_set_callback(_limit, timedOut, this, nullptr);
-    g_source_attach(_limit, downloadContext());
+    _limit.reset(g_timeout_source_new_seconds(kLongestSeconds));
+    g_source_set_callback(_limit.get(), timedOut, this, nullptr);
+    g_source_attach(_limit.get(), downloadContext());
     soup_session_send_async(_session.get(), _message.get(), G_PRIORITY_DEFAULT, _cancellable.get(),
                             answered, this);
   }
@@ -127,7 +121,7 @@ class Download {
   Object<SoupSession> _session;
   Object<SoupMessage> _message;
   Object<GInputStream> _stream;
-  GSource* _limit = nullptr;
+  glib::Source _limit;
   std::array<uint8_t, kChunk> _chunk{};
   Bytes _data;
 };

@@ -8,12 +8,12 @@
 
 #include "Platform/Linux/Applications/IconImage.h"
 #include "Platform/Linux/Fronts/PictureDecoding.h"
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::platform {
 
 using applications::DesktopEntries;
-using applications::Object;
+using glib::Object;
 
 /// An icon or a picture.
 struct Image {
@@ -30,8 +30,7 @@ struct Bitmap {
 namespace {
 
 Object<GdkPixbuf> loadFile(GFileIcon* icon, int side) {
-  const std::unique_ptr<char, decltype(&g_free)> path(g_file_get_path(g_file_icon_get_file(icon)),
-                                                      g_free);
+  const glib::Text path(g_file_get_path(g_file_icon_get_file(icon)));
   return path != nullptr ? decodeIconFile(path.get(), side) : nullptr;
 }
 
@@ -109,7 +108,7 @@ std::optional<std::vector<uint8_t>> encoded(const Bitmap& bitmap, const char* ty
                                 value.c_str(), nullptr) == FALSE) {
     return std::nullopt;
   }
-  const std::unique_ptr<char, decltype(&g_free)> owner(bytes, g_free);
+  const glib::Text owner(bytes);
   return std::vector<uint8_t>(bytes, bytes + size);
 }
 

@@ -17,7 +17,7 @@
 namespace tapdeck::platform {
 namespace {
 
-using applications::Object;
+using glib::Object;
 using Pixels = Object<GdkPixbuf>;
 
 constexpr std::chrono::seconds kTimeLimit{1};

@@ -40,12 +40,12 @@ struct Survey {
 
   static void receive(GObject* connection, GAsyncResult* result, gpointer data) {
     auto* place = static_cast<Place*>(data);
-    const Variant reply(
+    const glib::Variant reply(
         g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));
     if (reply != nullptr) {
       GVariant* inner = nullptr;
       g_variant_get(reply.get(), "(v)", &inner);
-      const Variant value(inner);
+      const glib::Variant value(inner);
       if (g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING) != FALSE) {
         place->answer = g_variant_get_string(value.get(), nullptr);
       }
@@ -82,36 +82,35 @@ std::optional<Bus> Bus::connect(GBusType type) {
 }
 
 std::vector<std::string> Bus::names() const {
-  const Variant reply(g_dbus_connection_call_sync(
+  const glib::Variant reply(g_dbus_connection_call_sync(
       _connection.get(), "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
       "ListNames", nullptr, G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, kNamesLimit, nullptr,
       nullptr));
   std::vector<std::string> names;
   if (reply == nullptr) return names;
-  const Variant list(g_variant_get_child_value(reply.get(), 0));
+  const glib::Variant list(g_variant_get_child_value(reply.get(), 0));
   for (gsize place = 0; place < g_variant_n_children(list.get()); ++place) {
-    const Variant name(g_variant_get_child_value(list.get(), place));
+    const glib::Variant name(g_variant_get_child_value(list.get(), place));
     names.emplace_back(g_variant_get_string(name.get(), nullptr));
   }
   std::ranges::sort(names);
   return names;
 }
 
-Variant Bus::call(const std::string& name, const char* path, const char* interface,
-                  const char* method, GVariant* arguments, const char* replyType) const {
+glib::Variant Bus::call(const std::string& name, const char* path, const char* interface,
+                        const char* method, GVariant* arguments, const char* replyType) const {
   GError* error = nullptr;
-  Variant reply(g_dbus_connection_call_sync(
+  glib::Variant reply(g_dbus_connection_call_sync(
       _connection.get(), name.c_str(), path, interface, method, arguments,
       G_VARIANT_TYPE(replyType), G_DBUS_CALL_FLAGS_NO_AUTO_START, kCallLimit, nullptr, &error));
   if (reply != nullptr) return reply;
-  const applications::Error failure(error);
+  const glib::Error failure(error);
   throw describe(*failure);
 }
 
 std::vector<std::string> Bus::askAll(const std::vector<std::string>& names, const char* path,
                                      const char* interface, const char* property) const {
-  const std::unique_ptr<GMainContext, decltype(&g_main_context_unref)> context(
-      g_main_context_new(), g_main_context_unref);
+  const glib::MainContext context(g_main_context_new());
   g_main_context_push_thread_default(context.get());
   Survey survey{.pending = names.size(), .places = {}};
   survey.places.assign(names.size(), {&survey, {}});

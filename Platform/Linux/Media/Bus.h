@@ -12,17 +12,9 @@
 #include <thread>
 #include <vector>
 
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::applescript {
-
-template <typename T>
-using Shared = applications::Object<T>;
-
-struct VariantRelease {
-  void operator()(GVariant* variant) const { g_variant_unref(variant); }
-};
-using Variant = std::unique_ptr<GVariant, VariantRelease>;
 
 /// Cancels what runs with it when the time is up; until then for as long as it lives.
 class Deadline {
@@ -32,7 +24,7 @@ class Deadline {
   GCancellable* cancellable() const { return _cancellable.get(); }
 
  private:
-  Shared<GCancellable> _cancellable{g_cancellable_new()};
+  glib::Object<GCancellable> _cancellable{g_cancellable_new()};
   std::mutex _mutex;
   std::condition_variable_any _ended;
   std::jthread _thread;
@@ -58,8 +50,8 @@ class Bus {
   /// Calls a method and waits for its reply, a tuple of this type, for at most a second. Takes the
   /// arguments. Throws ScriptError: -600 when nobody bears the name (any more), -1712 when the
   /// reply does not come, -10000 for an error as the reply.
-  Variant call(const std::string& name, const char* path, const char* interface, const char* method,
-               GVariant* arguments, const char* replyType) const;
+  glib::Variant call(const std::string& name, const char* path, const char* interface,
+                     const char* method, GVariant* arguments, const char* replyType) const;
 
   /// Asks each of the names for one property of text, all at once; empty for what does not answer
   /// within a quarter of a second.

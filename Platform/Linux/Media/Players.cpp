@@ -29,19 +29,18 @@ std::optional<Application> ownerOf(std::string_view name) {
   return Application::music;
 }
 
-Variant lookUp(GVariant* dictionary, const char* key) {
-  return Variant(g_variant_lookup_value(dictionary, key, nullptr));
+glib::Variant lookUp(GVariant* dictionary, const char* key) {
+  return glib::Variant(g_variant_lookup_value(dictionary, key, nullptr));
 }
 
 /// Of a text, an object path or a list of texts; empty for anything else.
 std::string text(GVariant* dictionary, const char* key) {
-  const Variant value = lookUp(dictionary, key);
+  const glib::Variant value = lookUp(dictionary, key);
   if (value == nullptr) return {};
   if (g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING_ARRAY) != FALSE) {
-    const std::unique_ptr<const char*, decltype(&g_free)> parts(
-        g_variant_get_strv(value.get(), nullptr), g_free);
-    const std::unique_ptr<char, decltype(&g_free)> joined(
-        g_strjoinv(", ", const_cast<char**>(parts.get())), g_free);
+    // the texts themselves stay the variant's
+    const glib::Memory<const char*> parts(g_variant_get_strv(value.get(), nullptr));
+    const glib::Text joined(g_strjoinv(", ", const_cast<char**>(parts.get())));
     return joined.get();
   }
   const bool isText = g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING) != FALSE ||
@@ -52,7 +51,7 @@ std::string text(GVariant* dictionary, const char* key) {
 /// Players give times in any type of number.
 std::optional<int64_t> microseconds(GVariant* dictionary, const char* key) {
   constexpr double kLongest = 1e15;
-  const Variant value = lookUp(dictionary, key);
+  const glib::Variant value = lookUp(dictionary, key);
   if (value == nullptr) return std::nullopt;
   double number = 0;
   switch (g_variant_classify(value.get())) {
@@ -113,13 +112,14 @@ class BusPlayer : public Player {
   BusPlayer(Bus bus, std::string name) : _bus(std::move(bus)), _name(std::move(name)) {}
 
   PlayerState read() override {
-    const Variant reply = call("org.freedesktop.DBus.Properties", "GetAll",
-                               g_variant_new("(s)", kInterface), "(a{sv})");
-    const Variant all(g_variant_get_child_value(reply.get(), 0));
+    const glib::Variant reply = call("org.freedesktop.DBus.Properties", "GetAll",
+                                     g_variant_new("(s)", kInterface), "(a{sv})");
+    const glib::Variant all(g_variant_get_child_value(reply.get(), 0));
     PlayerState state{.status = statusOf(text(all.get(), "PlaybackStatus")),
                       .track = std::nullopt,
                       .position = microseconds(all.get(), "Position").value_or(0)};
-    const Variant metadata(g_variant_lookup_value(all.get(), "Metadata", G_VARIANT_TYPE_VARDICT));
+    const glib::Variant metadata(
+        g_variant_lookup_value(all.get(), "Metadata", G_VARIANT_TYPE_VARDICT));
     if (metadata != nullptr && state.status != Constant::stopped) {
       state.track = trackOf(metadata.get());
     }
@@ -142,9 +142,9 @@ class BusPlayer : public Player {
   }
 
  private:
-  Variant call(const char* interface, const char* method, GVariant* arguments,
-               const char* replyType) {
-    const Variant owned(arguments != nullptr ? g_variant_ref_sink(arguments) : nullptr);
+  glib::Variant call(const char* interface, const char* method, GVariant* arguments,
+                     const char* replyType) {
+    const glib::Variant owned(arguments != nullptr ? g_variant_ref_sink(arguments) : nullptr);
     if (_failure) throw ScriptError(*_failure);
     try {
       return _bus.call(_name, kPath, interface, method, owned.get(), replyType);

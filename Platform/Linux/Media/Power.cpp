@@ -1,10 +1,11 @@
 #include "Platform/Linux/Media/Power.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <string>
 
 #include "Platform/Linux/AppleScript/Value.h"
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 
 namespace tapdeck::applescript {
 namespace {
@@ -25,12 +26,13 @@ size_t pending = 0;
 void finish(GObject* connection, GAsyncResult* result, gpointer data) {
   --pending;
   GError* error = nullptr;
-  const Variant reply(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error));
+  const glib::Variant reply(
+      g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error));
   if (reply != nullptr) return;
-  const applications::Error failure(error);
+  const glib::Error failure(error);
   g_dbus_error_strip_remote_error(failure.get());
-  std::fprintf(stderr, "tapdeck: the machine cannot %s: %s\n",
-               static_cast<const Request*>(data)->verb, failure->message);
+  const std::string verb = static_cast<const Request*>(data)->verb;
+  warn("the machine cannot " + verb + ": " + failure->message);
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 #include "Platform/Linux/Permissions/Permissions.h"
 
 #include <array>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/Support/FileStamp.h"
 #include "Platform/Linux/Support/KeyFile.h"
 
@@ -41,8 +41,7 @@ Settings read(const std::string& path) {
   Settings settings;
   KeyFile file;
   if (const auto failure = file.load(path)) {
-    std::fprintf(stderr, "tapdeck: nothing is permitted, for %s cannot be read: %s\n", path.c_str(),
-                 failure->c_str());
+    warn("nothing is permitted, for " + path + " cannot be read: " + *failure);
     settings.granted.fill(false);
     return settings;
   }
@@ -85,7 +84,7 @@ void setGranted(Permission permission, bool granted) {
     g_key_file_set_boolean(file.get(), kGroup, keys[i], settings.granted[i]);
   }
   if (const auto failure = file.save(path)) {
-    std::fprintf(stderr, "tapdeck: the permission holds for this run only: %s\n", failure->c_str());
+    warn("the permission holds for this run only: " + *failure);
   }
   cache() = {settings, stampOf(path)};
 }

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <glib.h>
-
-#include <memory>
 #include <optional>
 #include <string>
+
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck {
 
@@ -26,10 +25,7 @@ class KeyFile {
   GKeyFile* get() const { return _file.get(); }
 
  private:
-  struct Deleter {
-    void operator()(GKeyFile* file) const { g_key_file_unref(file); }
-  };
-  std::unique_ptr<GKeyFile, Deleter> _file;
+  glib::KeyFile _file;
 };
 
 }  // namespace tapdeck

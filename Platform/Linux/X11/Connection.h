@@ -11,12 +11,18 @@
 
 namespace tapdeck::quartz {
 
-/// Replies and events of the X server come from malloc.
-struct Freed {
+struct Free {
   void operator()(void* memory) const { std::free(memory); }
 };
+/// The owner of a reply, an event or an error of the X server; they come from malloc.
 template <typename Packet>
-using Received = std::unique_ptr<Packet, Freed>;
+using Received = std::unique_ptr<Packet, Free>;
+
+struct Disconnect {
+  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+/// The owner of what xcb_connect gives.
+using OpenConnection = std::unique_ptr<xcb_connection_t, Disconnect>;
 
 /// One connection to the X server of $DISPLAY. Requests on a connection that has broken are
 /// dropped and their replies are null, so that nothing here needs to ask first whether it lives.
@@ -60,13 +66,10 @@ class Connection {
   std::vector<uint8_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
 
  private:
-  struct Disconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-  };
   void requireExtensions() const;
 
   int _screenNumber = 0;
-  std::unique_ptr<xcb_connection_t, Disconnect> _connection;
+  OpenConnection _connection;
   const xcb_screen_t* _screen = nullptr;
   // neither changes while the server runs
   std::unordered_map<std::string, xcb_atom_t> _atoms;
