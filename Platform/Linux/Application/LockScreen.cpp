@@ -61,7 +61,7 @@ void callLock(GObject*, GAsyncResult* result, gpointer data) {
 }
 
 void ask(const Locker* locker) {
-  while (locker != std::end(kLockers) && !applescript::hasBus(locker->bus)) ++locker;
+  while (locker != std::end(kLockers) && !media::hasBus(locker->bus)) ++locker;
   if (locker == std::end(kLockers)) {
     std::fputs("tapdeck: nothing on this desktop locks the screen.\n", stderr);
     return;

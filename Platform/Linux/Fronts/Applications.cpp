@@ -50,7 +50,7 @@ std::vector<RunningApplication> runningApplications() {
 
 std::vector<std::string> runningApplicationNames() {
   // windows and desktop entries are the main thread's, so it is only those that scripts know
-  return applescript::runningPlayers();
+  return media::runningPlayers();
 }
 
 std::optional<RunningApplication> frontmostApplication() {

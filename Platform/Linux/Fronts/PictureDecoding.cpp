@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "Platform/Linux/AppleScript/Value.h"
+#include "Platform/Linux/Media/MediaError.h"
 #include "Platform/Linux/Media/Pictures.h"
 #include "Platform/Linux/Support/FileStamp.h"
 
@@ -55,8 +55,8 @@ Pixels decode(std::string_view bytes, std::optional<int> side) {
 
 std::optional<std::string> bytesIn(const std::string& path) {
   try {
-    return applescript::readPictureFile(path);
-  } catch (const applescript::ScriptError&) {
+    return media::readPictureFile(path);
+  } catch (const media::MediaError&) {
     return std::nullopt;
   }
 }

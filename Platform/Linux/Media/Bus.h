@@ -14,9 +14,9 @@
 
 #include "Platform/Linux/Support/GLibOwners.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 
-/// Cancels what runs with it when the time is up; until then for as long as it lives.
+/// A cancellable that is cancelled when the time is up, unless this has ended before.
 class Deadline {
  public:
   explicit Deadline(std::chrono::milliseconds atMost);
@@ -48,15 +48,15 @@ class Bus {
   std::vector<std::string> names() const;
 
   /// Calls a method and waits for its reply, a tuple of this type, for at most a second. Takes the
-  /// arguments. Throws ScriptError: -600 when nobody bears the name (any more), -1712 when the
-  /// reply does not come, -10000 for an error as the reply.
+  /// arguments. Throws MediaError: notRunning, timedOut or failed.
   glib::Variant call(const std::string& name, const char* path, const char* interface,
                      const char* method, GVariant* arguments, const char* replyType) const;
 
-  /// Asks each of the names for one property of text, all at once; empty for what does not answer
-  /// within a quarter of a second.
-  std::vector<std::string> askAll(const std::vector<std::string>& names, const char* path,
-                                  const char* interface, const char* property) const;
+  /// Reads one property of text from each of the names, all at the same time; empty for those that
+  /// do not answer within a quarter of a second.
+  std::vector<std::string> textPropertyOfEach(const std::vector<std::string>& names,
+                                              const char* path, const char* interface,
+                                              const char* property) const;
 
  private:
   explicit Bus(GDBusConnection* connection) : _connection(connection, g_object_unref) {}
@@ -64,4 +64,4 @@ class Bus {
   std::shared_ptr<GDBusConnection> _connection;
 };
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

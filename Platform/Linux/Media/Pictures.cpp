@@ -10,18 +10,18 @@
 #include <chrono>
 #include <memory>
 
-#include "Platform/Linux/AppleScript/Value.h"
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Media/MediaError.h"
 #include "Platform/Linux/Support/FileDescriptor.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 namespace {
 
-constexpr size_t kLargest = 10'000'000;
+constexpr size_t kMaxSize = 10'000'000;
 constexpr std::chrono::milliseconds kLimit{2500};
 
 [[noreturn]] void fail(const char* what) {
-  throw ScriptError{kNotFound, what, ""};
+  throw MediaError(MediaError::Kind::notFound, what);
 }
 
 /// Takes pieces until there are no more or it is too much. `read` fills a buffer and gives the
@@ -35,7 +35,7 @@ std::string readAll(Read read) {
     if (count < 0) fail("The picture cannot be read.");
     if (count == 0) return bytes;
     bytes.append(buffer.data(), static_cast<size_t>(count));
-    if (bytes.size() > kLargest) fail("The picture is too large.");
+    if (bytes.size() > kMaxSize) fail("The picture is too large.");
   }
 }
 
@@ -53,7 +53,7 @@ std::string readData(const std::string& url) {
   constexpr std::string_view kBase64 = ";base64";
   const size_t comma = url.find(',');
   if (comma == std::string::npos) fail("The picture’s address is no data.");
-  if (url.size() - comma > kLargest * 4 / 3) fail("The picture is too large.");
+  if (url.size() - comma > kMaxSize * 4 / 3) fail("The picture is too large.");
   const bool isBase64 = std::string_view(url).substr(0, comma).ends_with(kBase64);
   const glib::Bytes unescaped(g_uri_unescape_bytes(url.c_str() + comma + 1, -1, nullptr, nullptr));
   if (unescaped == nullptr) fail("The picture’s address is no data.");
@@ -107,4 +107,4 @@ std::string readPicture(const std::string& url) {
   fail("The picture’s address is of no known kind.");
 }
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <string>
 
-#include "Platform/Linux/AppleScript/Value.h"
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Media/MediaError.h"
 #include "Platform/Linux/Support/Diagnostics.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 namespace {
 
 constexpr const char* kLoginManager = "org.freedesktop.login1";
@@ -37,13 +37,13 @@ void finish(GObject* connection, GAsyncResult* result, gpointer data) {
 
 }  // namespace
 
-void requestPower(Command command) {
-  const Request& request = command == Command::sleep      ? kSleep
-                           : command == Command::shutDown ? kShutDown
-                                                          : kRestart;
+void requestPower(PowerAction action) {
+  const Request& request = action == PowerAction::sleep      ? kSleep
+                           : action == PowerAction::shutDown ? kShutDown
+                                                             : kRestart;
   const auto bus = Bus::connect(G_BUS_TYPE_SYSTEM);
   if (!bus || !std::ranges::binary_search(bus->names(), kLoginManager)) {
-    throw ScriptError{kNotRunning, "Application isn’t running.", ""};
+    throw MediaError(MediaError::Kind::notRunning, "There is no login manager.");
   }
   // the user may be asked for a password
   constexpr gboolean kIsInteractive = TRUE;
@@ -60,4 +60,4 @@ void finishPowerRequests() {
   while (pending > 0) g_main_context_iteration(nullptr, TRUE);
 }
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media
