@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kMicroseconds = 1000000;
 /// In characters; several of them and what stands between go through a pipe of 64 KiB.
-constexpr glong kLongestText = 2000;
+constexpr glong kMaxTextLength = 2000;
 constexpr gunichar kLineSeparator = 0x2028;
 constexpr gunichar kParagraphSeparator = 0x2029;
 
@@ -23,7 +23,7 @@ constexpr gunichar kParagraphSeparator = 0x2029;
 std::string line(const std::string& text) {
   std::string clean;
   glong length = 0;
-  for (const char* at = text.c_str(); *at != '\0' && length < kLongestText; ++length) {
+  for (const char* at = text.c_str(); *at != '\0' && length < kMaxTextLength; ++length) {
     const gunichar character = g_utf8_get_char(at);
     const char* next = g_utf8_next_char(at);
     const bool breaks = g_unichar_iscntrl(character) != FALSE || character == kLineSeparator ||
@@ -157,11 +157,11 @@ std::string named(Property property, const Object& object) {
   return object.kind == Object::Kind::application ? words : words + " of " + display(object);
 }
 
-/// Runs what asks the application, so that a failure names it.
-template <typename Ask>
-auto asked(Application application, Ask ask) {
+/// Runs what uses the application, so that a failure names it.
+template <typename Use>
+auto inApplication(Application application, Use use) {
   try {
-    return ask();
+    return use();
   } catch (ScriptError& error) {
     error.application = nameOf(application);
     error.message = error.application + " got an error: " + error.message;
@@ -169,16 +169,16 @@ auto asked(Application application, Ask ask) {
   }
 }
 
-/// What is neither negative nor past every bound; NaN is 0.
+/// Limited to what a player can be sent: below 0 and NaN become 0.
 int64_t microseconds(double seconds) {
-  constexpr double kLongest = 1e12;
-  return seconds > 0 ? std::llround(std::min(seconds, kLongest) * kMicroseconds) : 0;
+  constexpr double kMaxSeconds = 1e12;
+  return seconds > 0 ? std::llround(std::min(seconds, kMaxSeconds) * kMicroseconds) : 0;
 }
 
 }  // namespace
 
 Value propertyOf(Desktop& desktop, const Object& object, Property property) {
-  return asked(object.application, [&] {
+  return inApplication(object.application, [&] {
     const Found found =
         object.kind == Object::Kind::application
             ? playerProperty(playerOf(desktop, object.application), object.application, property)
@@ -190,7 +190,7 @@ Value propertyOf(Desktop& desktop, const Object& object, Property property) {
 }
 
 void setProperty(Desktop& desktop, const Object& object, Property property, const Value& value) {
-  asked(object.application, [&] {
+  inApplication(object.application, [&] {
     const bool isPosition =
         property == Property::playerPosition || property == Property::currentTime;
     if (!isPosition || object.kind != Object::Kind::application) {
@@ -202,7 +202,7 @@ void setProperty(Desktop& desktop, const Object& object, Property property, cons
 }
 
 Value elementOf(const Object& object, Element, const Value& index) {
-  return asked(object.application, [&] {
+  return inApplication(object.application, [&] {
     const bool isThere = object.kind == Object::Kind::track && !object.track->artUrl.empty() &&
                          asInteger(index) == 1;
     if (!isThere) {
@@ -214,7 +214,7 @@ Value elementOf(const Object& object, Element, const Value& index) {
 }
 
 void perform(Desktop& desktop, Application application, Command command) {
-  asked(application, [&] {
+  inApplication(application, [&] {
     if (application == Application::systemEvents) {
       desktop.power(command);
     } else {

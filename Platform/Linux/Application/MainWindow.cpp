@@ -78,11 +78,11 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
   refreshPeers();
   watchSettings();
   _engine->observePeers([this] { refreshPeers(); });
-  permissions::setAskHandler([this](permissions::Permission permission) { ask(permission); });
+  permissions::setPromptHandler([this](permissions::Permission permission) { ask(permission); });
 }
 
 MainWindow::~MainWindow() {
-  permissions::setAskHandler({});
+  permissions::setPromptHandler({});
   _engine->observePeers({});
   // The children go before the window, which must not look for its focus among them then.
   unset_focus();

@@ -63,20 +63,20 @@ const DesktopEntries& DesktopEntries::current() {
 
 void DesktopEntries::update() {
   auto programFolders = programFolderStamps();
-  // what TryExec found may have gone, and come
-  if (programFolders != _programFolders) _known.clear();
+  // the programs that TryExec looks for may have been installed or removed
+  if (programFolders != _programFolders) _cache.clear();
   _programFolders = std::move(programFolders);
 
-  std::map<std::string, Known> fresh;
+  std::map<std::string, CacheEntry> fresh;
   _all.clear();
   for (auto& [id, file] : findDesktopFiles()) {
-    const auto known = _known.find(id);
-    const bool isKnown = known != _known.end() && isSameState(known->second.file, file);
-    auto entry = isKnown ? known->second.entry : load(id, file);
+    const auto cached = _cache.find(id);
+    const bool isCached = cached != _cache.end() && isSameState(cached->second.file, file);
+    auto entry = isCached ? cached->second.entry : load(id, file);
     if (entry != nullptr) _all.push_back(entry);
-    fresh.emplace_hint(fresh.end(), id, Known{std::move(file), std::move(entry)});
+    fresh.emplace_hint(fresh.end(), id, CacheEntry{std::move(file), std::move(entry)});
   }
-  _known = std::move(fresh);
+  _cache = std::move(fresh);
 }
 
 const DesktopEntry* DesktopEntries::withId(std::string_view id) const {

@@ -47,13 +47,13 @@ class DesktopEntries {
   const DesktopEntry* ofWindowClass(std::string_view instance, std::string_view className) const;
 
  private:
-  struct Known {
+  struct CacheEntry {
     DesktopFile file;
     std::shared_ptr<const DesktopEntry> entry;
   };
   void update();
 
-  std::map<std::string, Known> _known;
+  std::map<std::string, CacheEntry> _cache;
   std::vector<std::optional<FileStamp>> _programFolders;
   Entries _all;
 };

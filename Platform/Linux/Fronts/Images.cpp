@@ -55,7 +55,7 @@ Object<GdkPixbuf> loadOrGeneric(GIcon* icon, int side) {
 }
 
 /// Draws the picture as large as it fits, in the middle.
-void place(const GdkPixbuf* picture, GdkPixbuf* target) {
+void drawCentred(const GdkPixbuf* picture, GdkPixbuf* target) {
   const int width = gdk_pixbuf_get_width(target);
   const int height = gdk_pixbuf_get_height(target);
   const double scale = std::min(double(width) / gdk_pixbuf_get_width(picture),
@@ -70,12 +70,12 @@ void place(const GdkPixbuf* picture, GdkPixbuf* target) {
                    GDK_INTERP_BILINEAR);
 }
 
-void placeIcon(GIcon* icon, Bitmap& bitmap) {
+void drawIcon(GIcon* icon, Bitmap& bitmap) {
   GdkPixbuf* target = bitmap.pixels.get();
   const int side = std::min(gdk_pixbuf_get_width(target), gdk_pixbuf_get_height(target));
   const Object<GdkPixbuf> picture = loadOrGeneric(icon, side);
   if (picture == nullptr) return;
-  place(picture.get(), target);
+  drawCentred(picture.get(), target);
   bitmap.isDrawn = true;
 }
 
@@ -153,7 +153,7 @@ void copyOnto(Bitmap& bitmap, const Image& image, CGRect part) {
   if (image.picture != nullptr) {
     stretch(image.picture.get(), part, bitmap);
   } else {
-    placeIcon(image.icon.get(), bitmap);
+    drawIcon(image.icon.get(), bitmap);
   }
 }
 

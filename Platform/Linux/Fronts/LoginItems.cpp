@@ -24,7 +24,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kGroup = G_KEY_FILE_DESKTOP_GROUP;
-/// By these the settings of the desktops switch an entry off without removing it.
+/// With these keys the desktops' settings switch an entry off without removing it.
 constexpr std::array kDesktopSwitches = {"X-GNOME-Autostart-enabled", "X-MATE-Autostart-enabled"};
 
 fs::path entryPath() {
@@ -49,7 +49,7 @@ std::vector<std::string> runningOptions() {
   return words;
 }
 
-/// The word as a desktop entry's command line has it.
+/// The word as the Exec key of a desktop entry has to quote it.
 std::string quoted(const std::string& word) {
   constexpr std::string_view special = "\"`$\\";
   std::string text = "\"";
@@ -99,12 +99,12 @@ LoginItemStatus mainAppServiceStatus() {
                                                              : LoginItemStatus::requiresApproval;
 }
 
-/// Takes the place of whatever entry there is, a switched-off one too.
+/// Replaces whatever entry there is, a switched-off one too.
 std::optional<std::string> registerMainAppService() {
   const std::string program = runningProgram();
   std::string command = quoted(program);
   for (const auto& option : runningOptions()) command += ' ' + quoted(option);
-  // desktops look for the program before they undo the doubling of its per cent signs
+  // desktops look for the program before they turn each "%%" back into "%"
   if (program.find('%') != std::string::npos || !isUtf8(command)) {
     return "No autostart entry can hold the command " + command + ".";
   }

@@ -16,8 +16,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Longer texts are taken for a fault of their owner rather than held in memory.
-constexpr std::size_t kLongestText = std::size_t{64} << 20;
+/// In bytes; what is longer is refused, rather than held in memory.
+constexpr std::size_t kMaxTextSize = std::size_t{64} << 20;
 
 using quartz::Received;
 
@@ -156,16 +156,16 @@ class SelectionReader {
       if (!part) continue;  // The event of a value that was taken already.
       whole.type = part->type;
       if (part->bytes.empty()) return whole;
-      if (whole.bytes.size() + part->bytes.size() > kLongestText) return giveUp();
+      if (whole.bytes.size() + part->bytes.size() > kMaxTextSize) return giveUp();
       whole.bytes += part->bytes;
     }
   }
 
   /// Reads the property and deletes it; absent when it is not set.
   std::optional<Property> takeProperty() {
-    constexpr uint32_t kLongestInWords = kLongestText / 4;
+    constexpr uint32_t kMaxWords = kMaxTextSize / 4;
     const auto request = xcb_get_property(_connection.get(), 1, _window, _property,
-                                          XCB_GET_PROPERTY_TYPE_ANY, 0, kLongestInWords);
+                                          XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxWords);
     const Received<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(_connection.get(), request, nullptr));
     if (!reply || reply->type == XCB_ATOM_NONE || reply->bytes_after > 0) return std::nullopt;

@@ -31,12 +31,12 @@ Cache& cache() {
   return only;
 }
 
-std::function<void(Permission)>& askHandler() {
+std::function<void(Permission)>& promptHandler() {
   static std::function<void(Permission)> handler;
   return handler;
 }
 
-/// A file that says something unreadable grants nothing: nobody can tell what the user withdrew.
+/// A file that cannot be read grants nothing: it may say what the user has withdrawn.
 Settings read(const std::string& path) {
   Settings settings;
   KeyFile file;
@@ -89,12 +89,12 @@ void setGranted(Permission permission, bool granted) {
   cache() = {settings, stampOf(path)};
 }
 
-void ask(Permission permission) {
-  if (askHandler()) askHandler()(permission);
+void promptUser(Permission permission) {
+  if (promptHandler()) promptHandler()(permission);
 }
 
-void setAskHandler(std::function<void(Permission)> handler) {
-  askHandler() = std::move(handler);
+void setPromptHandler(std::function<void(Permission)> handler) {
+  promptHandler() = std::move(handler);
 }
 
 }  // namespace tapdeck::permissions

@@ -25,7 +25,7 @@ struct Disconnect {
 using OpenConnection = std::unique_ptr<xcb_connection_t, Disconnect>;
 
 /// One connection to the X server of $DISPLAY. Requests on a connection that has broken are
-/// dropped and their replies are null, so that nothing here needs to ask first whether it lives.
+/// dropped and their replies are null, so that nothing needs to check isAlive() first.
 class Connection {
  public:
   /// Checks XTEST, XFIXES and RANDR 1.5 too. Throws WindowServerError.

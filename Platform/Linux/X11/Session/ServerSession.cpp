@@ -19,7 +19,7 @@ ServerSession* session() {
 }
 
 void connectToWindowServer() {
-  // what the last one holds it gives back first
+  // its end releases what it holds pressed, which must not meet the presses of the next
   current().reset();
   current() = std::make_unique<ServerSession>();
 }
