@@ -14,7 +14,7 @@ namespace tapdeck::applescript {
 namespace {
 
 constexpr double kMicroseconds = 1000000;
-/// In characters; several of them and what stands between go through a pipe of 64 KiB.
+/// In characters; a script writes several texts into one pipe, which holds 64 KiB.
 constexpr glong kMaxTextLength = 2000;
 constexpr gunichar kLineSeparator = 0x2028;
 constexpr gunichar kParagraphSeparator = 0x2029;
@@ -42,7 +42,7 @@ std::string checksum(const std::string& text) {
   return digits;
 }
 
-/// Many players have one id for all that they play, so it takes more to tell tracks apart.
+/// Of all that is known of a track, because many players have one id for all tracks.
 std::string persistentId(const Track& track) {
   return checksum(track.id + "\n" + track.url + "\n" + track.title + "\n" + track.artist + "\n" +
                   track.album);
@@ -57,14 +57,14 @@ std::string spotifyId(const Track& track) {
   return id;
 }
 
-/// The path of a file, of anything else the address.
+/// The path where the address is a file's, else the address itself.
 std::string pathOf(const Track& track) {
   const glib::Text path(g_filename_from_uri(track.url.c_str(), nullptr, nullptr));
   const bool isText = path != nullptr && g_utf8_validate(path.get(), -1, nullptr) != FALSE;
   return isText ? path.get() : track.url;
 }
 
-/// The text as it is where it holds no valid escapes of UTF-8.
+/// Returns the text unchanged when it does not decode to UTF-8.
 std::string percentDecoded(const std::string& text) {
   const glib::Text decoded(g_uri_unescape_string(text.c_str(), nullptr));
   const bool isText = decoded != nullptr && g_utf8_validate(decoded.get(), -1, nullptr) != FALSE;
@@ -95,7 +95,7 @@ Object trackOf(Application application, const PlayerState& state) {
   return {application, Object::Kind::track, std::make_shared<const Track>(*state.track)};
 }
 
-/// Absent when there is none at present, or never.
+/// Absent when the object has no such property, or the property no value at present.
 using Found = std::optional<Value>;
 
 Found trackProperty(const Object& object, Property property) {

@@ -13,8 +13,8 @@ namespace tapdeck::applescript {
 /// the number that opening it gave, or by its path. Calls throw ScriptError.
 class OpenFiles {
  public:
-  /// For writing. The file is made where there is none, for this user only; a symbolic link is not
-  /// followed, as folders for temporary files are shared.
+  /// Opens for writing, and creates a missing file for this user only. Follows no symbolic link, as
+  /// others may write in folders for temporary files.
   int64_t open(const Value& file);
   void setSize(const Value& file, int64_t size);
   /// Texts in UTF-8, data as they are.

@@ -8,8 +8,8 @@
 namespace tapdeck::applescript {
 namespace {
 
-// Each application has the words that it has on the Mac, so that a script that is wrong there is
-// wrong here too.
+// Each application has the terms that it has on the Mac, so that a script that does not compile
+// there does not compile here either.
 
 constexpr Term kCommon[] = {
     {"name", Property::name},
@@ -68,7 +68,7 @@ struct ApplicationTerms {
   Application application;
   std::string_view name;
   Terms own;
-  /// Those that it has in common with another.
+  /// The terms that it shares with another application.
   Terms shared;
 };
 

@@ -26,7 +26,7 @@ Bundles& cachedBundles() {
   return bundles;
 }
 
-/// The entry's name where no other has it, else with its id behind, as often as it takes.
+/// The entry's name, with its id appended as long as another bundle has the same.
 std::string uniqueName(const DesktopEntry& entry, std::set<std::string>& taken) {
   constexpr std::string_view suffix = ".desktop";
   std::string name = entry.name;

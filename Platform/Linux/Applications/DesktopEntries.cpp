@@ -16,7 +16,7 @@ std::string validUtf8(const char* text) {
   return valid.get();
 }
 
-/// Null for what is no application that can be started.
+/// Null when the file describes no application that can be started.
 std::shared_ptr<const DesktopEntry> load(const std::string& id, const DesktopFile& file) {
   if (!file.stamp) return nullptr;
   // checks TryExec and Exec too
@@ -41,7 +41,7 @@ bool isWindowClassOf(const DesktopEntry& entry, std::string_view text) {
   return own != nullptr && text == own;
 }
 
-/// Of several that fit, one that menus show.
+/// The first that fits, but one that menus show goes before one that they do not.
 template <typename Fits>
 const DesktopEntry* best(const DesktopEntries::Entries& entries, Fits fits) {
   const DesktopEntry* found = nullptr;

@@ -9,8 +9,8 @@
 
 namespace tapdeck::platform {
 
-/// A source of the default main context. Of its own make, since GLib's timeouts count whole
-/// milliseconds.
+/// A source of the default main context with its own source functions, since GLib's timeouts count
+/// whole milliseconds.
 struct RepeatingTimer::Timer {
   struct TimerSource {
     GSource base;
@@ -18,7 +18,7 @@ struct RepeatingTimer::Timer {
   };
 
   static gboolean dispatch(GSource* source, GSourceFunc, gpointer) {
-    // what is called may end the timer
+    // a copy, as the function may end the timer
     const auto fired = reinterpret_cast<TimerSource*>(source)->timer->fireLater(source);
     fired();
     return G_SOURCE_CONTINUE;

@@ -112,7 +112,7 @@ class SelectionReader {
                       &events);
   }
 
-  /// Asks to be told of the owner's death. False when there is no owner.
+  /// Selects the events of the owner's end. False when there is no owner.
   bool watchOwner() {
     const Received<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         _connection.get(), xcb_get_selection_owner(_connection.get(), _selection), nullptr));
@@ -147,7 +147,7 @@ class SelectionReader {
     return property;
   }
 
-  /// Taking the property away asks the owner for the next part; an empty one is the last.
+  /// Deleting the property tells the owner to send the next part (INCR); an empty one is the last.
   std::optional<Property> takeIncrements() {
     Property whole;
     for (;;) {

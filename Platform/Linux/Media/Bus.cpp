@@ -8,8 +8,8 @@
 namespace tapdeck::media {
 namespace {
 
-// In milliseconds. All three together come to little more than what the host gives its shortest
-// scripts, and without a fault of the bus itself only the last takes time.
+// In milliseconds. Together they are little more than the shortest limit that the host sets for a
+// script; as long as the bus itself works, only a call takes time.
 constexpr int kNamesLimit = 500;
 constexpr int kSurveyLimit = 250;
 constexpr int kCallLimit = 1000;

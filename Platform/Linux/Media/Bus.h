@@ -30,7 +30,8 @@ class Deadline {
   std::jthread _thread;
 };
 
-/// Whether there is such a bus to connect to. GIO itself would start one for the session.
+/// Whether there is such a bus to connect to. To check first, because GIO starts a session bus
+/// where there is none.
 bool hasBus(GBusType type);
 
 /// One of the machine's two message buses. Any thread; every call is bounded in time.

@@ -15,14 +15,13 @@ constexpr const char* kInterface = "org.mpris.MediaPlayer2.Player";
 constexpr std::string_view kPlaying = "Playing";
 constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
 
-/// The application whose player bears this name on the bus; absent for what is no player of its
-/// own.
+/// The application whose player has this name on the bus; absent when the name is no player's.
 std::optional<PlayerApplication> applicationOf(std::string_view name) {
   constexpr std::string_view kPrefix = "org.mpris.MediaPlayer2.";
   if (!name.starts_with(kPrefix)) return std::nullopt;
   name.remove_prefix(kPrefix.size());
   const auto player = name.substr(0, name.find('.'));
-  if (player == "playerctld") return std::nullopt;  // speaks for one of the others
+  if (player == "playerctld") return std::nullopt;  // a proxy for one of the others
   if (player == "spotify") return PlayerApplication::spotify;
   if (player == "vlc") return PlayerApplication::vlc;
   return PlayerApplication::music;
@@ -80,8 +79,7 @@ PlaybackStatus statusOf(std::string_view word) {
   return word == "Paused" ? PlaybackStatus::paused : PlaybackStatus::stopped;
 }
 
-/// Absent for what no track is that long: players give all sorts of largest numbers for streams
-/// without an end.
+/// Absent above a week: for streams without an end, players give various very large numbers.
 std::optional<int64_t> lengthOf(GVariant* metadata) {
   constexpr int64_t kMaxLength = int64_t{7} * 24 * 3600 * 1'000'000;
   const auto length = microseconds(metadata, "mpris:length");
@@ -192,10 +190,10 @@ std::vector<std::string> runningPlayers() {
 
 std::unique_ptr<Player> findPlayer(const Bus& bus, PlayerApplication application) {
   std::vector<std::string> names = bus.names();
-  const bool givesWay = application == PlayerApplication::music;
+  const bool isForAnyPlayer = application == PlayerApplication::music;
   std::erase_if(names, [&](const auto& name) {
     const auto found = applicationOf(name);
-    return givesWay ? !found : found != application;
+    return isForAnyPlayer ? !found : found != application;
   });
   const auto others = std::stable_partition(names.begin(), names.end(), [&](const auto& name) {
     return applicationOf(name) == application;

@@ -11,7 +11,7 @@ namespace tapdeck::media {
 namespace {
 
 constexpr const char* kLoginManager = "org.freedesktop.login1";
-constexpr int kAnswerLimit = 5 * 60 * 1000;  // in milliseconds
+constexpr int kReplyLimit = 5 * 60 * 1000;  // in milliseconds
 
 struct Request {
   const char* method;
@@ -48,11 +48,11 @@ void requestPower(PowerAction action) {
   // the user may be asked for a password
   constexpr gboolean kIsInteractive = TRUE;
   ++pending;
-  // the call holds the connection until its answer
+  // GIO keeps the connection until the reply comes
   g_dbus_connection_call(bus->connection(), kLoginManager, "/org/freedesktop/login1",
                          "org.freedesktop.login1.Manager", request.method,
                          g_variant_new("(b)", kIsInteractive), nullptr,
-                         G_DBUS_CALL_FLAGS_NO_AUTO_START, kAnswerLimit, nullptr, finish,
+                         G_DBUS_CALL_FLAGS_NO_AUTO_START, kReplyLimit, nullptr, finish,
                          const_cast<Request*>(&request));
 }
 

@@ -41,11 +41,11 @@ class Connection {
   int screenNumber() const { return _screenNumber; }
   bool isAlive() const { return xcb_connection_has_error(get()) == 0; }
 
-  /// Sends what is buffered, and forgets the events and errors that have come in: a connection
-  /// that reads its events calls xcb_flush instead.
+  /// Sends what is buffered, and drops the events and errors that have come in. Whoever reads the
+  /// connection's events calls xcb_flush instead.
   void flush() const;
-  /// Waits until the server has carried out all that was sent: it drops what it has not read when
-  /// the connection ends.
+  /// Waits, for one round trip, until the server has carried out all that was sent. To call before
+  /// the connection ends, when the server drops what it has not read.
   void finish() const;
 
   /// Waits for the reply of `request`; null when the server refused it or is gone.

@@ -10,7 +10,7 @@
 
 namespace tapdeck::quartz {
 
-/// What has been painted on the root window and all that stands on it.
+/// What has been painted on the root window and its descendants (the DAMAGE extension).
 class Damage {
  public:
   explicit Damage(Connection& connection);

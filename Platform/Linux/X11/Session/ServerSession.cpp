@@ -19,7 +19,7 @@ ServerSession* session() {
 }
 
 void connectToWindowServer() {
-  // its end releases what it holds pressed, which must not meet the presses of the next
+  // the old session ends first, and with it what it holds pressed
   current().reset();
   current() = std::make_unique<ServerSession>();
 }
