@@ -33,7 +33,9 @@ void closeTheWindow() {
 TEST(HostTest, EndsCleanlyAtTheUsualSignals) {
   for (const int signal : {SIGTERM, SIGINT}) {
     RunningHost host;
-    EXPECT_EQ(host.output(), "Tapdeck: " + readSession().value().url + "\n");
+    // not the token: standard output may be a journal here
+    EXPECT_EQ(host.output(),
+              "Tapdeck: the page's address is in " + sessionFilePath().string() + "\n");
     host.send(signal);
     EXPECT_EQ(host.status(), 0) << host.errors();
     EXPECT_FALSE(std::filesystem::exists(sessionFilePath()));
@@ -110,9 +112,6 @@ TEST(HostTest, LetsTheNetworkInByTheSwitchAndRemembersIt) {
 TEST(HostTest, SaysWhyItCannotStart) {
   const PrivateServer bare({"-extension", "XTEST"}), other({});
   RunningHost first;
-  // not the token: standard output may be a journal here
-  EXPECT_EQ(first.output(),
-            "Tapdeck: the page's address is in " + sessionFilePath().string() + "\n");
   const Session session = readSession().value();
   const std::string port = std::to_string(session.port);
   const std::string here = std::getenv("DISPLAY");

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "Platform/Linux/Applications/ManagedWindows.h"
+#include "Platform/Linux/Applications/ApplicationWindows.h"
 #include "Runner/Apps/Launching.h"
 #include "Tests/Desktop/AppsFixture.h"
 #include "Tests/Support/Desktop/Observer.h"
@@ -77,7 +77,7 @@ class AppsWindowsTest : public AppsTest {
   }
   static std::vector<xcb_window_t> windowsOfClass(const std::string& name) {
     std::vector<xcb_window_t> found;
-    for (const auto& window : applications::managedWindows()) {
+    for (const auto& window : applications::applicationWindows()) {
       if (window.className == name) found.push_back(window.window);
     }
     return found;
@@ -141,7 +141,7 @@ TEST_F(AppsWindowsTest, StartsAProgramThenBringsItForward) {
   EXPECT_TRUE(eventually([&] { return observer.activeWindow() == cover; }));
   launchApplication("term.desktop");
   EXPECT_TRUE(eventually([&] { return observer.activeWindow() == term; }));
-  EXPECT_EQ(applications::managedWindows().back().window, term);
+  EXPECT_EQ(applications::applicationWindows().back().window, term);
   EXPECT_THAT(windowsOfClass("OddTerm"), SizeIs(1));
 
   xcb_kill_client(observer.get(), term);

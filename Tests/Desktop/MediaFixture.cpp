@@ -16,7 +16,7 @@ std::string interpreterProgram;
 
 RealPlayer::RealPlayer()
     : _player({"mpv", "--no-video", "--ao=null", "--no-terminal", makeTone().string()}) {
-  if (!eventually([] { return !applescript::runningPlayers().empty(); })) {
+  if (!eventually([] { return !media::runningPlayers().empty(); })) {
     throw std::runtime_error("mpv does not come up on the bus: " + _player.errors());
   }
 }

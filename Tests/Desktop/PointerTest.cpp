@@ -157,7 +157,7 @@ TEST_F(PointerTest, PostsNothingButReleasesWhileTheUserDeniesControl) {
   const Owned prompt(CFDictionaryCreate(nullptr, &key, &yes, 1, &kCFTypeDictionaryKeyCallBacks,
                                         &kCFTypeDictionaryValueCallBacks));
   std::vector<Permission> asked;
-  permissions::setAskHandler([&asked](Permission permission) { asked.push_back(permission); });
+  permissions::setPromptHandler([&asked](Permission permission) { asked.push_back(permission); });
 
   EXPECT_TRUE(AXIsProcessTrusted());
   EXPECT_TRUE(AXIsProcessTrustedWithOptions(prompt.get()));
@@ -183,7 +183,7 @@ TEST_F(PointerTest, PostsNothingButReleasesWhileTheUserDeniesControl) {
   EXPECT_FALSE(CGRequestScreenCaptureAccess());
   EXPECT_EQ(asked.back(), Permission::screenCapture);
   permissions::setGranted(Permission::screenCapture, true);
-  permissions::setAskHandler(nullptr);
+  permissions::setPromptHandler(nullptr);
 }
 
 TEST_F(PointerTest, GetsThroughWhileAnotherClientHoldsTheServer) {

@@ -10,7 +10,7 @@ namespace tapdeck::applescript {
 
 /// Why a script was not compiled or did not run to its end.
 struct Error {
-  /// As on the Mac: -2741 for what is no program, -1728 for what is not there, ...
+  /// The Mac's number: -2741 for a syntax error, -1728 for an object that does not exist, ...
   int number = 0;
   /// In the user's words, such as "Music got an error: Can’t get current track.".
   std::string message;
@@ -19,11 +19,11 @@ struct Error {
   /// The place in the source, in characters from its start; the end is the one after the last.
   size_t start = 0;
   size_t end = 0;
-  /// Whether the text is no program: nothing of it was run.
+  /// Whether the text could not be compiled, so that none of it was run.
   bool isSyntaxError = false;
 };
 
-/// What a script came to.
+/// The outcome of a script.
 struct Result {
   /// The value as people read it: texts without quotes. Absent when there is none.
   std::optional<std::string> text;

@@ -13,7 +13,7 @@ struct Track {
   std::string title;
   std::string artist;
   std::string album;
-  /// The player's own name for it.
+  /// The player's own name for it (MPRIS's mpris:trackid).
   std::string id;
   std::string url;
   std::string artUrl;
@@ -32,7 +32,8 @@ struct PlayerState {
   int64_t position = 0;
 };
 
-/// One media player. Every call throws ScriptError when it fails or is not answered in time.
+/// One media player. Every call throws ScriptError when it fails or its reply does not come in
+/// time.
 class Player {
  public:
   virtual ~Player() = default;
@@ -50,20 +51,21 @@ struct Volume {
   std::optional<bool> muted;
 };
 
-/// What scripts act upon: what is outside of the language. Calls throw ScriptError.
+/// What scripts act upon: players, the sound output, the machine. The language knows no more of
+/// them than this interface. Calls throw ScriptError.
 class Desktop {
  public:
   virtual ~Desktop() = default;
   /// The application's player, owned by the desktop and the same for as long as that lives; null
   /// when there is none.
   virtual Player* player(Application application) = 0;
-  /// Both are absent when no sound output can be asked.
+  /// Both parts are absent when there is no sound output.
   virtual Volume volume() = 0;
-  /// Changes what is present.
+  /// Changes the parts that are present.
   virtual void setVolume(const Volume& volume) = 0;
-  /// Asks the machine to sleep, restart or shut down; whether it will is told later.
+  /// Requests that the machine sleep, restart or shut down, and does not wait for its reply.
   virtual void power(Command command) = 0;
-  /// The bytes at the address, as many as a picture may have.
+  /// The bytes of the picture at the address.
   virtual std::string picture(const std::string& url) = 0;
 };
 

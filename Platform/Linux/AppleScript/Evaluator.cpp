@@ -13,9 +13,9 @@ namespace {
   throw ScriptError{kNotFound, "Can’t get " + what + ".", ""};
 }
 
-template <typename Known>
-Value orMissing(const std::optional<Known>& known) {
-  return known ? Value(*known) : Value(Missing());
+template <typename T>
+Value orMissing(const std::optional<T>& value) {
+  return value ? Value(*value) : Value(Missing());
 }
 
 }  // namespace
@@ -69,11 +69,11 @@ Evaluator::Flow Evaluator::execute(const SetProperty& statement) {
 }
 
 Evaluator::Flow Evaluator::execute(const SetVolume& statement) {
-  constexpr int64_t kLoudest = 100;
+  constexpr int64_t kMaxLevel = 100;
   Volume volume;
   if (statement.level != nullptr) {
     const int64_t level = asInteger(evaluate(*statement.level));
-    volume.level = static_cast<int>(std::clamp<int64_t>(level, 0, kLoudest));
+    volume.level = static_cast<int>(std::clamp<int64_t>(level, 0, kMaxLevel));
   }
   if (statement.muted != nullptr) volume.muted = asBoolean(evaluate(*statement.muted));
   _desktop.setVolume(volume);

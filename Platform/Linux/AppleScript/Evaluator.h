@@ -14,7 +14,7 @@ class Evaluator {
  public:
   explicit Evaluator(Desktop& desktop) : _desktop(desktop) {}
 
-  /// What it returns, else what its last statement came to.
+  /// The value that it returns, else that of its last statement.
   Value run(const Block& program);
 
  private:
@@ -47,7 +47,7 @@ class Evaluator {
   Value value(const GetVolumeSettings&);
   Value value(const OpenForAccess& command) { return _files.open(evaluate(*command.file)); }
 
-  /// The application that is told; of it is what has no owner of its own.
+  /// The application of the innermost `tell`, which owns every property that is named without `of`.
   Object told() const;
   Value ownerOf(const ExpressionPtr& owner) { return owner != nullptr ? evaluate(*owner) : told(); }
   bool exists(const Expression& expression);

@@ -5,7 +5,7 @@
 namespace tapdeck::applescript {
 namespace {
 
-// What the stack bears with ease: expressions may all stand within one another.
+// Every expression may be nested in another; this many are far from overflowing the stack.
 constexpr int kMaxDepth = 100;
 constexpr int kMaxExpressions = 1000;
 
@@ -66,7 +66,7 @@ ExpressionPtr ExpressionParser::sum() {
                 {{"+", BinaryOperator::add}, {"-", BinaryOperator::subtract}});
 }
 
-// ---- what stands between operators
+// ---- operands
 
 ExpressionPtr ExpressionParser::reference() {
   if (!_tokens.accept("exists")) return primary();

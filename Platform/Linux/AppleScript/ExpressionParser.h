@@ -11,8 +11,8 @@
 
 namespace tapdeck::applescript {
 
-/// Counts how deep the parser is in the program, for as long as it lives; throws ScriptError past
-/// what the stack can bear.
+/// Counts one level of nesting for as long as it lives; throws ScriptError at a depth that might
+/// overflow the stack.
 class Nesting {
  public:
   explicit Nesting(const Tokens& tokens, int& depth);
@@ -24,7 +24,7 @@ class Nesting {
   int& _depth;
 };
 
-/// Parses what has a value.
+/// Parses expressions.
 class ExpressionParser {
  public:
   explicit ExpressionParser(Tokens& tokens) : _tokens(tokens) {}
@@ -45,9 +45,9 @@ class ExpressionParser {
   /// Takes the name of a variable, which may be used from here on.
   std::string variableToSet();
 
-  /// Whose terms are known at this place; none outside of `tell`.
+  /// The application of the innermost `tell`, whose terms are known here; absent outside of `tell`.
   std::optional<Application> application;
-  /// How deep the parser is in the program.
+  /// The depth of nesting.
   int depth = 0;
 
  private:
@@ -57,7 +57,7 @@ class ExpressionParser {
     BinaryOperator operation;
   };
 
-  // operators, the weakest first
+  // operators, those that bind least first
   ExpressionPtr negation();
   ExpressionPtr comparison();
   ExpressionPtr coercion();

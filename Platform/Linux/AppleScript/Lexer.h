@@ -25,7 +25,8 @@ struct Token {
   bool isSymbol(std::string_view symbol) const { return kind == Kind::symbol && text == symbol; }
 };
 
-/// Takes the source, UTF-8, apart. Continued line ends are left out; the last token is the end.
+/// Splits the source, UTF-8, into tokens. Continued line ends are left out; the last token is the
+/// end.
 /// Throws ScriptError (-2741).
 std::vector<Token> tokensOf(std::string_view source);
 

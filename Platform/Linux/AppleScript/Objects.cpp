@@ -8,12 +8,14 @@
 #include <string>
 #include <utility>
 
+#include "Platform/Linux/Support/GLibOwners.h"
+
 namespace tapdeck::applescript {
 namespace {
 
 constexpr double kMicroseconds = 1000000;
-/// In characters; several of them and what stands between go through a pipe of 64 KiB.
-constexpr glong kLongestText = 2000;
+/// In characters; a script writes several texts into one pipe, which holds 64 KiB.
+constexpr glong kMaxTextLength = 2000;
 constexpr gunichar kLineSeparator = 0x2028;
 constexpr gunichar kParagraphSeparator = 0x2029;
 
@@ -21,7 +23,7 @@ constexpr gunichar kParagraphSeparator = 0x2029;
 std::string line(const std::string& text) {
   std::string clean;
   glong length = 0;
-  for (const char* at = text.c_str(); *at != '\0' && length < kLongestText; ++length) {
+  for (const char* at = text.c_str(); *at != '\0' && length < kMaxTextLength; ++length) {
     const gunichar character = g_utf8_get_char(at);
     const char* next = g_utf8_next_char(at);
     const bool breaks = g_unichar_iscntrl(character) != FALSE || character == kLineSeparator ||
@@ -34,14 +36,13 @@ std::string line(const std::string& text) {
 
 std::string checksum(const std::string& text) {
   constexpr size_t kDigits = 16;
-  const std::unique_ptr<char, decltype(&g_free)> sum(
-      g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.c_str(), -1), g_free);
+  const glib::Text sum(g_compute_checksum_for_string(G_CHECKSUM_SHA256, text.c_str(), -1));
   std::string digits(sum.get(), kDigits);
   std::ranges::transform(digits, digits.begin(), g_ascii_toupper);
   return digits;
 }
 
-/// Many players have one id for all that they play, so it takes more to tell tracks apart.
+/// Of all that is known of a track, because many players have one id for all tracks.
 std::string persistentId(const Track& track) {
   return checksum(track.id + "\n" + track.url + "\n" + track.title + "\n" + track.artist + "\n" +
                   track.album);
@@ -56,18 +57,16 @@ std::string spotifyId(const Track& track) {
   return id;
 }
 
-/// The path of a file, of anything else the address.
+/// The path where the address is a file's, else the address itself.
 std::string pathOf(const Track& track) {
-  const std::unique_ptr<char, decltype(&g_free)> path(
-      g_filename_from_uri(track.url.c_str(), nullptr, nullptr), g_free);
+  const glib::Text path(g_filename_from_uri(track.url.c_str(), nullptr, nullptr));
   const bool isText = path != nullptr && g_utf8_validate(path.get(), -1, nullptr) != FALSE;
   return isText ? path.get() : track.url;
 }
 
-/// The text as it is where it holds no valid escapes of UTF-8.
+/// Returns the text unchanged when it does not decode to UTF-8.
 std::string percentDecoded(const std::string& text) {
-  const std::unique_ptr<char, decltype(&g_free)> decoded(
-      g_uri_unescape_string(text.c_str(), nullptr), g_free);
+  const glib::Text decoded(g_uri_unescape_string(text.c_str(), nullptr));
   const bool isText = decoded != nullptr && g_utf8_validate(decoded.get(), -1, nullptr) != FALSE;
   return isText ? decoded.get() : text;
 }
@@ -96,7 +95,7 @@ Object trackOf(Application application, const PlayerState& state) {
   return {application, Object::Kind::track, std::make_shared<const Track>(*state.track)};
 }
 
-/// Absent when there is none at present, or never.
+/// Absent when the object has no such property, or the property no value at present.
 using Found = std::optional<Value>;
 
 Found trackProperty(const Object& object, Property property) {
@@ -158,11 +157,11 @@ std::string named(Property property, const Object& object) {
   return object.kind == Object::Kind::application ? words : words + " of " + display(object);
 }
 
-/// Runs what asks the application, so that a failure names it.
-template <typename Ask>
-auto asked(Application application, Ask ask) {
+/// Runs what uses the application, so that a failure names it.
+template <typename Use>
+auto inApplication(Application application, Use use) {
   try {
-    return ask();
+    return use();
   } catch (ScriptError& error) {
     error.application = nameOf(application);
     error.message = error.application + " got an error: " + error.message;
@@ -170,16 +169,16 @@ auto asked(Application application, Ask ask) {
   }
 }
 
-/// What is neither negative nor past every bound; NaN is 0.
+/// Limited to what a player can be sent: below 0 and NaN become 0.
 int64_t microseconds(double seconds) {
-  constexpr double kLongest = 1e12;
-  return seconds > 0 ? std::llround(std::min(seconds, kLongest) * kMicroseconds) : 0;
+  constexpr double kMaxSeconds = 1e12;
+  return seconds > 0 ? std::llround(std::min(seconds, kMaxSeconds) * kMicroseconds) : 0;
 }
 
 }  // namespace
 
 Value propertyOf(Desktop& desktop, const Object& object, Property property) {
-  return asked(object.application, [&] {
+  return inApplication(object.application, [&] {
     const Found found =
         object.kind == Object::Kind::application
             ? playerProperty(playerOf(desktop, object.application), object.application, property)
@@ -191,7 +190,7 @@ Value propertyOf(Desktop& desktop, const Object& object, Property property) {
 }
 
 void setProperty(Desktop& desktop, const Object& object, Property property, const Value& value) {
-  asked(object.application, [&] {
+  inApplication(object.application, [&] {
     const bool isPosition =
         property == Property::playerPosition || property == Property::currentTime;
     if (!isPosition || object.kind != Object::Kind::application) {
@@ -203,7 +202,7 @@ void setProperty(Desktop& desktop, const Object& object, Property property, cons
 }
 
 Value elementOf(const Object& object, Element, const Value& index) {
-  return asked(object.application, [&] {
+  return inApplication(object.application, [&] {
     const bool isThere = object.kind == Object::Kind::track && !object.track->artUrl.empty() &&
                          asInteger(index) == 1;
     if (!isThere) {
@@ -215,7 +214,7 @@ Value elementOf(const Object& object, Element, const Value& index) {
 }
 
 void perform(Desktop& desktop, Application application, Command command) {
-  asked(application, [&] {
+  inApplication(application, [&] {
     if (application == Application::systemEvents) {
       desktop.power(command);
     } else {

@@ -4,14 +4,14 @@
 
 namespace tapdeck::applescript {
 
-// The applications as scripts see them: their properties in the units that each has on the Mac,
-// over the players of the desktop. Texts come in one line each and of a bounded length, whatever
-// the player gave, as scripts put them into lines. Throw ScriptError, which names the application.
+// The applications as scripts see them: the properties of the desktop's players, in the units that
+// each application has for them on the Mac. Texts are made one line each and of bounded length,
+// because scripts write one value on each line. Throw ScriptError, which names the application.
 
-/// -1728 when the object has no such property, or nothing there at present.
+/// Throws -1728 when the object has no such property, or the property no value at present.
 Value propertyOf(Desktop& desktop, const Object& object, Property property);
 
-/// -10006 when it cannot be set.
+/// Throws -10006 when the property cannot be set.
 void setProperty(Desktop& desktop, const Object& object, Property property, const Value& value);
 
 /// `artwork 1 of current track`.

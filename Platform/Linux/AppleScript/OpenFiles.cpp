@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace tapdeck::applescript {
 namespace {
@@ -25,26 +26,12 @@ std::string pathOf(const Value& file) {
   return named != nullptr ? named->path : asText(file);
 }
 
-bool isRegular(int descriptor) {
+bool isRegular(const FileDescriptor& file) {
   struct stat state {};
-  return fstat(descriptor, &state) == 0 && S_ISREG(state.st_mode);
-}
-
-bool writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return false;
-    bytes.remove_prefix(static_cast<size_t>(written));
-  }
-  return true;
+  return fstat(file.get(), &state) == 0 && S_ISREG(state.st_mode);
 }
 
 }  // namespace
-
-OpenFiles::~OpenFiles() {
-  for (const auto& [number, file] : _files) ::close(file.descriptor);
-}
 
 OpenFiles::Numbered::iterator OpenFiles::find(const Value& file) {
   const auto* number = file.getIf<int64_t>();
@@ -63,23 +50,20 @@ int64_t OpenFiles::open(const Value& file) {
       std::ranges::any_of(_files, [&path](const auto& each) { return each.second.path == path; });
   if (isOpen) fail(kFileBusy, "File is already open:", file);
   constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-  const int descriptor = ::open(path.c_str(), flags, S_IRUSR | S_IWUSR);
-  if (descriptor < 0) {
+  FileDescriptor opened(::open(path.c_str(), flags, S_IRUSR | S_IWUSR));
+  if (!opened.isOpen()) {
     const bool isMissing = errno == ENOENT;
     fail(isMissing ? kFileNotFound : kNoPermission,
          isMissing ? "File not found:" : "File cannot be opened:", file);
   }
-  if (!isRegular(descriptor)) {
-    ::close(descriptor);
-    fail(kNoPermission, "No ordinary file:", file);
-  }
-  _files[++_last] = {path, descriptor};
+  if (!isRegular(opened)) fail(kNoPermission, "No ordinary file:", file);
+  _files[++_last] = {path, std::move(opened)};
   return _last;
 }
 
 void OpenFiles::setSize(const Value& file, int64_t size) {
   const auto found = find(file);
-  const bool isSet = size >= 0 && ftruncate(found->second.descriptor, size) == 0;
+  const bool isSet = size >= 0 && ftruncate(found->second.descriptor.get(), size) == 0;
   if (!isSet) fail(kInputOutput, "Its size cannot be set:", file);
 }
 
@@ -92,9 +76,7 @@ void OpenFiles::write(const Value& data, const Value& file) {
 }
 
 void OpenFiles::close(const Value& file) {
-  const auto found = find(file);
-  ::close(found->second.descriptor);
-  _files.erase(found);
+  _files.erase(find(file));
 }
 
 }  // namespace tapdeck::applescript

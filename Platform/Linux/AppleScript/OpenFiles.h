@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Platform/Linux/AppleScript/Value.h"
+#include "Platform/Linux/Support/FileDescriptor.h"
 
 namespace tapdeck::applescript {
 
@@ -12,13 +13,8 @@ namespace tapdeck::applescript {
 /// the number that opening it gave, or by its path. Calls throw ScriptError.
 class OpenFiles {
  public:
-  OpenFiles() = default;
-  ~OpenFiles();
-  OpenFiles(const OpenFiles&) = delete;
-  OpenFiles& operator=(const OpenFiles&) = delete;
-
-  /// For writing. The file is made where there is none, for this user only; a symbolic link is not
-  /// followed, as folders for temporary files are shared.
+  /// Opens for writing, and creates a missing file for this user only. Follows no symbolic link, as
+  /// others may write in folders for temporary files.
   int64_t open(const Value& file);
   void setSize(const Value& file, int64_t size);
   /// Texts in UTF-8, data as they are.
@@ -28,7 +24,7 @@ class OpenFiles {
  private:
   struct Opened {
     std::string path;
-    int descriptor;
+    FileDescriptor descriptor;
   };
   using Numbered = std::map<int64_t, Opened>;
   Numbered::iterator find(const Value& file);

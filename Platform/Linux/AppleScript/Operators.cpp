@@ -6,7 +6,7 @@
 namespace tapdeck::applescript {
 namespace {
 
-/// An integer where both operands were ones and the result fits.
+/// An integer when both operands are integers and the result fits, else a real.
 Value number(double result, const Value& left, const Value& right) {
   const bool areIntegers = left.getIf<int64_t>() != nullptr && right.getIf<int64_t>() != nullptr;
   if (areIntegers && std::abs(result) <= kMaxInteger) return static_cast<int64_t>(result);
@@ -14,7 +14,7 @@ Value number(double result, const Value& left, const Value& right) {
 }
 
 Value concatenate(const Value& left, const Value& right) {
-  // a script may double a text as often as it has lines
+  // each line of a script can double the length of a text
   constexpr size_t kMaxText = size_t{16} << 20;
   std::string text = asText(left);
   text += asText(right);

@@ -19,7 +19,7 @@ class Parser {
   }
 
  private:
-  /// Lines up to one that is part of the statement around them.
+  /// The statements up to a line that belongs to the statement around them, such as `end tell`.
   Block block() {
     Block statements;
     for (;;) {
@@ -107,7 +107,7 @@ class Parser {
     const auto* name = token.value.getIf<std::string>();
     if (name == nullptr) _tokens.fail();
     const auto application = applicationNamed(*name);
-    // nobody knows the terms of an application that is not there
+    // the terms of an unknown application are unknown
     if (!application) {
       throw ScriptError{kNotFound, "Can’t get application \"" + *name + "\".", "", token.start,
                         token.end};

@@ -8,8 +8,8 @@
 namespace tapdeck::applescript {
 namespace {
 
-// Each application has the words that it has on the Mac, so that a script that is wrong there is
-// wrong here too.
+// Each application has the terms that it has on the Mac, so that a script that does not compile
+// there does not compile here either.
 
 constexpr Term kCommon[] = {
     {"name", Property::name},
@@ -64,28 +64,28 @@ constexpr Term kSystemEvents[] = {
 
 using Terms = std::span<const Term>;
 
-struct Known {
+struct ApplicationTerms {
   Application application;
   std::string_view name;
   Terms own;
-  /// Those that it has in common with another.
+  /// The terms that it shares with another application.
   Terms shared;
 };
 
-constexpr Known kApplications[] = {
+constexpr ApplicationTerms kApplications[] = {
     {Application::music, "Music", kMusic, kPlayer},
     {Application::spotify, "Spotify", kSpotify, kPlayer},
     {Application::vlc, "VLC", kVlc, {}},
     {Application::systemEvents, "System Events", kSystemEvents, {}},
 };
 
-const Known& known(Application application) {
-  return *std::ranges::find(kApplications, application, &Known::application);
+const ApplicationTerms& termsOf(Application application) {
+  return *std::ranges::find(kApplications, application, &ApplicationTerms::application);
 }
 
 /// The first term that fits, of the application if there is one, or of every script; null for none.
 template <typename Fits>
-const Term* find(const Known* application, Fits fits) {
+const Term* find(const ApplicationTerms* application, Fits fits) {
   for (const Terms terms :
        {application != nullptr ? application->own : Terms(),
         application != nullptr ? application->shared : Terms(), Terms(kCommon)}) {
@@ -96,7 +96,7 @@ const Term* find(const Known* application, Fits fits) {
 }
 
 std::string_view wordsOf(const Meaning& meaning) {
-  for (const Known& application : kApplications) {
+  for (const ApplicationTerms& application : kApplications) {
     const auto* term =
         find(&application, [&](const Term& each) { return each.meaning == meaning; });
     if (term != nullptr) return term->words;
@@ -107,7 +107,7 @@ std::string_view wordsOf(const Meaning& meaning) {
 }  // namespace
 
 std::optional<Application> applicationNamed(std::string_view name) {
-  const auto found = std::ranges::find_if(kApplications, [name](const Known& each) {
+  const auto found = std::ranges::find_if(kApplications, [name](const ApplicationTerms& each) {
     return each.name.size() == name.size() &&
            g_ascii_strncasecmp(each.name.data(), name.data(), name.size()) == 0;
   });
@@ -115,7 +115,7 @@ std::optional<Application> applicationNamed(std::string_view name) {
 }
 
 std::string_view nameOf(Application application) {
-  return known(application).name;
+  return termsOf(application).name;
 }
 
 std::string_view wordsOf(Property property) {
@@ -127,7 +127,7 @@ std::string_view wordsOf(Constant constant) {
 }
 
 const Term* findTerm(std::optional<Application> application, std::string_view words) {
-  return find(application ? &known(*application) : nullptr,
+  return find(application ? &termsOf(*application) : nullptr,
               [words](const Term& each) { return each.words == words; });
 }
 

@@ -7,7 +7,7 @@
 
 namespace tapdeck::applescript {
 
-/// The applications that scripts can tell something.
+/// The applications that a `tell` can address.
 enum class Application { music, spotify, vlc, systemEvents };
 
 enum class Property {
@@ -45,7 +45,7 @@ struct Term {
   Meaning meaning;
 };
 
-/// No term has more words.
+/// The most words that a term has.
 constexpr size_t kMaxWords = 3;
 
 /// Case is ignored; absent for an application that is unknown here.
@@ -54,8 +54,8 @@ std::string_view nameOf(Application application);
 std::string_view wordsOf(Property property);
 std::string_view wordsOf(Constant constant);
 
-/// What these words mean to the application, or to every script when it is absent; null for words
-/// that are no term.
+/// The term that these words are for the application, or in every script when it is absent; null
+/// when they are none.
 const Term* findTerm(std::optional<Application> application, std::string_view words);
 
 }  // namespace tapdeck::applescript

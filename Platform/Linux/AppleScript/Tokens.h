@@ -25,7 +25,7 @@ class Tokens {
     _next = std::min(_next + 1, _tokens.size() - 1);
     return token;
   }
-  /// Where what was taken last ends.
+  /// The end of the last token that was taken.
   size_t end() const { return _end; }
 
   bool isAtLineEnd() const {
@@ -51,7 +51,7 @@ class Tokens {
     if (!accept(words)) fail();
   }
 
-  /// The program is none for this interpreter, because of the next token.
+  /// Throws the syntax error of a program that this interpreter does not know, at the next token.
   [[noreturn]] void fail() const {
     throw ScriptError{kSyntax, "This interpreter does not know " + describe(peek()) + ".", "",
                       peek().start, peek().end};

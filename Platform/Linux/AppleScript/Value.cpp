@@ -7,7 +7,7 @@
 namespace tapdeck::applescript {
 namespace {
 
-/// Reals are written with an exponent from here on, and up to its counterpart.
+/// Reals are written with an exponent from this magnitude on, and up to its reciprocal.
 constexpr double kLongReal = 10000;
 constexpr double kShortReal = 0.0001;
 

@@ -62,17 +62,18 @@ class Value : public std::variant<Nothing, Missing, bool, int64_t, double, std::
   }
 };
 
-/// A failure that a script can catch. `application` is whose fault it was, if not the script's own.
+/// A failure that a script can catch. `application` is the one that reported it; empty when it is
+/// the script's own.
 struct ScriptError {
   int number;
   std::string message;
   std::string application;
-  /// Where in the source; the end is 0 as long as that is not known.
+  /// The place in the source; `end` is 0 as long as it is not known.
   size_t start = 0;
   size_t end = 0;
 };
 
-// The Mac's numbers for what can go wrong.
+// The Mac's error numbers.
 constexpr int kNotFound = -1728;
 constexpr int kNotRunning = -600;
 constexpr int kTimedOut = -1712;
@@ -89,10 +90,10 @@ std::string display(const Value& value);
 /// For messages: texts in quotes.
 std::string quoted(const Value& value);
 
-/// Integers beyond are reals.
+/// A whole number beyond this is a real.
 constexpr int64_t kMaxInteger = 536870911;
 
-// What a value is as another kind; throw ScriptError (-1700) when it is none.
+// Conversions; throw ScriptError (-1700) when the value has none to this kind.
 std::string asText(const Value& value);
 double asReal(const Value& value);
 int64_t asInteger(const Value& value);

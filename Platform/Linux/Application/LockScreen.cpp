@@ -9,8 +9,8 @@
 namespace tapdeck::platform {
 namespace {
 
-using applescript::Shared;
-using applescript::Variant;
+using glib::Object;
+using glib::Variant;
 
 constexpr int kLimit = 3000;
 
@@ -49,7 +49,7 @@ void finish(GObject* connection, GAsyncResult* result, gpointer data) noexcept {
 
 void callLock(GObject*, GAsyncResult* result, gpointer data) noexcept {
   const auto* locker = static_cast<const Locker*>(data);
-  const Shared<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
+  const Object<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
   if (connection == nullptr) {
     ask(std::next(locker));
     return;
@@ -61,7 +61,7 @@ void callLock(GObject*, GAsyncResult* result, gpointer data) noexcept {
 }
 
 void ask(const Locker* locker) {
-  while (locker != std::end(kLockers) && !applescript::hasBus(locker->bus)) ++locker;
+  while (locker != std::end(kLockers) && !media::hasBus(locker->bus)) ++locker;
   if (locker == std::end(kLockers)) {
     std::fputs("tapdeck: nothing on this desktop locks the screen.\n", stderr);
     return;

@@ -111,11 +111,11 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
   refreshConnections();
   watchSettings();
   _engine->observePeers([this] { refreshConnections(); });
-  permissions::setAskHandler([this](permissions::Permission permission) { ask(permission); });
+  permissions::setPromptHandler([this](permissions::Permission permission) { ask(permission); });
 }
 
 MainWindow::~MainWindow() {
-  permissions::setAskHandler({});
+  permissions::setPromptHandler({});
   _engine->observePeers({});
   // The children go before the window, which must not look for its focus among them then.
   unset_focus();

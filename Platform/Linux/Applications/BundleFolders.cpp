@@ -21,12 +21,12 @@ std::string userFolder() {
 /// Desktop file ids by path.
 using Bundles = std::map<std::string, std::string>;
 
-Bundles& known() {
+Bundles& cachedBundles() {
   static Bundles bundles;
   return bundles;
 }
 
-/// The entry's name where no other has it, else with its id behind, as often as it takes.
+/// The entry's name, with its id appended as long as another bundle has the same.
 std::string uniqueName(const DesktopEntry& entry, std::set<std::string>& taken) {
   constexpr std::string_view suffix = ".desktop";
   std::string name = entry.name;
@@ -44,7 +44,7 @@ void update() {
     const std::string name = uniqueName(*entry, names);
     bundles[(entry->isUsers ? userFolder() : kSystemFolder) + "/" + name + ".app"] = entry->id;
   }
-  known() = std::move(bundles);
+  cachedBundles() = std::move(bundles);
 }
 
 }  // namespace
@@ -54,19 +54,19 @@ std::optional<std::vector<std::string>> bundlesIn(const std::string& folder) {
   update();
   std::vector<std::string> names;
   const std::string start = folder + "/";
-  for (const auto& [path, id] : known()) {
+  for (const auto& [path, id] : cachedBundles()) {
     if (path.starts_with(start)) names.push_back(path.substr(start.size()));
   }
   return names;
 }
 
 std::optional<std::string> bundleIdentifier(const std::string& path) {
-  auto found = known().find(path);
-  if (found == known().end()) {
+  auto found = cachedBundles().find(path);
+  if (found == cachedBundles().end()) {
     update();
-    found = known().find(path);
+    found = cachedBundles().find(path);
   }
-  return found != known().end() ? std::optional(found->second) : std::nullopt;
+  return found != cachedBundles().end() ? std::optional(found->second) : std::nullopt;
 }
 
 }  // namespace tapdeck::applications

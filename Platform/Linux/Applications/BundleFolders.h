@@ -6,10 +6,10 @@
 
 namespace tapdeck::applications {
 
-// The installed applications in the places where the Mac keeps them, which the host knows: the
-// user's own in the home folder's "Applications", all others in "/Applications", each under its
-// name in the user's language and ".app". Only those that menus show. These paths are names for
-// them; nothing lies there. Main thread only.
+// The installed applications as if they lay in the folders of the Mac, where the host looks for
+// them: the user's own in the home folder's "Applications", all others in "/Applications", each
+// under its name in the user's language and ".app". Only those that menus show. There are no files
+// at these paths. Main thread only.
 
 /// The names in the folder, read afresh; absent when it is neither of the two.
 std::optional<std::vector<std::string>> bundlesIn(const std::string& folder);

@@ -12,15 +12,15 @@ bool isSameState(const DesktopFile& a, const DesktopFile& b) {
 }
 
 std::string validUtf8(const char* text) {
-  const std::unique_ptr<char, decltype(&g_free)> valid(g_utf8_make_valid(text, -1), g_free);
+  const glib::Text valid(g_utf8_make_valid(text, -1));
   return valid.get();
 }
 
-/// Null for what is no application that can be started.
+/// Null when the file describes no application that can be started.
 std::shared_ptr<const DesktopEntry> load(const std::string& id, const DesktopFile& file) {
   if (!file.stamp) return nullptr;
   // checks TryExec and Exec too
-  Object<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(file.path.c_str()));
+  glib::Object<GDesktopAppInfo> info(g_desktop_app_info_new_from_filename(file.path.c_str()));
   if (info == nullptr || g_desktop_app_info_get_is_hidden(info.get()) != FALSE) return nullptr;
   auto* application = G_APP_INFO(info.get());
   DesktopEntry entry{.id = validUtf8(id.c_str()),
@@ -41,7 +41,7 @@ bool isWindowClassOf(const DesktopEntry& entry, std::string_view text) {
   return own != nullptr && text == own;
 }
 
-/// Of several that fit, one that menus show.
+/// The first that fits, but one that menus show goes before one that they do not.
 template <typename Fits>
 const DesktopEntry* best(const DesktopEntries::Entries& entries, Fits fits) {
   const DesktopEntry* found = nullptr;
@@ -63,20 +63,20 @@ const DesktopEntries& DesktopEntries::current() {
 
 void DesktopEntries::update() {
   auto programFolders = programFolderStamps();
-  // what TryExec found may have gone, and come
-  if (programFolders != _programFolders) _known.clear();
+  // the programs that TryExec looks for may have been installed or removed
+  if (programFolders != _programFolders) _cache.clear();
   _programFolders = std::move(programFolders);
 
-  std::map<std::string, Known> fresh;
+  std::map<std::string, CacheEntry> fresh;
   _all.clear();
   for (auto& [id, file] : findDesktopFiles()) {
-    const auto known = _known.find(id);
-    const bool isKnown = known != _known.end() && isSameState(known->second.file, file);
-    auto entry = isKnown ? known->second.entry : load(id, file);
+    const auto cached = _cache.find(id);
+    const bool isCached = cached != _cache.end() && isSameState(cached->second.file, file);
+    auto entry = isCached ? cached->second.entry : load(id, file);
     if (entry != nullptr) _all.push_back(entry);
-    fresh.emplace_hint(fresh.end(), id, Known{std::move(file), std::move(entry)});
+    fresh.emplace_hint(fresh.end(), id, CacheEntry{std::move(file), std::move(entry)});
   }
-  _known = std::move(fresh);
+  _cache = std::move(fresh);
 }
 
 const DesktopEntry* DesktopEntries::withId(std::string_view id) const {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Platform/Linux/Applications/DesktopFiles.h"
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::applications {
 
@@ -25,7 +25,7 @@ struct DesktopEntry {
   bool isUsers = false;
   /// Whether menus show it on this desktop (NoDisplay, OnlyShowIn, NotShowIn).
   bool isShown = false;
-  Object<GDesktopAppInfo> info;
+  glib::Object<GDesktopAppInfo> info;
 };
 
 /// The installed applications: without the entries that are hidden, cannot be read or whose TryExec
@@ -47,13 +47,13 @@ class DesktopEntries {
   const DesktopEntry* ofWindowClass(std::string_view instance, std::string_view className) const;
 
  private:
-  struct Known {
+  struct CacheEntry {
     DesktopFile file;
     std::shared_ptr<const DesktopEntry> entry;
   };
   void update();
 
-  std::map<std::string, Known> _known;
+  std::map<std::string, CacheEntry> _cache;
   std::vector<std::optional<FileStamp>> _programFolders;
   Entries _all;
 };

@@ -3,10 +3,11 @@
 #include <glib.h>
 
 #include <filesystem>
-#include <memory>
 #include <set>
 #include <string_view>
 #include <utility>
+
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::applications {
 namespace {
@@ -60,8 +61,7 @@ std::map<std::string, DesktopFile> findDesktopFiles() {
 std::vector<std::optional<FileStamp>> programFolderStamps() {
   std::vector<std::optional<FileStamp>> stamps;
   const char* path = g_getenv("PATH");
-  const std::unique_ptr<char*, decltype(&g_strfreev)> folders(
-      g_strsplit(path != nullptr ? path : "", ":", -1), g_strfreev);
+  const glib::Texts folders(g_strsplit(path != nullptr ? path : "", ":", -1));
   for (char** folder = folders.get(); *folder != nullptr; ++folder) {
     stamps.push_back(stampOf(*folder));
   }

@@ -7,7 +7,7 @@
 
 namespace tapdeck::platform {
 
-/// The icon that the desktop entry names; at least the one that stands for any program.
+/// The icon that the desktop entry names, or else the icon theme's generic one.
 std::shared_ptr<const Image> iconOf(const applications::DesktopEntry& entry);
 
 }  // namespace tapdeck::platform

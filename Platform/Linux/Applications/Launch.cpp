@@ -4,16 +4,18 @@
 #include <gdk/gdkx.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <string>
 
+#include "Platform/Linux/Support/Diagnostics.h"
+#include "Platform/Linux/Support/FileDescriptor.h"
+
 namespace tapdeck::applications {
 namespace {
 
-/// The X server's present time. GDK itself knows only when the user last touched a window of this
-/// process, which window managers take for a reason to keep what it starts in the background.
+/// The X server's present time. GDK's own is that of the last input to a window of this process,
+/// and a window manager leaves a program that was started so long ago in the background.
 guint32 serverTime(GdkDisplay* display) {
   GdkWindowAttr attributes{};
   attributes.window_type = GDK_WINDOW_TOPLEVEL;
@@ -21,51 +23,40 @@ guint32 serverTime(GdkDisplay* display) {
   attributes.event_mask = GDK_PROPERTY_CHANGE_MASK;
   attributes.width = attributes.height = 1;
   GdkScreen* screen = gdk_display_get_default_screen(display);
-  GdkWindow* asker = gdk_window_new(gdk_screen_get_root_window(screen), &attributes, 0);
-  const guint32 time = gdk_x11_get_server_time(asker);
-  gdk_window_destroy(asker);
+  GdkWindow* probe = gdk_window_new(gdk_screen_get_root_window(screen), &attributes, 0);
+  const guint32 time = gdk_x11_get_server_time(probe);
+  gdk_window_destroy(probe);
   return time;
 }
 
-Object<GAppLaunchContext> launchContext() {
+glib::Object<GAppLaunchContext> launchContext() {
   GdkDisplay* display = gdk_display_get_default();
-  if (display == nullptr) return Object<GAppLaunchContext>(g_app_launch_context_new());
+  if (display == nullptr) return glib::Object<GAppLaunchContext>(g_app_launch_context_new());
   GdkAppLaunchContext* context = gdk_display_get_app_launch_context(display);
   gdk_app_launch_context_set_timestamp(context, serverTime(display));
-  return Object<GAppLaunchContext>(G_APP_LAUNCH_CONTEXT(context));
+  return glib::Object<GAppLaunchContext>(G_APP_LAUNCH_CONTEXT(context));
 }
-
-/// Open for as long as this lives; -1, which stands for the host's own streams, when it cannot be.
-struct NullDevice {
-  NullDevice() : descriptor(open("/dev/null", O_RDWR | O_CLOEXEC)) {}
-  NullDevice(const NullDevice&) = delete;
-  NullDevice& operator=(const NullDevice&) = delete;
-  ~NullDevice() {
-    if (descriptor >= 0) close(descriptor);
-  }
-  const int descriptor;
-};
 
 /// Takes the error; null for none.
-void tellFailure(const std::string& id, GError* error) {
-  if (const Error failure{error}) {
-    std::fprintf(stderr, "tapdeck: %s cannot be started: %s\n", id.c_str(), failure->message);
+void warnOfFailure(const std::string& id, GError* error) {
+  if (const glib::Error failure{error}) {
+    warn(id + " cannot be started: " + failure->message);
   }
 }
 
-/// What is typed in the host's terminal, such as Control-C, is not for what it has started.
+/// A signal from the host's terminal, such as that of Control-C, shall not reach what it starts.
 void leaveSession(gpointer) {
   setsid();
 }
 
 void launchProgram(const DesktopEntry& entry) {
   GError* error = nullptr;
-  // what an application says belongs neither into the host's output nor keeps it open
-  const NullDevice null;
+  // else the application would write into the host's output, and keep it open after the host's end
+  const FileDescriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
   g_desktop_app_info_launch_uris_as_manager_with_fds(
       entry.info.get(), nullptr, launchContext().get(), G_SPAWN_SEARCH_PATH, leaveSession, nullptr,
-      nullptr, nullptr, null.descriptor, null.descriptor, null.descriptor, &error);
-  tellFailure(entry.id, error);
+      nullptr, nullptr, null.get(), null.get(), null.get(), &error);
+  warnOfFailure(entry.id, error);
 }
 
 /// By D-Bus activation, as the Desktop Entry standard has it for "DBusActivatable".
@@ -79,7 +70,7 @@ void finishLaunch(GObject* info, GAsyncResult* result, gpointer data) {
   const std::unique_ptr<std::string> id(static_cast<std::string*>(data));
   GError* error = nullptr;
   g_app_info_launch_uris_finish(G_APP_INFO(info), result, &error);
-  tellFailure(*id, error);
+  warnOfFailure(*id, error);
 }
 
 void launchByBus(const DesktopEntry& entry) {

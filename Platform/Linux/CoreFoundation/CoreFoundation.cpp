@@ -1,12 +1,11 @@
 #include <CoreFoundation/CoreFoundation.h>
-#include <utf8proc.h>
 
 #include <cstring>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "Engine/Utf8.h"
 #include "Platform/Linux/CoreFoundation/Object.h"
 
 using tapdeck::cf::Object;
@@ -15,19 +14,6 @@ namespace {
 
 const Object& objectOf(CFTypeRef reference) {
   return *static_cast<const Object*>(reference);
-}
-
-bool isUtf8(std::string_view text) {
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  auto left = static_cast<utf8proc_ssize_t>(text.size());
-  while (left > 0) {
-    utf8proc_int32_t codePoint = 0;
-    const utf8proc_ssize_t used = utf8proc_iterate(bytes, left, &codePoint);
-    if (used <= 0) return false;
-    bytes += used;
-    left -= used;
-  }
-  return true;
 }
 
 }  // namespace
@@ -91,7 +77,7 @@ Boolean CFEqual(CFTypeRef a, CFTypeRef b) {
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding encoding) {
-  if (encoding != kCFStringEncodingUTF8 || !isUtf8(text)) return nullptr;
+  if (encoding != kCFStringEncodingUTF8 || !tapdeck::isUtf8(text)) return nullptr;
   return new __CFString(text);
 }
 

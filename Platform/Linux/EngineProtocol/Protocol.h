@@ -36,7 +36,7 @@ struct Frame {
   std::optional<codec::Bytes> payload;
 };
 
-/// What the host sends unasked bears this id.
+/// The id of a call from the host.
 inline constexpr int64_t kHostCallId = 0;
 
 // The server's side.
@@ -46,7 +46,7 @@ codec::Bytes encodeHostCall(const std::string& channel, const MethodCall& call);
 
 // A client's side.
 codec::Bytes encodeCall(int64_t id, const std::string& channel, const MethodCall& call);
-/// Nothing for what is not a message.
+/// Absent for bytes that are no such message.
 std::optional<Frame> decodeFrame(std::span<const uint8_t> message);
 
 }  // namespace tapdeck::standin

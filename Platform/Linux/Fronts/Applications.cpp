@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <ranges>
 
+#include "Platform/Linux/Applications/ApplicationWindows.h"
 #include "Platform/Linux/Applications/BundleFolders.h"
 #include "Platform/Linux/Applications/DesktopEntries.h"
 #include "Platform/Linux/Applications/IconImage.h"
 #include "Platform/Linux/Applications/Launch.h"
-#include "Platform/Linux/Applications/ManagedWindows.h"
 #include "Platform/Linux/Media/Players.h"
 
 namespace tapdeck::platform {
@@ -23,8 +23,9 @@ RunningApplication describe(const DesktopEntry& entry, int32_t processId) {
 }
 
 /// The topmost window that the application offers its user.
-std::optional<ManagedWindow> frontWindow(const DesktopEntry& entry, const DesktopEntries& entries) {
-  const auto windows = managedWindows();
+std::optional<ApplicationWindow> frontWindow(const DesktopEntry& entry,
+                                             const DesktopEntries& entries) {
+  const auto windows = applicationWindows();
   const auto found = std::find_if(windows.rbegin(), windows.rend(), [&](const auto& window) {
     return window.isOrdinary && entryOf(window, entries) == &entry;
   });
@@ -36,7 +37,7 @@ std::optional<ManagedWindow> frontWindow(const DesktopEntry& entry, const Deskto
 std::vector<RunningApplication> runningApplications() {
   const DesktopEntries& entries = DesktopEntries::current();
   std::vector<RunningApplication> all;
-  for (const ManagedWindow& window : managedWindows()) {
+  for (const ApplicationWindow& window : applicationWindows()) {
     const auto* entry = entryOf(window, entries);
     if (entry == nullptr) continue;
     auto application = std::ranges::find(all, entry->id, &RunningApplication::bundleIdentifier);
@@ -50,11 +51,11 @@ std::vector<RunningApplication> runningApplications() {
 
 std::vector<std::string> runningApplicationNames() {
   // windows and desktop entries are the main thread's, so it is only those that scripts know
-  return applescript::runningPlayers();
+  return media::runningPlayers();
 }
 
 std::optional<RunningApplication> frontmostApplication() {
-  const auto window = activeManagedWindow();
+  const auto window = activeApplicationWindow();
   if (!window) return std::nullopt;
   const auto* entry = entryOf(*window, DesktopEntries::current());
   RunningApplication application;

@@ -11,8 +11,8 @@ namespace tapdeck::quartz {
 
 // How a layer with rounded corners and a shadow looks in pixels. Pure functions.
 
-/// The layer over its shadow on a clear ground, `side` pixels square, in premultiplied ARGB, the
-/// window's alpha applied. What lies outside the content is cut off, as a window cuts it.
+/// The layer over its shadow on a transparent background, `side` pixels square, in premultiplied
+/// ARGB, the window's alpha applied. What lies outside the content is cut off, as a window cuts it.
 std::vector<uint32_t> layerPixels(const platform::OverlayStyle& style, int side,
                                   double pixelsPerPoint);
 

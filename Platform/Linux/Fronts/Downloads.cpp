@@ -7,19 +7,19 @@
 #include <string>
 #include <utility>
 
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::platform {
 namespace {
 
-using applications::Object;
+using glib::Object;
 
 using Bytes = std::vector<uint8_t>;
 
-constexpr size_t kMostBytes = size_t{32} << 20;
+constexpr size_t kMaxBytes = size_t{32} << 20;
 constexpr size_t kChunk = size_t{64} << 10;
-/// However slowly a server answers, it is not listened to for longer.
-constexpr guint kLongestSeconds = 60;
+/// For the whole download, however slowly a server sends.
+constexpr guint kMaxSeconds = 60;
 
 /// The thread on which every download runs, in a main loop of its own.
 GMainContext* downloadContext() {
@@ -48,12 +48,6 @@ class Download {
         _completed(std::move(completed)) {}
   Download(const Download&) = delete;
   Download& operator=(const Download&) = delete;
-  ~Download() {
-    if (_limit != nullptr) {
-      g_source_destroy(_limit);
-      g_source_unref(_limit);
-    }
-  }
 
   static gboolean start(gpointer self) noexcept {
     static_cast<Download*>(self)->start();
@@ -67,14 +61,14 @@ class Download {
     _session.reset(soup_session_new_with_options(
         "timeout", static_cast<guint>(std::ceil(_timeoutInterval)), nullptr));
     g_signal_connect(_message.get(), "restarted", G_CALLBACK(redirected), this);
-    _limit = g_timeout_source_new_seconds(kLongestSeconds);
-    g_source_set_callback(_limit, timedOut, this, nullptr);
-    g_source_attach(_limit, downloadContext());
+    _limit.reset(g_timeout_source_new_seconds(kMaxSeconds));
+    g_source_set_callback(_limit.get(), timedOut, this, nullptr);
+    g_source_attach(_limit.get(), downloadContext());
     soup_session_send_async(_session.get(), _message.get(), G_PRIORITY_DEFAULT, _cancellable.get(),
                             answered, this);
   }
 
-  /// What was asked for over TLS is not taken without it.
+  /// A download that began over TLS does not go on without it.
   static void redirected(SoupMessage* message, gpointer self) noexcept {
     const auto* download = static_cast<Download*>(self);
     const bool wasSecure = download->_address.starts_with("https:");
@@ -109,7 +103,7 @@ class Download {
     if (count < 0) return finish(std::nullopt);
     if (count == 0) return finish(std::move(_data));
     const auto size = static_cast<size_t>(count);
-    if (_data.size() + size > kMostBytes) return finish(std::nullopt);
+    if (_data.size() + size > kMaxBytes) return finish(std::nullopt);
     _data.insert(_data.end(), _chunk.begin(), _chunk.begin() + count);
     readOn();
   }
@@ -127,7 +121,7 @@ class Download {
   Object<SoupSession> _session;
   Object<SoupMessage> _message;
   Object<GInputStream> _stream;
-  GSource* _limit = nullptr;
+  glib::Source _limit;
   std::array<uint8_t, kChunk> _chunk{};
   Bytes _data;
 };

@@ -7,8 +7,8 @@
 namespace tapdeck::platform {
 namespace {
 
-// What the host takes for the primary screen's height when there is none; so the pointer, which
-// the X server has all the same, is where the host reckons it.
+// The height that the host assumes for the primary screen when there is none; with the same here,
+// the position of the pointer, which the X server has all the same, comes out right there.
 constexpr CGFloat kHeightOfNoScreen = 1080;
 
 }  // namespace

@@ -8,12 +8,12 @@
 
 #include "Platform/Linux/Applications/IconImage.h"
 #include "Platform/Linux/Fronts/PictureDecoding.h"
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::platform {
 
 using applications::DesktopEntries;
-using applications::Object;
+using glib::Object;
 
 /// An icon or a picture.
 struct Image {
@@ -30,8 +30,7 @@ struct Bitmap {
 namespace {
 
 Object<GdkPixbuf> loadFile(GFileIcon* icon, int side) {
-  const std::unique_ptr<char, decltype(&g_free)> path(g_file_get_path(g_file_icon_get_file(icon)),
-                                                      g_free);
+  const glib::Text path(g_file_get_path(g_file_icon_get_file(icon)));
   return path != nullptr ? decodeIconFile(path.get(), side) : nullptr;
 }
 
@@ -56,7 +55,7 @@ Object<GdkPixbuf> loadOrGeneric(GIcon* icon, int side) {
 }
 
 /// Draws the picture as large as it fits, in the middle.
-void place(const GdkPixbuf* picture, GdkPixbuf* target) {
+void drawCentred(const GdkPixbuf* picture, GdkPixbuf* target) {
   const int width = gdk_pixbuf_get_width(target);
   const int height = gdk_pixbuf_get_height(target);
   const double scale = std::min(double(width) / gdk_pixbuf_get_width(picture),
@@ -71,12 +70,12 @@ void place(const GdkPixbuf* picture, GdkPixbuf* target) {
                    GDK_INTERP_BILINEAR);
 }
 
-void placeIcon(GIcon* icon, Bitmap& bitmap) {
+void drawIcon(GIcon* icon, Bitmap& bitmap) {
   GdkPixbuf* target = bitmap.pixels.get();
   const int side = std::min(gdk_pixbuf_get_width(target), gdk_pixbuf_get_height(target));
   const Object<GdkPixbuf> picture = loadOrGeneric(icon, side);
   if (picture == nullptr) return;
-  place(picture.get(), target);
+  drawCentred(picture.get(), target);
   bitmap.isDrawn = true;
 }
 
@@ -109,7 +108,7 @@ std::optional<std::vector<uint8_t>> encoded(const Bitmap& bitmap, const char* ty
                                 value.c_str(), nullptr) == FALSE) {
     return std::nullopt;
   }
-  const std::unique_ptr<char, decltype(&g_free)> owner(bytes, g_free);
+  const glib::Text owner(bytes);
   return std::vector<uint8_t>(bytes, bytes + size);
 }
 
@@ -154,7 +153,7 @@ void copyOnto(Bitmap& bitmap, const Image& image, CGRect part) {
   if (image.picture != nullptr) {
     stretch(image.picture.get(), part, bitmap);
   } else {
-    placeIcon(image.icon.get(), bitmap);
+    drawIcon(image.icon.get(), bitmap);
   }
 }
 

@@ -11,9 +11,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <string_view>
 
+#include "Engine/Utf8.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 #include "Platform/Linux/Support/KeyFile.h"
 
 namespace tapdeck::platform {
@@ -23,17 +24,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kGroup = G_KEY_FILE_DESKTOP_GROUP;
-/// By these the settings of the desktops switch an entry off without removing it.
+/// With these keys the desktops' settings switch an entry off without removing it.
 constexpr std::array kDesktopSwitches = {"X-GNOME-Autostart-enabled", "X-MATE-Autostart-enabled"};
-
-struct Freeing {
-  void operator()(char* text) const { g_free(text); }
-  void operator()(char** list) const { g_strfreev(list); }
-  void operator()(GDesktopAppInfo* info) const { g_object_unref(info); }
-};
-using Text = std::unique_ptr<char, Freeing>;
-using Words = std::unique_ptr<char*, Freeing>;
-using AppInfo = std::unique_ptr<GDesktopAppInfo, Freeing>;
 
 fs::path entryPath() {
   return fs::path(g_get_user_config_dir()) / "autostart" / "tapdeck.desktop";
@@ -57,7 +49,7 @@ std::vector<std::string> runningOptions() {
   return words;
 }
 
-/// The word as a desktop entry's command line has it.
+/// The word as the Exec key of a desktop entry has to quote it.
 std::string quoted(const std::string& word) {
   constexpr std::string_view special = "\"`$\\";
   std::string text = "\"";
@@ -69,16 +61,12 @@ std::string quoted(const std::string& word) {
   return text + '"';
 }
 
-bool isUtf8(const std::string& text) {
-  return g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr) != FALSE;
-}
-
 bool isSwitchedOff(const KeyFile& entry) {
   if (g_key_file_get_boolean(entry.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_HIDDEN, nullptr)) {
     return true;
   }
   return std::any_of(kDesktopSwitches.begin(), kDesktopSwitches.end(), [&entry](const char* key) {
-    const Text value(g_key_file_get_value(entry.get(), kGroup, key, nullptr));
+    const glib::Text value(g_key_file_get_value(entry.get(), kGroup, key, nullptr));
     return value && std::string_view(value.get()) == "false";
   });
 }
@@ -87,8 +75,8 @@ bool startsThisProgram(GDesktopAppInfo* info) {
   const char* command = g_app_info_get_commandline(G_APP_INFO(info));
   char** words = nullptr;
   if (command == nullptr || !g_shell_parse_argv(command, nullptr, &words, nullptr)) return false;
-  const Words owned(words);
-  const Text program(g_find_program_in_path(*words));
+  const glib::Texts owned(words);
+  const glib::Text program(g_find_program_in_path(*words));
   std::error_code missing;
   return program && fs::equivalent(program.get(), runningProgram(), missing);
 }
@@ -105,18 +93,18 @@ LoginItemStatus mainAppServiceStatus() {
   KeyFile entry;
   if (entry.load(entryPath())) return LoginItemStatus::notRegistered;
   if (isSwitchedOff(entry)) return LoginItemStatus::requiresApproval;
-  const AppInfo info(g_desktop_app_info_new_from_keyfile(entry.get()));
+  const glib::Object<GDesktopAppInfo> info(g_desktop_app_info_new_from_keyfile(entry.get()));
   if (!info || !startsThisProgram(info.get())) return LoginItemStatus::notRegistered;
   return g_desktop_app_info_get_show_in(info.get(), nullptr) ? LoginItemStatus::enabled
                                                              : LoginItemStatus::requiresApproval;
 }
 
-/// Takes the place of whatever entry there is, a switched-off one too.
+/// Replaces whatever entry there is, a switched-off one too.
 std::optional<std::string> registerMainAppService() {
   const std::string program = runningProgram();
   std::string command = quoted(program);
   for (const auto& option : runningOptions()) command += ' ' + quoted(option);
-  // desktops look for the program before they undo the doubling of its per cent signs
+  // desktops look for the program before they turn each "%%" back into "%"
   if (program.find('%') != std::string::npos || !isUtf8(command)) {
     return "No autostart entry can hold the command " + command + ".";
   }

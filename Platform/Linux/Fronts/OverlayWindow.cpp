@@ -20,7 +20,7 @@ constexpr xcb_shape_kind_t kBounding = 0;
 constexpr xcb_shape_kind_t kInput = 2;
 constexpr uint8_t kArgbDepth = 32;
 
-/// Nothing but a compositing manager makes a window translucent.
+/// Whether a compositing manager runs; without one no window is translucent.
 bool isComposited(Connection& connection) {
   const auto selection =
       connection.atom("_NET_WM_CM_S" + std::to_string(connection.screenNumber()));
@@ -44,8 +44,8 @@ uint16_t on16Bits(double component) {
 
 }  // namespace
 
-/// One window of the X server that no window manager looks after. Where there is a compositor it
-/// has the very look of the style, else it is a disc of the one colour.
+/// An override-redirect window, which window managers leave alone. Where there is a compositor it
+/// looks as the style says; else it is a disc of the layer's colour.
 struct OverlayWindow::Window {
   explicit Window(const OverlayStyle& style)
       : session(quartz::session()), size(style.contentRect.size) {
@@ -120,7 +120,8 @@ struct OverlayWindow::Window {
     xcb_xfixes_destroy_region(connection.get(), region);
   }
 
-  /// Where the frame is, and above all that was shown since: a full-screen window, a menu.
+  /// Moves the window to its origin and raises it above whatever was shown since, such as a
+  /// full-screen window or a menu.
   void placeOnTop() const {
     const auto monitors = quartz::monitors();
     if (!isReachable() || monitors.empty()) return;
@@ -139,7 +140,7 @@ struct OverlayWindow::Window {
 
   quartz::ServerSession* session;
   CGSize size;
-  /// As AppKit has it.
+  /// As AppKit has it: the bottom-left corner, from the primary screen's bottom-left corner.
   CGPoint origin;
   /// In pixels.
   int side = 0;

@@ -10,14 +10,14 @@
 #include <thread>
 #include <utility>
 
-#include "Platform/Linux/AppleScript/Value.h"
+#include "Platform/Linux/Media/MediaError.h"
 #include "Platform/Linux/Media/Pictures.h"
 #include "Platform/Linux/Support/FileStamp.h"
 
 namespace tapdeck::platform {
 namespace {
 
-using applications::Object;
+using glib::Object;
 using Pixels = Object<GdkPixbuf>;
 
 constexpr std::chrono::seconds kTimeLimit{1};
@@ -55,8 +55,8 @@ Pixels decode(std::string_view bytes, std::optional<int> side) {
 
 std::optional<std::string> bytesIn(const std::string& path) {
   try {
-    return applescript::readPictureFile(path);
-  } catch (const applescript::ScriptError&) {
+    return media::readPictureFile(path);
+  } catch (const media::MediaError&) {
     return std::nullopt;
   }
 }

@@ -7,29 +7,24 @@
 
 #include "Platform/Files.h"
 #include "Platform/Linux/Applications/DesktopEntries.h"
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::platform {
 namespace {
 
 using applications::DesktopEntries;
-using applications::Object;
-
-struct SchemaRelease {
-  void operator()(GSettingsSchema* schema) const { g_settings_schema_unref(schema); }
-};
+using glib::Object;
 
 /// The desktop file ids that the user keeps in GNOME's dash; empty on other desktops.
 std::vector<std::string> favourites() {
   constexpr const char* key = "favorite-apps";
   GSettingsSchemaSource* source = g_settings_schema_source_get_default();
   if (source == nullptr) return {};
-  const std::unique_ptr<GSettingsSchema, SchemaRelease> schema(
+  const glib::SettingsSchema schema(
       g_settings_schema_source_lookup(source, "org.gnome.shell", TRUE));
   if (schema == nullptr || g_settings_schema_has_key(schema.get(), key) == FALSE) return {};
   const Object<GSettings> settings(g_settings_new_full(schema.get(), nullptr, nullptr));
-  const std::unique_ptr<char*, decltype(&g_strfreev)> ids(g_settings_get_strv(settings.get(), key),
-                                                          g_strfreev);
+  const glib::Texts ids(g_settings_get_strv(settings.get(), key));
   std::vector<std::string> list;
   for (char** id = ids.get(); *id != nullptr; ++id) list.emplace_back(*id);
   return list;

@@ -5,19 +5,21 @@
 #include <cmath>
 #include <utility>
 
+#include "Platform/Linux/Support/GLibOwners.h"
+
 namespace tapdeck::platform {
 
-/// A source of the default main context. Of its own make, since GLib's timeouts count whole
-/// milliseconds.
+/// A source of the default main context with its own source functions, since GLib's timeouts count
+/// whole milliseconds.
 struct RepeatingTimer::Timer {
-  struct Source {
+  struct TimerSource {
     GSource base;
     Timer* timer;
   };
 
   static gboolean dispatch(GSource* source, GSourceFunc, gpointer) noexcept {
-    // what is called may end the timer
-    const auto fired = reinterpret_cast<Source*>(source)->timer->fireLater(source);
+    // a copy, as the function may end the timer
+    const auto fired = reinterpret_cast<TimerSource*>(source)->timer->fireLater(source);
     fired();
     return G_SOURCE_CONTINUE;
   }
@@ -31,17 +33,12 @@ struct RepeatingTimer::Timer {
     return fired;
   }
 
-  void invalidate() {
-    if (source == nullptr) return;
-    g_source_destroy(source);
-    g_source_unref(std::exchange(source, nullptr));
-  }
-
   std::function<void()> fired;
   /// In microseconds.
   gint64 interval;
   gint64 next;
-  GSource* source = nullptr;
+  /// Null once the timer has ended.
+  glib::Source source;
 };
 
 RepeatingTimer::RepeatingTimer(double interval, std::function<void()> fired)
@@ -51,18 +48,16 @@ RepeatingTimer::RepeatingTimer(double interval, std::function<void()> fired)
   _timer->fired = std::move(fired);
   _timer->interval = std::max<gint64>(1, std::llround(interval * kMicroseconds));
   _timer->next = g_get_monotonic_time() + _timer->interval;
-  _timer->source = g_source_new(&functions, sizeof(Timer::Source));
-  reinterpret_cast<Timer::Source*>(_timer->source)->timer = _timer.get();
-  g_source_set_ready_time(_timer->source, _timer->next);
-  g_source_attach(_timer->source, nullptr);
+  _timer->source.reset(g_source_new(&functions, sizeof(Timer::TimerSource)));
+  reinterpret_cast<Timer::TimerSource*>(_timer->source.get())->timer = _timer.get();
+  g_source_set_ready_time(_timer->source.get(), _timer->next);
+  g_source_attach(_timer->source.get(), nullptr);
 }
 
-RepeatingTimer::~RepeatingTimer() {
-  invalidate();
-}
+RepeatingTimer::~RepeatingTimer() = default;
 
 void RepeatingTimer::invalidate() {
-  _timer->invalidate();
+  _timer->source.reset();
 }
 
 }  // namespace tapdeck::platform

@@ -14,12 +14,12 @@ namespace {
 using quartz::Connection;
 using quartz::Monitor;
 
-struct Place {
+struct Position {
   int x, y;
 };
 
 /// In pixels of the root window.
-std::optional<Place> centreOfActiveWindow(Connection& connection) {
+std::optional<Position> centreOfActiveWindow(Connection& connection) {
   const xcb_window_t window = quartz::activeWindow(connection);
   if (window == XCB_WINDOW_NONE) return std::nullopt;
   const auto geometry =
@@ -31,12 +31,12 @@ std::optional<Place> centreOfActiveWindow(Connection& connection) {
                                                 static_cast<int16_t>(geometry->height / 2)),
                       xcb_translate_coordinates_reply);
   if (centre == nullptr) return std::nullopt;
-  return Place{centre->dst_x, centre->dst_y};
+  return Position{centre->dst_x, centre->dst_y};
 }
 
-bool contains(const Monitor& monitor, Place place) {
-  return place.x >= monitor.x && place.x < monitor.x + monitor.width && place.y >= monitor.y &&
-         place.y < monitor.y + monitor.height;
+bool contains(const Monitor& monitor, Position position) {
+  return position.x >= monitor.x && position.x < monitor.x + monitor.width &&
+         position.y >= monitor.y && position.y < monitor.y + monitor.height;
 }
 
 std::vector<Screen> screensOf(const std::vector<Monitor>& monitors) {
@@ -62,12 +62,12 @@ std::vector<Screen> screens() {
 std::optional<Screen> mainScreen() {
   const auto monitors = quartz::monitors();
   if (monitors.empty()) return std::nullopt;
-  auto place = monitors.begin();
+  auto main = monitors.begin();
   if (const auto centre = centreOfActiveWindow(quartz::session()->connection)) {
-    place = std::find_if(monitors.begin(), monitors.end(),
-                         [&](const Monitor& monitor) { return contains(monitor, *centre); });
+    main = std::find_if(monitors.begin(), monitors.end(),
+                        [&](const Monitor& monitor) { return contains(monitor, *centre); });
   }
-  const auto index = place == monitors.end() ? 0 : place - monitors.begin();
+  const auto index = main == monitors.end() ? 0 : main - monitors.begin();
   return screensOf(monitors)[static_cast<size_t>(index)];
 }
 

@@ -5,9 +5,10 @@
 #include <xcb/xcb.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
+
+#include "Platform/Linux/Support/GLibOwners.h"
+#include "Platform/Linux/X11/Connection.h"
 
 namespace tapdeck::platform {
 
@@ -18,15 +19,7 @@ using Clock = std::chrono::steady_clock;
 /// Beyond the longest text by as much as shows that there is more, in whole words.
 constexpr std::size_t kMaxRead = kMaxSelectionText + 4;
 
-struct Freeing {
-  void operator()(void* memory) const { std::free(memory); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, Freeing>;
-
-struct Disconnecting {
-  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-};
+using quartz::Received;
 
 /// A property's bytes as they came.
 struct Property {
@@ -36,8 +29,7 @@ struct Property {
 
 /// The next NUL-free stretch of `text`, made valid UTF-8.
 std::string validStretch(std::string_view stretch) {
-  const std::unique_ptr<char, decltype(&g_free)> valid(
-      g_utf8_make_valid(stretch.data(), static_cast<gssize>(stretch.size())), g_free);
+  const glib::Text valid(g_utf8_make_valid(stretch.data(), static_cast<gssize>(stretch.size())));
   return valid.get();
 }
 
@@ -106,7 +98,7 @@ class SelectionReader {
   xcb_atom_t atom(std::string_view name) {
     const auto request =
         xcb_intern_atom(_connection.get(), 0, static_cast<uint16_t>(name.size()), name.data());
-    const Owned<xcb_intern_atom_reply_t> reply(
+    const Received<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(_connection.get(), request, nullptr));
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
   }
@@ -120,16 +112,16 @@ class SelectionReader {
                       &events);
   }
 
-  /// Asks to be told of the owner's death. False when there is no owner.
+  /// Selects the events of the owner's end. False when there is no owner.
   bool watchOwner() {
-    const Owned<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+    const Received<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         _connection.get(), xcb_get_selection_owner(_connection.get(), _selection), nullptr));
     if (!reply || reply->owner == XCB_WINDOW_NONE) return false;
     _owner = reply->owner;
     const uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     const auto request =
         xcb_change_window_attributes_checked(_connection.get(), _owner, XCB_CW_EVENT_MASK, &events);
-    const Owned<xcb_generic_error_t> gone(xcb_request_check(_connection.get(), request));
+    const Received<xcb_generic_error_t> gone(xcb_request_check(_connection.get(), request));
     return !gone;
   }
 
@@ -155,7 +147,7 @@ class SelectionReader {
     return property;
   }
 
-  /// Taking the property away asks the owner for the next part; an empty one is the last.
+  /// Deleting the property tells the owner to send the next part (INCR); an empty one is the last.
   std::optional<Property> takeIncrements() {
     Property whole;
     for (;;) {
@@ -174,7 +166,7 @@ class SelectionReader {
     constexpr uint32_t kMaxWords = kMaxRead / 4;
     const auto request = xcb_get_property(_connection.get(), 1, _window, _property,
                                           XCB_GET_PROPERTY_TYPE_ANY, 0, kMaxWords);
-    const Owned<xcb_get_property_reply_t> reply(
+    const Received<xcb_get_property_reply_t> reply(
         xcb_get_property_reply(_connection.get(), request, nullptr));
     if (!reply || reply->type == XCB_ATOM_NONE) return std::nullopt;
     const auto* bytes = static_cast<const char*>(xcb_get_property_value(reply.get()));
@@ -183,7 +175,7 @@ class SelectionReader {
         std::string(bytes, static_cast<std::size_t>(xcb_get_property_value_length(reply.get())))};
   }
 
-  Owned<xcb_property_notify_event_t> awaitProperty(xcb_property_t state) {
+  Received<xcb_property_notify_event_t> awaitProperty(xcb_property_t state) {
     return await<xcb_property_notify_event_t>(
         XCB_PROPERTY_NOTIFY, [&](const xcb_property_notify_event_t& event) {
           return event.atom == _property && event.state == state;
@@ -193,17 +185,17 @@ class SelectionReader {
   /// The next event of this kind that fits; null, and the reading given up, when it does not come
   /// in time or the owner dies.
   template <typename Event, typename Fits>
-  Owned<Event> await(uint8_t kind, Fits fits) {
+  Received<Event> await(uint8_t kind, Fits fits) {
     const auto end = std::min(Clock::now() + _silence, _end);
     while (isConnected() && Clock::now() < end) {
-      Owned<xcb_generic_event_t> event(xcb_poll_for_event(_connection.get()));
+      Received<xcb_generic_event_t> event(xcb_poll_for_event(_connection.get()));
       if (!event) {
         waitUntil(end);
         continue;
       }
       const uint8_t type = event->response_type & 0x7F;
       if (type == kind && fits(*reinterpret_cast<Event*>(event.get()))) {
-        return Owned<Event>(reinterpret_cast<Event*>(event.release()));
+        return Received<Event>(reinterpret_cast<Event*>(event.release()));
       }
       if (type == XCB_DESTROY_NOTIFY) break;
     }
@@ -223,7 +215,7 @@ class SelectionReader {
     return std::nullopt;
   }
 
-  std::unique_ptr<xcb_connection_t, Disconnecting> _connection;
+  quartz::OpenConnection _connection;
   std::chrono::milliseconds _silence;
   Clock::time_point _end;
   bool _gaveUp = false;

@@ -18,12 +18,13 @@ struct SelectionPatience {
   std::chrono::milliseconds total{5000};
 };
 
-/// Asks another client for the text of a selection such as "CLIPBOARD", over a connection of its
-/// own to `display`, so that no event of the process is handled meanwhile. Blocks, but never past
-/// the patience: an owner that does not answer, stops in the middle or dies has no text. UTF-8;
-/// bytes that are none are replaced. A text longer than kMaxSelectionText is cut somewhere behind
-/// that, so that its length tells. The process must not own the selection itself, since it could
-/// not answer. Any thread. Follows the X Consortium's ICCCM 2, incremental transfers included.
+/// The text of a selection such as "CLIPBOARD" that another client owns, in UTF-8, invalid bytes
+/// replaced. Uses a connection of its own to `display`, so that no event of the process is handled
+/// meanwhile. Blocks, for as long as `patience` says at the most; absent when the owner does not
+/// reply, stops in the middle or ends. The process must not own the selection itself, since it
+/// cannot reply while this blocks. Any thread. Follows the X Consortium's ICCCM 2, incremental
+/// transfers included. A text longer than kMaxSelectionText is cut somewhere behind that, so that
+/// its length tells.
 std::optional<std::string> readSelection(const std::string& display, const std::string& selection,
                                          const SelectionPatience& patience = {});
 

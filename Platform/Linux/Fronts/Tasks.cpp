@@ -10,55 +10,29 @@
 #include <csignal>
 #include <utility>
 
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/FileDescriptor.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 #include "Platform/ProcessInfo.h"
 #include "Platform/Queues.h"
 
 namespace tapdeck::platform {
 
-using applications::Error;
-using applications::Object;
+using glib::Error;
+using glib::Object;
 
 // ---- pipes
 
-namespace {
-
-/// The owner of one file descriptor.
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int number) : _number(number) {}
-  Descriptor(Descriptor&& other) noexcept : _number(other.release()) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    std::swap(_number, other._number);
-    return *this;
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (_number >= 0) close(_number);
-  }
-
-  int get() const { return _number; }
-  int release() { return std::exchange(_number, -1); }
-
- private:
-  int _number = -1;
-};
-
-}  // namespace
-
 struct Pipe::Ends {
   /// Neither is open where there was no descriptor left for them.
-  Descriptor reading;
-  Descriptor writing;
+  FileDescriptor reading;
+  FileDescriptor writing;
 };
 
 Pipe::Pipe() : _ends(std::make_shared<Ends>()) {
   std::array<int, 2> ends = {-1, -1};
   if (g_unix_open_pipe(ends.data(), FD_CLOEXEC, nullptr) == FALSE) return;
-  _ends->reading = Descriptor(ends[0]);
-  _ends->writing = Descriptor(ends[1]);
+  _ends->reading = FileDescriptor(ends[0]);
+  _ends->writing = FileDescriptor(ends[1]);
 }
 
 std::string Pipe::readDataToEndOfFile() const {

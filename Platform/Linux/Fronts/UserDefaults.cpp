@@ -1,7 +1,6 @@
 #include "Platform/UserDefaults.h"
 
-#include <cstdio>
-
+#include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/Support/KeyFile.h"
 
 namespace tapdeck::platform {
@@ -27,7 +26,7 @@ void setUserDefaultsBool(const std::string& key, bool value) {
   file.load(path());
   g_key_file_set_boolean(file.get(), kGroup, key.c_str(), value);
   if (const auto failure = file.save(path())) {
-    std::fprintf(stderr, "tapdeck: %s is forgotten at once: %s\n", key.c_str(), failure->c_str());
+    warn(key + " is forgotten at once: " + *failure);
   }
 }
 

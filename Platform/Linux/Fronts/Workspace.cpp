@@ -12,7 +12,7 @@ namespace tapdeck::platform {
 
 namespace {
 
-/// The characters of RFC 3986; what g_uri_split lets pass beyond them is no URL yet.
+/// One that RFC 3986 allows in a URL; g_uri_split itself takes others too.
 bool isURLCharacter(char character) {
   constexpr std::string_view never = "\"<>\\^`{|}";
   return character > ' ' && character < '\x7f' && never.find(character) == std::string_view::npos;
@@ -56,7 +56,7 @@ std::optional<std::string> schemeOf(const URL& url) {
 
 void openURL(const URL& url) {
   if (const auto permission = permissionBehind(url.text)) {
-    permissions::ask(*permission);
+    permissions::promptUser(*permission);
     return;
   }
   g_app_info_launch_default_for_uri_async(url.text.c_str(), nullptr, nullptr, finishLaunch,

@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
     source += argv[word + 1];
   }
   const auto [text, error] = tapdeck::applescript::runOnThisMachine(source);
-  tapdeck::applescript::finishPowerRequests();
+  tapdeck::media::finishPowerRequests();
   if (error) {
     report(*error);
     return EXIT_FAILURE;

@@ -7,10 +7,12 @@
 #include "Platform/Linux/AppleScript/AppleScript.h"
 #include "Platform/Linux/AppleScript/Desktop.h"
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Media/Players.h"
 
 namespace tapdeck::applescript {
 
-/// This machine's desktop. A player stays the same one for as long as this lives.
+/// This machine's desktop: turns what the media services give and throw into what the language
+/// knows. A player stays the same one for as long as this lives.
 class SystemDesktop : public Desktop {
  public:
   Player* player(Application application) override;
@@ -20,7 +22,8 @@ class SystemDesktop : public Desktop {
   std::string picture(const std::string& url) override;
 
  private:
-  std::optional<std::optional<Bus>> _bus;
+  /// Absent until asked for; then absent within when there is no session bus.
+  std::optional<std::optional<media::Bus>> _bus;
   std::map<Application, std::unique_ptr<Player>> _players;
 };
 

@@ -12,19 +12,11 @@
 #include <thread>
 #include <vector>
 
-#include "Platform/Linux/Support/GObjects.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 
-template <typename T>
-using Shared = applications::Object<T>;
-
-struct VariantRelease {
-  void operator()(GVariant* variant) const { g_variant_unref(variant); }
-};
-using Variant = std::unique_ptr<GVariant, VariantRelease>;
-
-/// Cancels what runs with it when the time is up; until then for as long as it lives.
+/// A cancellable that is cancelled when the time is up, unless this has ended before.
 class Deadline {
  public:
   explicit Deadline(std::chrono::milliseconds atMost);
@@ -32,13 +24,14 @@ class Deadline {
   GCancellable* cancellable() const { return _cancellable.get(); }
 
  private:
-  Shared<GCancellable> _cancellable{g_cancellable_new()};
+  glib::Object<GCancellable> _cancellable{g_cancellable_new()};
   std::mutex _mutex;
   std::condition_variable_any _ended;
   std::jthread _thread;
 };
 
-/// Whether there is such a bus to connect to. GIO itself would start one for the session.
+/// Whether there is such a bus to connect to. To check first, because GIO starts a session bus
+/// where there is none.
 bool hasBus(GBusType type);
 
 /// One of the machine's two message buses. Any thread; every call is bounded in time.
@@ -56,15 +49,15 @@ class Bus {
   std::vector<std::string> names() const;
 
   /// Calls a method and waits for its reply, a tuple of this type, for at most a second. Takes the
-  /// arguments. Throws ScriptError: -600 when nobody bears the name (any more), -1712 when the
-  /// reply does not come, -10000 for an error as the reply.
-  Variant call(const std::string& name, const char* path, const char* interface, const char* method,
-               GVariant* arguments, const char* replyType) const;
+  /// arguments. Throws MediaError: notRunning, timedOut or failed.
+  glib::Variant call(const std::string& name, const char* path, const char* interface,
+                     const char* method, GVariant* arguments, const char* replyType) const;
 
-  /// Asks each of the names for one property of text, all at once; empty for what does not answer
-  /// within a quarter of a second.
-  std::vector<std::string> askAll(const std::vector<std::string>& names, const char* path,
-                                  const char* interface, const char* property) const;
+  /// Reads one property of text from each of the names, all at the same time; empty for those that
+  /// do not answer within a quarter of a second.
+  std::vector<std::string> textPropertyOfEach(const std::vector<std::string>& names,
+                                              const char* path, const char* interface,
+                                              const char* property) const;
 
  private:
   explicit Bus(GDBusConnection* connection) : _connection(connection, g_object_unref) {}
@@ -72,4 +65,4 @@ class Bus {
   std::shared_ptr<GDBusConnection> _connection;
 };
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

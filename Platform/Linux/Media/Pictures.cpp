@@ -10,19 +10,18 @@
 #include <chrono>
 #include <memory>
 
-#include "Platform/Linux/AppleScript/Value.h"
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Media/MediaError.h"
+#include "Platform/Linux/Support/FileDescriptor.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 namespace {
 
-constexpr size_t kLargest = 10'000'000;
+constexpr size_t kMaxSize = 10'000'000;
 constexpr std::chrono::milliseconds kLimit{2500};
 
-using Text = std::unique_ptr<char, decltype(&g_free)>;
-
 [[noreturn]] void fail(const char* what) {
-  throw ScriptError{kNotFound, what, ""};
+  throw MediaError(MediaError::Kind::notFound, what);
 }
 
 /// Takes pieces until there are no more or it is too much. `read` fills a buffer and gives the
@@ -36,28 +35,14 @@ std::string readAll(Read read) {
     if (count < 0) fail("The picture cannot be read.");
     if (count == 0) return bytes;
     bytes.append(buffer.data(), static_cast<size_t>(count));
-    if (bytes.size() > kLargest) fail("The picture is too large.");
+    if (bytes.size() > kMaxSize) fail("The picture is too large.");
   }
 }
 
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : _descriptor(descriptor) {}
-  ~Descriptor() {
-    if (_descriptor >= 0) close(_descriptor);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int get() const { return _descriptor; }
-
- private:
-  int _descriptor;
-};
-
 std::string readFileUrl(const std::string& url) {
   char* host = nullptr;
-  const Text path(g_filename_from_uri(url.c_str(), &host, nullptr), g_free);
-  const Text owned(host, g_free);
+  const glib::Text path(g_filename_from_uri(url.c_str(), &host, nullptr));
+  const glib::Text owned(host);
   const bool isHere = path != nullptr && (host == nullptr || g_str_equal(host, "localhost"));
   if (!isHere) fail("The picture’s file is not on this machine.");
   return readPictureFile(path.get());
@@ -68,26 +53,24 @@ std::string readData(const std::string& url) {
   constexpr std::string_view kBase64 = ";base64";
   const size_t comma = url.find(',');
   if (comma == std::string::npos) fail("The picture’s address is no data.");
-  if (url.size() - comma > kLargest * 4 / 3) fail("The picture is too large.");
+  if (url.size() - comma > kMaxSize * 4 / 3) fail("The picture is too large.");
   const bool isBase64 = std::string_view(url).substr(0, comma).ends_with(kBase64);
-  const std::unique_ptr<GBytes, decltype(&g_bytes_unref)> unescaped(
-      g_uri_unescape_bytes(url.c_str() + comma + 1, -1, nullptr, nullptr), g_bytes_unref);
+  const glib::Bytes unescaped(g_uri_unescape_bytes(url.c_str() + comma + 1, -1, nullptr, nullptr));
   if (unescaped == nullptr) fail("The picture’s address is no data.");
   gsize size = 0;
   const auto* bytes = static_cast<const char*>(g_bytes_get_data(unescaped.get(), &size));
   std::string text = size > 0 ? std::string(bytes, size) : std::string();
   if (!isBase64) return text;
-  const std::unique_ptr<guchar, decltype(&g_free)> decoded(g_base64_decode(text.c_str(), &size),
-                                                           g_free);
+  const glib::Memory<guchar> decoded(g_base64_decode(text.c_str(), &size));
   return {decoded.get(), decoded.get() + size};
 }
 
 std::string download(const std::string& url) {
-  const Shared<SoupMessage> message(soup_message_new("GET", url.c_str()));
+  const glib::Object<SoupMessage> message(soup_message_new("GET", url.c_str()));
   if (message == nullptr) fail("The picture’s address is none.");
-  const Shared<SoupSession> session(soup_session_new());
+  const glib::Object<SoupSession> session(soup_session_new());
   const Deadline deadline(kLimit);
-  const Shared<GInputStream> stream(
+  const glib::Object<GInputStream> stream(
       soup_session_send(session.get(), message.get(), deadline.cancellable(), nullptr));
   if (stream == nullptr || !SOUP_STATUS_IS_SUCCESSFUL(soup_message_get_status(message.get()))) {
     fail("The picture cannot be fetched.");
@@ -101,9 +84,9 @@ std::string download(const std::string& url) {
 
 std::string readPictureFile(const std::string& path) {
   // a pipe would never end, and to open one may wait for ever
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  const FileDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   struct stat state {};
-  if (file.get() < 0 || fstat(file.get(), &state) != 0 || !S_ISREG(state.st_mode)) {
+  if (!file.isOpen() || fstat(file.get(), &state) != 0 || !S_ISREG(state.st_mode)) {
     fail("The picture’s file cannot be read.");
   }
   return readAll([&file](char* buffer, size_t size) {
@@ -124,4 +107,4 @@ std::string readPicture(const std::string& url) {
   fail("The picture’s address is of no known kind.");
 }
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

@@ -7,9 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "Platform/Linux/AppleScript/Value.h"
-
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 namespace {
 
 constexpr const char* kPath = "/org/mpris/MediaPlayer2";
@@ -17,31 +15,30 @@ constexpr const char* kInterface = "org.mpris.MediaPlayer2.Player";
 constexpr std::string_view kPlaying = "Playing";
 constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
 
-/// Whose player bears this name on the bus; absent for what is no player of its own.
-std::optional<Application> ownerOf(std::string_view name) {
+/// The application whose player has this name on the bus; absent when the name is no player's.
+std::optional<PlayerApplication> applicationOf(std::string_view name) {
   constexpr std::string_view kPrefix = "org.mpris.MediaPlayer2.";
   if (!name.starts_with(kPrefix)) return std::nullopt;
   name.remove_prefix(kPrefix.size());
   const auto player = name.substr(0, name.find('.'));
-  if (player == "playerctld") return std::nullopt;  // speaks for one of the others
-  if (player == "spotify") return Application::spotify;
-  if (player == "vlc") return Application::vlc;
-  return Application::music;
+  if (player == "playerctld") return std::nullopt;  // a proxy for one of the others
+  if (player == "spotify") return PlayerApplication::spotify;
+  if (player == "vlc") return PlayerApplication::vlc;
+  return PlayerApplication::music;
 }
 
-Variant lookUp(GVariant* dictionary, const char* key) {
-  return Variant(g_variant_lookup_value(dictionary, key, nullptr));
+glib::Variant lookUp(GVariant* dictionary, const char* key) {
+  return glib::Variant(g_variant_lookup_value(dictionary, key, nullptr));
 }
 
 /// Of a text, an object path or a list of texts; empty for anything else.
 std::string text(GVariant* dictionary, const char* key) {
-  const Variant value = lookUp(dictionary, key);
+  const glib::Variant value = lookUp(dictionary, key);
   if (value == nullptr) return {};
   if (g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING_ARRAY) != FALSE) {
-    const std::unique_ptr<const char*, decltype(&g_free)> parts(
-        g_variant_get_strv(value.get(), nullptr), g_free);
-    const std::unique_ptr<char, decltype(&g_free)> joined(
-        g_strjoinv(", ", const_cast<char**>(parts.get())), g_free);
+    // the texts themselves stay the variant's
+    const glib::Memory<const char*> parts(g_variant_get_strv(value.get(), nullptr));
+    const glib::Text joined(g_strjoinv(", ", const_cast<char**>(parts.get())));
     return joined.get();
   }
   const bool isText = g_variant_is_of_type(value.get(), G_VARIANT_TYPE_STRING) != FALSE ||
@@ -51,8 +48,8 @@ std::string text(GVariant* dictionary, const char* key) {
 
 /// Players give times in any type of number.
 std::optional<int64_t> microseconds(GVariant* dictionary, const char* key) {
-  constexpr double kLongest = 1e15;
-  const Variant value = lookUp(dictionary, key);
+  constexpr double kMax = 1e15;
+  const glib::Variant value = lookUp(dictionary, key);
   if (value == nullptr) return std::nullopt;
   double number = 0;
   switch (g_variant_classify(value.get())) {
@@ -74,16 +71,15 @@ std::optional<int64_t> microseconds(GVariant* dictionary, const char* key) {
     default:
       return std::nullopt;
   }
-  return number > 0 ? static_cast<int64_t>(std::min(number, kLongest)) : 0;
+  return number > 0 ? static_cast<int64_t>(std::min(number, kMax)) : 0;
 }
 
-Constant statusOf(std::string_view word) {
-  if (word == kPlaying) return Constant::playing;
-  return word == "Paused" ? Constant::paused : Constant::stopped;
+PlaybackStatus statusOf(std::string_view word) {
+  if (word == kPlaying) return PlaybackStatus::playing;
+  return word == "Paused" ? PlaybackStatus::paused : PlaybackStatus::stopped;
 }
 
-/// Absent for what no track is that long: players give all sorts of largest numbers for streams
-/// without an end.
+/// Absent above a week: for streams without an end, players give various very large numbers.
 std::optional<int64_t> lengthOf(GVariant* metadata) {
   constexpr int64_t kMaxLength = int64_t{7} * 24 * 3600 * 1'000'000;
   const auto length = microseconds(metadata, "mpris:length");
@@ -103,62 +99,21 @@ std::optional<Track> trackOf(GVariant* metadata) {
   return isThere ? std::optional(std::move(track)) : std::nullopt;
 }
 
-const char* methodOf(Command command) {
-  if (command == Command::next) return "Next";
-  return command == Command::previous ? "Previous" : "PlayPause";
+const char* methodOf(PlayerCommand command) {
+  if (command == PlayerCommand::next) return "Next";
+  return command == PlayerCommand::previous ? "Previous" : "PlayPause";
 }
 
-class BusPlayer : public Player {
- public:
-  BusPlayer(Bus bus, std::string name) : _bus(std::move(bus)), _name(std::move(name)) {}
-
-  PlayerState read() override {
-    const Variant reply = call("org.freedesktop.DBus.Properties", "GetAll",
-                               g_variant_new("(s)", kInterface), "(a{sv})");
-    const Variant all(g_variant_get_child_value(reply.get(), 0));
-    PlayerState state{.status = statusOf(text(all.get(), "PlaybackStatus")),
-                      .track = std::nullopt,
-                      .position = microseconds(all.get(), "Position").value_or(0)};
-    const Variant metadata(g_variant_lookup_value(all.get(), "Metadata", G_VARIANT_TYPE_VARDICT));
-    if (metadata != nullptr && state.status != Constant::stopped) {
-      state.track = trackOf(metadata.get());
-    }
-    return state;
+std::string_view nameOf(PlayerApplication application) {
+  switch (application) {
+    case PlayerApplication::spotify:
+      return "Spotify";
+    case PlayerApplication::vlc:
+      return "VLC";
+    default:
+      return "Music";
   }
-
-  void perform(Command command) override { call(kInterface, methodOf(command), nullptr, "()"); }
-
-  void seek(int64_t position) override {
-    const PlayerState state = read();
-    if (!state.track) throw ScriptError{kNotFound, "No track is loaded.", ""};
-    const int64_t length = state.track->length.value_or(0);
-    if (length > 0) position = std::min(position, length);
-    const std::string& id = state.track->id;
-    if (g_variant_is_object_path(id.c_str()) != FALSE && id != kNoTrack) {
-      call(kInterface, "SetPosition", g_variant_new("(ox)", id.c_str(), gint64{position}), "()");
-    } else {
-      call(kInterface, "Seek", g_variant_new("(x)", gint64{position - state.position}), "()");
-    }
-  }
-
- private:
-  Variant call(const char* interface, const char* method, GVariant* arguments,
-               const char* replyType) {
-    const Variant owned(arguments != nullptr ? g_variant_ref_sink(arguments) : nullptr);
-    if (_failure) throw ScriptError(*_failure);
-    try {
-      return _bus.call(_name, kPath, interface, method, owned.get(), replyType);
-    } catch (const ScriptError& error) {
-      if (error.number == kTimedOut) _failure = error;
-      throw;
-    }
-  }
-
-  Bus _bus;
-  std::string _name;
-  /// That it does not answer.
-  std::optional<ScriptError> _failure;
-};
+}
 
 size_t rank(std::string_view status) {
   constexpr std::array<std::string_view, 3> kOrder{kPlaying, "Paused", "Stopped"};
@@ -176,37 +131,82 @@ std::optional<Bus> sessionBus() {
 
 }  // namespace
 
+PlayerState Player::read() {
+  const glib::Variant reply = call("org.freedesktop.DBus.Properties", "GetAll",
+                                   g_variant_new("(s)", kInterface), "(a{sv})");
+  const glib::Variant all(g_variant_get_child_value(reply.get(), 0));
+  PlayerState state{.status = statusOf(text(all.get(), "PlaybackStatus")),
+                    .track = std::nullopt,
+                    .position = microseconds(all.get(), "Position").value_or(0)};
+  const glib::Variant metadata(
+      g_variant_lookup_value(all.get(), "Metadata", G_VARIANT_TYPE_VARDICT));
+  if (metadata != nullptr && state.status != PlaybackStatus::stopped) {
+    state.track = trackOf(metadata.get());
+  }
+  return state;
+}
+
+void Player::perform(PlayerCommand command) {
+  call(kInterface, methodOf(command), nullptr, "()");
+}
+
+void Player::seek(int64_t position) {
+  const PlayerState state = read();
+  if (!state.track) throw MediaError(MediaError::Kind::notFound, "No track is loaded.");
+  const int64_t length = state.track->length.value_or(0);
+  if (length > 0) position = std::min(position, length);
+  const std::string& id = state.track->id;
+  if (g_variant_is_object_path(id.c_str()) != FALSE && id != kNoTrack) {
+    call(kInterface, "SetPosition", g_variant_new("(ox)", id.c_str(), gint64{position}), "()");
+  } else {
+    call(kInterface, "Seek", g_variant_new("(x)", gint64{position - state.position}), "()");
+  }
+}
+
+glib::Variant Player::call(const char* interface, const char* method, GVariant* arguments,
+                           const char* replyType) {
+  const glib::Variant owned(arguments != nullptr ? g_variant_ref_sink(arguments) : nullptr);
+  if (_timeout) throw MediaError(*_timeout);
+  try {
+    return _bus.call(_name, kPath, interface, method, owned.get(), replyType);
+  } catch (const MediaError& error) {
+    if (error.kind() == MediaError::Kind::timedOut) _timeout = error;
+    throw;
+  }
+}
+
 std::vector<std::string> runningPlayers() {
   std::vector<std::string> players;
   const auto bus = sessionBus();
   if (!bus) return players;
   for (const auto& name : bus->names()) {
-    const auto owner = ownerOf(name);
-    if (!owner) continue;
-    const std::string player(nameOf(*owner));
+    const auto application = applicationOf(name);
+    if (!application) continue;
+    const std::string player(nameOf(*application));
     if (std::ranges::find(players, player) == players.end()) players.push_back(player);
   }
   return players;
 }
 
-std::unique_ptr<Player> findPlayer(const Bus& bus, Application application) {
+std::unique_ptr<Player> findPlayer(const Bus& bus, PlayerApplication application) {
   std::vector<std::string> names = bus.names();
-  const bool givesWay = application == Application::music;
+  const bool isForAnyPlayer = application == PlayerApplication::music;
   std::erase_if(names, [&](const auto& name) {
-    const auto owner = ownerOf(name);
-    return givesWay ? !owner : owner != application;
+    const auto found = applicationOf(name);
+    return isForAnyPlayer ? !found : found != application;
   });
-  const auto others = std::stable_partition(
-      names.begin(), names.end(), [&](const auto& name) { return ownerOf(name) == application; });
+  const auto others = std::stable_partition(names.begin(), names.end(), [&](const auto& name) {
+    return applicationOf(name) == application;
+  });
   if (others == names.begin()) return nullptr;
-  if (names.size() == 1) return std::make_unique<BusPlayer>(bus, names.front());
+  if (names.size() == 1) return std::make_unique<Player>(bus, names.front());
 
-  const auto statuses = bus.askAll(names, kPath, kInterface, "PlaybackStatus");
+  const auto statuses = bus.textPropertyOfEach(names, kPath, kInterface, "PlaybackStatus");
   const auto firstOther = statuses.begin() + (others - names.begin());
   const auto best = std::ranges::min_element(statuses.begin(), firstOther, {}, rank);
   const bool anotherPlays = std::find(firstOther, statuses.end(), kPlaying) != statuses.end();
   if (*best != kPlaying && anotherPlays) return nullptr;
-  return std::make_unique<BusPlayer>(bus, names[static_cast<size_t>(best - statuses.begin())]);
+  return std::make_unique<Player>(bus, names[static_cast<size_t>(best - statuses.begin())]);
 }
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

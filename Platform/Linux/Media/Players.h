@@ -1,25 +1,76 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "Platform/Linux/AppleScript/Desktop.h"
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Media/MediaError.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 
 // The media players of the session bus (MPRIS 2), by the names that the host knows: those of
 // Spotify and VLC are theirs, and any other is the desktop's own, "Music".
 
-/// The names, each once, of the players that are there. Asks the bus only, so that a player that
-/// does not answer takes no time. Any thread.
+enum class PlayerApplication { music, spotify, vlc };
+
+/// What a player has loaded. Texts as the player gives them, empty where it gives none.
+struct Track {
+  std::string title;
+  std::string artist;
+  std::string album;
+  /// The player's own name for it (mpris:trackid).
+  std::string id;
+  std::string url;
+  std::string artUrl;
+  /// In microseconds.
+  std::optional<int64_t> length;
+};
+
+enum class PlaybackStatus { playing, paused, stopped };
+
+/// A player at one moment.
+struct PlayerState {
+  PlaybackStatus status = PlaybackStatus::stopped;
+  /// None when it is stopped.
+  std::optional<Track> track;
+  /// In microseconds from the start of the track.
+  int64_t position = 0;
+};
+
+enum class PlayerCommand { next, previous, playPause };
+
+/// One player. Each call waits for its reply for at most a second, and once one was not answered in
+/// time the others fail at once. Throws MediaError.
+class Player {
+ public:
+  Player(Bus bus, std::string name) : _bus(std::move(bus)), _name(std::move(name)) {}
+
+  PlayerState read();
+  void perform(PlayerCommand command);
+  /// Goes to the position, in microseconds from the start of the track, or to its end.
+  void seek(int64_t position);
+
+ private:
+  glib::Variant call(const char* interface, const char* method, GVariant* arguments,
+                     const char* replyType);
+
+  Bus _bus;
+  std::string _name;
+  /// What the first call that was not answered in time ended with.
+  std::optional<MediaError> _timeout;
+};
+
+/// The names, each once, of the players that are there. Reads the bus's list of names only, so that
+/// a player that does not answer takes no time. Any thread.
 std::vector<std::string> runningPlayers();
 
 /// The application's player: of several one that plays, else one that is paused. Null when there is
 /// none; Music's, which any page of a browser may be, also when it does not play and another
-/// application's does. Every call of its is bounded, and once one was not answered the others fail
-/// at once.
-std::unique_ptr<Player> findPlayer(const Bus& bus, Application application);
+/// application's does.
+std::unique_ptr<Player> findPlayer(const Bus& bus, PlayerApplication application);
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

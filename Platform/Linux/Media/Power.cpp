@@ -1,16 +1,17 @@
 #include "Platform/Linux/Media/Power.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <string>
 
-#include "Platform/Linux/AppleScript/Value.h"
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Media/MediaError.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 namespace {
 
 constexpr const char* kLoginManager = "org.freedesktop.login1";
-constexpr int kAnswerLimit = 5 * 60 * 1000;  // in milliseconds
+constexpr int kReplyLimit = 5 * 60 * 1000;  // in milliseconds
 
 struct Request {
   const char* method;
@@ -25,32 +26,33 @@ size_t pending = 0;
 void finish(GObject* connection, GAsyncResult* result, gpointer data) {
   --pending;
   GError* error = nullptr;
-  const Variant reply(g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error));
+  const glib::Variant reply(
+      g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, &error));
   if (reply != nullptr) return;
-  const applications::Error failure(error);
+  const glib::Error failure(error);
   g_dbus_error_strip_remote_error(failure.get());
-  std::fprintf(stderr, "tapdeck: the machine cannot %s: %s\n",
-               static_cast<const Request*>(data)->verb, failure->message);
+  const std::string verb = static_cast<const Request*>(data)->verb;
+  warn("the machine cannot " + verb + ": " + failure->message);
 }
 
 }  // namespace
 
-void requestPower(Command command) {
-  const Request& request = command == Command::sleep      ? kSleep
-                           : command == Command::shutDown ? kShutDown
-                                                          : kRestart;
+void requestPower(PowerAction action) {
+  const Request& request = action == PowerAction::sleep      ? kSleep
+                           : action == PowerAction::shutDown ? kShutDown
+                                                             : kRestart;
   const auto bus = Bus::connect(G_BUS_TYPE_SYSTEM);
   if (!bus || !std::ranges::binary_search(bus->names(), kLoginManager)) {
-    throw ScriptError{kNotRunning, "Application isn’t running.", ""};
+    throw MediaError(MediaError::Kind::notRunning, "There is no login manager.");
   }
   // the user may be asked for a password
   constexpr gboolean kIsInteractive = TRUE;
   ++pending;
-  // the call holds the connection until its answer
+  // GIO keeps the connection until the reply comes
   g_dbus_connection_call(bus->connection(), kLoginManager, "/org/freedesktop/login1",
                          "org.freedesktop.login1.Manager", request.method,
                          g_variant_new("(b)", kIsInteractive), nullptr,
-                         G_DBUS_CALL_FLAGS_NO_AUTO_START, kAnswerLimit, nullptr, finish,
+                         G_DBUS_CALL_FLAGS_NO_AUTO_START, kReplyLimit, nullptr, finish,
                          const_cast<Request*>(&request));
 }
 
@@ -58,4 +60,4 @@ void finishPowerRequests() {
   while (pending > 0) g_main_context_iteration(nullptr, TRUE);
 }
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

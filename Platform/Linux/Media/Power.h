@@ -1,17 +1,17 @@
 #pragma once
 
-#include "Platform/Linux/AppleScript/Terms.h"
+namespace tapdeck::media {
 
-namespace tapdeck::applescript {
+enum class PowerAction { sleep, restart, shutDown };
 
-/// Asks the login manager to sleep, restart or shut down, and returns once it is asked. Somebody
-/// may have to type a password first, so the answer is awaited for minutes, on the default main
-/// context, and a refusal told on standard error. Throws ScriptError (-600) when there is no login
+/// Asks the login manager for the action, and returns once the request is sent. Somebody may have
+/// to type a password first, so its reply is awaited for minutes, on the default main context, and
+/// a refusal reported on standard error. Throws MediaError (notRunning) when there is no login
 /// manager. Main thread only.
-void requestPower(Command command);
+void requestPower(PowerAction action);
 
-/// Runs the default main context until no request is without an answer, for a process that would
-/// end before: the login manager forgets whose asker is gone. Main thread only.
+/// Runs the default main context until every request has its reply, for a process that would end
+/// before: the login manager drops a request whose sender has gone. Main thread only.
 void finishPowerRequests();
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

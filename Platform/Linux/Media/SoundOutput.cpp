@@ -8,9 +8,9 @@
 #include <memory>
 #include <optional>
 
-#include "Platform/Linux/AppleScript/Value.h"
+#include "Platform/Linux/Media/MediaError.h"
 
-namespace tapdeck::applescript {
+namespace tapdeck::media {
 namespace {
 
 constexpr std::chrono::seconds kLimit{1};
@@ -129,7 +129,9 @@ void setSoundOutputVolume(const Volume& volume) {
     isDone = server.setVolume(*output, output->volume);
   }
   if (isDone && volume.muted) isDone = server.setMuted(*output, *volume.muted);
-  if (!isDone) throw ScriptError{kEventFailed, "The sound output cannot be changed.", ""};
+  if (!isDone) {
+    throw MediaError(MediaError::Kind::failed, "The sound output cannot be changed.");
+  }
 }
 
-}  // namespace tapdeck::applescript
+}  // namespace tapdeck::media

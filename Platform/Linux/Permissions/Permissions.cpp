@@ -1,11 +1,11 @@
 #include "Platform/Linux/Permissions/Permissions.h"
 
 #include <array>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/Support/FileStamp.h"
 #include "Platform/Linux/Support/KeyFile.h"
 
@@ -31,18 +31,17 @@ Cache& cache() {
   return only;
 }
 
-std::function<void(Permission)>& askHandler() {
+std::function<void(Permission)>& promptHandler() {
   static std::function<void(Permission)> handler;
   return handler;
 }
 
-/// A file that says something unreadable grants nothing: nobody can tell what the user withdrew.
+/// A file that cannot be read grants nothing: it may say what the user has withdrawn.
 Settings read(const std::string& path) {
   Settings settings;
   KeyFile file;
   if (const auto failure = file.load(path)) {
-    std::fprintf(stderr, "tapdeck: nothing is permitted, for %s cannot be read: %s\n", path.c_str(),
-                 failure->c_str());
+    warn("nothing is permitted, for " + path + " cannot be read: " + *failure);
     settings.granted.fill(false);
     return settings;
   }
@@ -85,17 +84,17 @@ void setGranted(Permission permission, bool granted) {
     g_key_file_set_boolean(file.get(), kGroup, keys[i], settings.granted[i]);
   }
   if (const auto failure = file.save(path)) {
-    std::fprintf(stderr, "tapdeck: the permission holds for this run only: %s\n", failure->c_str());
+    warn("the permission holds for this run only: " + *failure);
   }
   cache() = {settings, stampOf(path)};
 }
 
-void ask(Permission permission) {
-  if (askHandler()) askHandler()(permission);
+void promptUser(Permission permission) {
+  if (promptHandler()) promptHandler()(permission);
 }
 
-void setAskHandler(std::function<void(Permission)> handler) {
-  askHandler() = std::move(handler);
+void setPromptHandler(std::function<void(Permission)> handler) {
+  promptHandler() = std::move(handler);
 }
 
 }  // namespace tapdeck::permissions

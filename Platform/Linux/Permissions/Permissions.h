@@ -8,19 +8,20 @@ namespace tapdeck::permissions {
 /// What the user at the computer lets the host do. Main thread only, all of it.
 enum class Permission { control, screenCapture };
 
-/// Read afresh from the user's settings at each call; granted until the user withdraws it.
+/// What the user's settings say at this moment; granted where they say nothing.
 bool isGranted(Permission permission);
 
 /// The user's decision; kept across runs.
 void setGranted(Permission permission, bool granted);
 
-/// Brings the question before the user (the main window's switches) without waiting.
-void ask(Permission permission);
+/// Shows the user the switch of this permission, in the main window, and does not wait for a
+/// decision.
+void promptUser(Permission permission);
 
-/// The file of the user's settings, for who wants to watch it change.
+/// The path of the file of the user's settings, to watch for changes.
 std::string settingsPath();
 
-/// What `ask` does; the main window installs itself here.
-void setAskHandler(std::function<void(Permission)> handler);
+/// What promptUser calls; the main window sets it. Without one, promptUser does nothing.
+void setPromptHandler(std::function<void(Permission)> handler);
 
 }  // namespace tapdeck::permissions

@@ -16,7 +16,8 @@ constexpr uint32_t kWholeColumnWeight = 65535;
 
 AreaScaler::Axis::Axis(int source, int target, uint32_t wholeWeight, int multiple)
     : sourceLength(source), targetLength(target) {
-  // In units of which a source pixel has `target` and a target pixel `source`, all is whole.
+  // In units that make a source pixel `target` long and a target pixel `source`, all edges are
+  // whole numbers.
   const auto firstUnder = [&](int pixel) { return int64_t{pixel} * source / target; };
   const auto endUnder = [&](int pixel) {
     return (int64_t{pixel + 1} * source + target - 1) / target;
@@ -30,7 +31,7 @@ AreaScaler::Axis::Axis(int source, int target, uint32_t wholeWeight, int multipl
   for (int pixel = 0; pixel < target; ++pixel) {
     const int64_t start = int64_t{pixel} * source;
     first.push_back(static_cast<int>(firstUnder(pixel)));
-    // what has been given away so far is what is rounded, so that the weights add up
+    // rounds the sum so far instead of each weight, so that the weights add up to the whole
     uint32_t given = 0;
     for (int64_t under = first.back(); under < endUnder(pixel); ++under) {
       const int64_t covered = std::min((under + 1) * target, start + source) - start;
@@ -73,7 +74,7 @@ void AreaScaler::blendRows(const PixelView& source, int targetRow, int fromColum
   const uint16_t* weights = _rows.weightsOf(targetRow);
   const size_t from = static_cast<size_t>(fromColumn) * 4;
   const size_t count = static_cast<size_t>(toColumn) * 4 - from;
-  // the last taps of the last rows may lie below the picture, where they weigh nothing
+  // the last taps of the last rows may lie below the picture; their weights are 0
   const int taps = std::min(_rows.taps, source.height - _rows.first[targetRow]);
   const uint8_t* rows[kernels::kRowsAtOnce];
   for (int done = 0; done < taps; done += kernels::kRowsAtOnce) {

@@ -8,8 +8,8 @@
 namespace tapdeck::quartz {
 
 /// Scales pictures of one size to another: each target pixel is the mean of the part of the source
-/// that it covers, weighted by area, so that nothing of the source is passed over and small text
-/// stays legible. For shrinking; what it enlarges has hard edges.
+/// that it covers, weighted by area, so that every source pixel counts and small text stays
+/// legible. Meant for scaling down; pictures that are scaled up have hard edges.
 class AreaScaler {
  public:
   struct Size {
@@ -18,7 +18,7 @@ class AreaScaler {
   };
   AreaScaler(Size source, Size target);
 
-  /// The part of the target that a part of the source shows in.
+  /// The part of the target that depends on a part of the source.
   Area reach(const Area& source) const;
   /// Brings one part of the target up to date. It comes out the same, byte for byte, whether it is
   /// scaled by itself or with the whole. The unused byte becomes 255.
@@ -31,7 +31,8 @@ class AreaScaler {
     const uint16_t* weightsOf(int target) const { return weights.data() + size_t(target) * taps; }
 
     int sourceLength, targetLength;
-    /// For each target pixel as many as the one with the most needs; those too many weigh nothing.
+    /// The number of source pixels for each target pixel: the most that any needs; the weights of
+    /// those that one does not need are 0.
     int taps = 0;
     std::vector<int> first;
     std::vector<uint16_t> weights;

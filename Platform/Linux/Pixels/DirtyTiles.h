@@ -8,8 +8,8 @@
 
 namespace tapdeck::quartz {
 
-/// Which parts of a picture are out of date, to the nearest tile, so that there is a bound to how
-/// many there can be, however long it collects.
+/// Which parts of a picture are out of date, kept by tiles, so that its size and the number of
+/// areas are bounded, however much is added.
 class DirtyTiles {
  public:
   DirtyTiles(int width, int height);
@@ -20,7 +20,7 @@ class DirtyTiles {
   void clear();
 
   bool isEmpty() const { return _dirtyCount == 0; }
-  /// 0 to 1.
+  /// The share of dirty tiles, 0 to 1.
   double share() const;
   /// The dirty tiles as few rectangles that do not overlap; they may hold a clean tile between two
   /// dirty ones.

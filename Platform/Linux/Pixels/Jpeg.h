@@ -8,7 +8,8 @@
 
 namespace tapdeck::quartz {
 
-/// Writes JPEG files, colour at half resolution (4:2:0). Keeps its workspace from one to the next.
+/// Writes JPEG files, colour at half resolution (4:2:0). Keeps its memory from one file to the
+/// next.
 class JpegEncoder {
  public:
   JpegEncoder();

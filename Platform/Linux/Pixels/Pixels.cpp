@@ -8,7 +8,7 @@ namespace tapdeck::quartz {
 namespace {
 
 constexpr size_t kCacheLine = 64;
-constexpr size_t kMostBytes = size_t{1} << 30;
+constexpr size_t kMaxBytes = size_t{1} << 30;
 constexpr uint32_t kUnusedByte =
     0xff000000;  // the last in memory: X and this code are for little-endian
 
@@ -33,8 +33,8 @@ size_t alignedBytesPerRow(int width) {
 }
 
 bool fits(size_t width, size_t height, size_t bytesPerRow) {
-  return width > 0 && height > 0 && width <= kMostBytes / 4 && bytesPerRow >= width * 4 &&
-         bytesPerRow <= kMostBytes && height <= kMostBytes / bytesPerRow;
+  return width > 0 && height > 0 && width <= kMaxBytes / 4 && bytesPerRow >= width * 4 &&
+         bytesPerRow <= kMaxBytes && height <= kMaxBytes / bytesPerRow;
 }
 
 PixelBuffer allocatePixels(int width, int height, size_t bytesPerRow) {

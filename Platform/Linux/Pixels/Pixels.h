@@ -12,10 +12,10 @@ struct Area {
   friend bool operator==(const Area&, const Area&) = default;
 };
 
-/// What both have in common; no width or no height when that is nothing.
+/// The area that lies in both; without width or height when there is none.
 Area intersection(const Area& a, const Area& b);
 
-/// Somebody else's pixels: four bytes each, in memory order blue, green, red, unused.
+/// Pixels that somebody else owns: four bytes each, in memory order blue, green, red, unused.
 struct PixelView {
   const uint8_t* bytes;
   int width, height;
@@ -26,7 +26,7 @@ struct PixelView {
   }
 };
 
-/// Pixels in memory that its copies share; null without memory.
+/// Pixels in memory, which the copies of this object share; converts to false when it has none.
 struct PixelBuffer {
   std::shared_ptr<uint8_t> memory;
   int width = 0, height = 0;
@@ -42,11 +42,11 @@ struct PixelBuffer {
   }
 };
 
-/// The row length that the rest of the process likes best: a whole number of cache lines.
+/// The length of a row, rounded up to whole cache lines.
 size_t alignedBytesPerRow(int width);
 
-/// Memory at a 64-byte boundary, not initialised; null when there is none. The shape is one that
-/// `fits`.
+/// Memory at a 64-byte boundary, not initialised; without memory when none is left. For shapes that
+/// pass `fits` only.
 PixelBuffer allocatePixels(int width, int height, size_t bytesPerRow);
 
 /// Whether rows of this length hold the width, and all of them are no more than 1 GiB.

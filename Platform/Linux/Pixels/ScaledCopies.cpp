@@ -6,7 +6,7 @@
 namespace tapdeck::quartz {
 namespace {
 
-// Two phones may ask for two widths.
+// Two phones may have screens of two widths.
 constexpr size_t kMaxCopies = 2;
 
 uint64_t nextVersion() {
@@ -33,14 +33,14 @@ PixelBuffer ScaledCopies::Copy::upToDate(const PixelView& picture) {
   return pixels;
 }
 
-/// Somebody still looks at the pixels as they were.
+/// Replaces pixels that are not there yet, or that somebody else still reads, by a copy to draw on.
 bool ScaledCopies::Copy::makeOwn() {
   PixelBuffer own = allocatePixels(shape.width, shape.height, shape.bytesPerRow);
   if (!own) return false;
   if (pixels && dirty.share() < 1) {
     std::memcpy(own.memory.get(), pixels.memory.get(), shape.bytesPerRow * shape.height);
   } else {
-    // the padding is compared and copied along by who treats rows as plain bytes
+    // the host compares and copies whole rows, the padding included
     for (int y = 0; y < shape.height; ++y) {
       const size_t used = size_t{4} * shape.width;
       std::memset(own.at(0, y) + used, 0, shape.bytesPerRow - used);
@@ -65,7 +65,7 @@ PixelBuffer ScaledCopies::in(const Shape& shape, const PixelView& picture) {
     if (_copies.size() == kMaxCopies) _copies.pop_back();
     found = _copies.emplace(_copies.end(), shape, picture);
   }
-  // the one that was used last stands first, the next to go last
+  // the most recently used comes first, so that the one to drop is the last
   std::rotate(_copies.begin(), found, found + 1);
   return _copies.front().upToDate(picture);
 }

@@ -10,8 +10,7 @@
 
 namespace tapdeck::quartz {
 
-/// The last results of drawing one picture at other sizes, so that what did not change is neither
-/// scaled nor copied again.
+/// A cache of one picture drawn at other sizes: only the parts that have changed are drawn again.
 class ScaledCopies {
  public:
   struct Shape {
@@ -20,11 +19,12 @@ class ScaledCopies {
     friend bool operator==(const Shape&, const Shape&) = default;
   };
 
-  /// `picture` in another shape, the unused byte 255; who is given it only reads it, and
-  /// can tell by its version whether it has changed since. Null when there is no memory.
+  /// `picture` in another shape, the unused byte 255. For reading only; it stays as it is for as
+  /// long as the caller keeps it, and its version tells whether it has changed since. Converts to
+  /// false when no memory is left.
   PixelBuffer in(const Shape& shape, const PixelView& picture);
 
-  /// Parts of the picture are about to be different.
+  /// To call when parts of the picture have changed, before the next `in`.
   void markDirty(std::span<const Area> parts);
   void markAllDirty();
 
@@ -37,7 +37,7 @@ class ScaledCopies {
 
     Shape shape;
     PixelBuffer pixels;
-    /// What of the picture came after `pixels`.
+    /// The parts of the picture that have changed since they were drawn.
     DirtyTiles dirty;
     /// Absent where the size stays the same.
     std::optional<AreaScaler> scaler;

@@ -1,7 +1,7 @@
 #include <ApplicationServices/ApplicationServices.h>
 
 #include "Platform/Linux/CoreFoundation/Object.h"
-#include "Platform/Linux/X11/ManagedWindow.h"
+#include "Platform/Linux/X11/ClientWindow.h"
 #include "Platform/Linux/X11/PointSpace.h"
 #include "Platform/Linux/X11/Session/ServerSession.h"
 #include "Platform/Linux/X11/WindowManager.h"

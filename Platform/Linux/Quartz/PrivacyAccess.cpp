@@ -16,7 +16,7 @@ bool isPermitted(Permission permission) {
          tapdeck::permissions::isGranted(permission);
 }
 
-bool asksUser(CFDictionaryRef options) {
+bool wantsPrompt(CFDictionaryRef options) {
   return options != nullptr &&
          CFDictionaryGetValue(options, kAXTrustedCheckOptionPrompt) == kCFBooleanTrue;
 }
@@ -29,7 +29,7 @@ Boolean AXIsProcessTrusted() {
 
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
   const bool trusted = isPermitted(Permission::control);
-  if (!trusted && asksUser(options)) tapdeck::permissions::ask(Permission::control);
+  if (!trusted && wantsPrompt(options)) tapdeck::permissions::promptUser(Permission::control);
   return static_cast<Boolean>(trusted);
 }
 
@@ -39,6 +39,6 @@ bool CGPreflightScreenCaptureAccess() {
 
 bool CGRequestScreenCaptureAccess() {
   const bool permitted = isPermitted(Permission::screenCapture);
-  if (!permitted) tapdeck::permissions::ask(Permission::screenCapture);
+  if (!permitted) tapdeck::permissions::promptUser(Permission::screenCapture);
   return permitted;
 }

@@ -7,7 +7,8 @@
 
 namespace tapdeck {
 
-/// What tells one state of a file or folder from the next without reading it.
+/// Identifies the state of a file or folder without reading it: another stamp means that it has
+/// changed or was replaced.
 struct FileStamp {
   dev_t device = 0;
   ino_t inode = 0;

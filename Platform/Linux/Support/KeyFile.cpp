@@ -3,13 +3,9 @@
 namespace tapdeck {
 namespace {
 
-using Text = std::unique_ptr<char, decltype(&g_free)>;
-
 std::optional<std::string> takeMessage(GError* error) {
-  if (error == nullptr) return std::nullopt;
-  std::string message = error->message;
-  g_error_free(error);
-  return message;
+  const glib::Error owned(error);
+  return owned != nullptr ? std::optional<std::string>(owned->message) : std::nullopt;
 }
 
 }  // namespace
@@ -21,10 +17,10 @@ std::optional<std::string> KeyFile::load(const std::string& path) const {
 }
 
 std::optional<std::string> KeyFile::save(const std::string& path) const {
-  const Text folder(g_path_get_dirname(path.c_str()), g_free);
+  const glib::Text folder(g_path_get_dirname(path.c_str()));
   g_mkdir_with_parents(folder.get(), 0700);
   gsize length = 0;
-  const Text text(g_key_file_to_data(get(), &length, nullptr), g_free);
+  const glib::Text text(g_key_file_to_data(get(), &length, nullptr));
   GError* error = nullptr;
   g_file_set_contents_full(path.c_str(), text.get(), static_cast<gssize>(length),
                            G_FILE_SET_CONTENTS_CONSISTENT, 0600, &error);

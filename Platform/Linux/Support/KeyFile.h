@@ -1,10 +1,9 @@
 #pragma once
 
-#include <glib.h>
-
-#include <memory>
 #include <optional>
 #include <string>
+
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck {
 
@@ -14,22 +13,19 @@ class KeyFile {
  public:
   KeyFile() : _file(g_key_file_new()) {}
 
-  /// What the file holds takes the place of what was here; on failure the reason, for people.
+  /// Replaces the contents by those of the file. Returns the reason, for people, when that fails.
   std::optional<std::string> load(const std::string& path) const;
 
-  /// Writes beside the file and renames, so that a reader meets the old state or the new one whole,
-  /// readable by its owner only; creates missing folders. On failure the reason, for people, and
-  /// the old file stands.
+  /// Writes a file for its owner only, and creates missing folders. The file is replaced atomically
+  /// (by a rename), so that a reader sees the old contents or the new. Returns the reason, for
+  /// people, when that fails, and then the old file stays.
   std::optional<std::string> save(const std::string& path) const;
 
   /// Owned by this object.
   GKeyFile* get() const { return _file.get(); }
 
  private:
-  struct Deleter {
-    void operator()(GKeyFile* file) const { g_key_file_unref(file); }
-  };
-  std::unique_ptr<GKeyFile, Deleter> _file;
+  glib::KeyFile _file;
 };
 
 }  // namespace tapdeck

@@ -86,7 +86,7 @@ void Connection::finish() const {
 }
 
 xcb_atom_t Connection::atom(const std::string& name) {
-  if (const auto known = _atoms.find(name); known != _atoms.end()) return known->second;
+  if (const auto found = _atoms.find(name); found != _atoms.end()) return found->second;
   const auto reply =
       wait(xcb_intern_atom(get(), 0, static_cast<uint16_t>(name.size()), name.data()),
            xcb_intern_atom_reply);
@@ -96,7 +96,7 @@ xcb_atom_t Connection::atom(const std::string& name) {
 
 const std::string& Connection::atomName(xcb_atom_t atom) {
   static const std::string none;
-  if (const auto known = _atomNames.find(atom); known != _atomNames.end()) return known->second;
+  if (const auto found = _atomNames.find(atom); found != _atomNames.end()) return found->second;
   const auto reply = wait(xcb_get_atom_name(get(), atom), xcb_get_atom_name_reply);
   if (reply == nullptr) return none;
   const auto length = static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()));
@@ -105,9 +105,9 @@ const std::string& Connection::atomName(xcb_atom_t atom) {
 
 std::vector<uint8_t> Connection::property(xcb_window_t window, xcb_atom_t name,
                                           xcb_atom_t type) const {
-  const uint32_t longestInWords = 64 * 1024;
-  const auto reply = wait(xcb_get_property(get(), 0, window, name, type, 0, longestInWords),
-                          xcb_get_property_reply);
+  constexpr uint32_t kMaxWords = 64 * 1024;  // of four bytes
+  const auto reply =
+      wait(xcb_get_property(get(), 0, window, name, type, 0, kMaxWords), xcb_get_property_reply);
   if (reply == nullptr || reply->type != type) return {};
   const auto* bytes = static_cast<const uint8_t*>(xcb_get_property_value(reply.get()));
   return {bytes, bytes + xcb_get_property_value_length(reply.get())};

@@ -11,15 +11,21 @@
 
 namespace tapdeck::quartz {
 
-/// Replies and events of the X server come from malloc.
-struct Freed {
+struct Free {
   void operator()(void* memory) const { std::free(memory); }
 };
+/// The owner of a reply, an event or an error of the X server; they come from malloc.
 template <typename Packet>
-using Received = std::unique_ptr<Packet, Freed>;
+using Received = std::unique_ptr<Packet, Free>;
+
+struct Disconnect {
+  void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+};
+/// The owner of what xcb_connect gives.
+using OpenConnection = std::unique_ptr<xcb_connection_t, Disconnect>;
 
 /// One connection to the X server of $DISPLAY. Requests on a connection that has broken are
-/// dropped and their replies are null, so that nothing here needs to ask first whether it lives.
+/// dropped and their replies are null, so that nothing needs to check isAlive() first.
 class Connection {
  public:
   /// Checks XTEST, XFIXES and RANDR 1.5 too. Throws WindowServerError.
@@ -35,11 +41,11 @@ class Connection {
   int screenNumber() const { return _screenNumber; }
   bool isAlive() const { return xcb_connection_has_error(get()) == 0; }
 
-  /// Sends what is buffered, and forgets the events and errors that have come in: a connection
-  /// that reads its events calls xcb_flush instead.
+  /// Sends what is buffered, and drops the events and errors that have come in. Whoever reads the
+  /// connection's events calls xcb_flush instead.
   void flush() const;
-  /// Waits until the server has carried out all that was sent: it drops what it has not read when
-  /// the connection ends.
+  /// Waits, for one round trip, until the server has carried out all that was sent. To call before
+  /// the connection ends, when the server drops what it has not read.
   void finish() const;
 
   /// Waits for the reply of `request`; null when the server refused it or is gone.
@@ -60,13 +66,10 @@ class Connection {
   std::vector<uint8_t> property(xcb_window_t window, xcb_atom_t name, xcb_atom_t type) const;
 
  private:
-  struct Disconnect {
-    void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-  };
   void requireExtensions() const;
 
   int _screenNumber = 0;
-  std::unique_ptr<xcb_connection_t, Disconnect> _connection;
+  OpenConnection _connection;
   const xcb_screen_t* _screen = nullptr;
   // neither changes while the server runs
   std::unordered_map<std::string, xcb_atom_t> _atoms;

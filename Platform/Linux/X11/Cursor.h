@@ -4,8 +4,8 @@
 
 namespace tapdeck::quartz {
 
-/// The cursor's visibility on the whole X screen. The server counts hides too, but answers one show
-/// too many with an error; here it does no harm.
+/// The cursor's visibility on the whole X screen (XFIXES). Hides are counted: as many shows bring
+/// the cursor back, and one too many is ignored, which the server itself would take for an error.
 class Cursor {
  public:
   explicit Cursor(Connection& connection) : _connection(connection) {}

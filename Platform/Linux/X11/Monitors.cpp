@@ -22,8 +22,8 @@ std::vector<Monitor> queryMonitors(Connection& connection) {
   }
   if (!found.empty()) {
     const auto first = found.begin();
-    const auto place = first + static_cast<std::ptrdiff_t>(primary);
-    std::rotate(first, place, place + 1);
+    const auto primaryMonitor = first + static_cast<std::ptrdiff_t>(primary);
+    std::rotate(first, primaryMonitor, primaryMonitor + 1);
   }
   return found;
 }

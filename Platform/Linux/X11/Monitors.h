@@ -18,8 +18,8 @@ struct Monitor {
   friend bool operator==(const Monitor&, const Monitor&) = default;
 };
 
-/// Asks the server for its monitors (RRGetMonitors): the primary one first, then in the server's
-/// order. Empty when there is none or the server is gone.
+/// Queries the server's monitors (RRGetMonitors), in one round trip: the primary one first, then in
+/// the server's order. Empty when there is none or the server is gone.
 std::vector<Monitor> queryMonitors(Connection& connection);
 
 }  // namespace tapdeck::quartz

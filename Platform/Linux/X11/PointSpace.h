@@ -15,8 +15,9 @@ struct Pixel {
   int16_t x, y;
 };
 
-/// How global display coordinates (points, origin at the primary monitor's top-left corner) lie on
-/// the root window (pixels, origin at its own top-left corner) at one moment.
+/// Converts between global display coordinates (points, origin at the primary monitor's top-left
+/// corner) and the root window's (pixels, origin at its own top-left corner), as they are at one
+/// moment.
 class PointSpace {
  public:
   PointSpace(const std::vector<Monitor>& monitors, double pixelsPerPoint);

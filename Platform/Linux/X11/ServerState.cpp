@@ -10,11 +10,11 @@
 namespace tapdeck::quartz {
 namespace {
 
-// One rearrangement takes the server and its clients several steps; who is told of the first of
-// them sees a desktop that never was meant.
+// One rearrangement takes the server and its clients several steps, and what they are at after the
+// first of them is nothing to report.
 constexpr guint kQuietMilliseconds = 40;
 
-// the top bit of an event's type says that a client sent it
+// the top bit of an event's type marks what a client has sent
 constexpr uint8_t kEventTypeMask = 0x7f;
 
 }  // namespace
@@ -31,8 +31,9 @@ ServerState::~ServerState() {
 }
 
 void ServerState::selectEvents() {
-  // A monitor set or deleted by name shows only as a configure event of the root window; a new
-  // owner of the settings announces itself there too. MappingNotify comes without being selected.
+  // A monitor set or deleted by name causes no RandR event, only a ConfigureNotify of the root
+  // window; a new owner of the settings sends its announcement there too. MappingNotify comes
+  // without being selected.
   const uint32_t rootEvents = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
   xcb_change_window_attributes(_connection.get(), _connection.root(), XCB_CW_EVENT_MASK,
                                &rootEvents);
@@ -46,7 +47,7 @@ const std::vector<Monitor>& ServerState::monitors() {
   readEvents();
   if (!_monitors) {
     _monitors = queryMonitors(_connection);
-    compareLater();
+    scheduleComparison();
   }
   return *_monitors;
 }
@@ -73,7 +74,7 @@ const IntegerSettings& ServerState::settings() {
     xcb_change_window_attributes(_connection.get(), owner, XCB_CW_EVENT_MASK, &events);
   }
   _settings = querySettings(_connection, owner);
-  compareLater();
+  scheduleComparison();
   return *_settings;
 }
 
@@ -98,14 +99,14 @@ std::optional<uint8_t> ServerState::physicalButton(uint8_t button) {
 }
 
 void ServerState::observe(std::function<void()> changed) {
-  _lastTold = displays();
+  _lastReported = displays();
   _observers.push_back(std::move(changed));
 }
 
 void ServerState::readEvents() {
   while (const auto event = Received<xcb_generic_event_t>(xcb_poll_for_event(_connection.get()))) {
     note(*event);
-    compareLater();
+    scheduleComparison();
   }
   if (!_connection.isAlive()) {
     _monitors.emplace();
@@ -126,14 +127,14 @@ void ServerState::note(const xcb_generic_event_t& event) {
 
 // An event that came in together with a reply is queued and makes nothing readable, so this is
 // called after each query too.
-void ServerState::compareLater() {
+void ServerState::scheduleComparison() {
   if (_quietSource == 0) _quietSource = g_timeout_add(kQuietMilliseconds, &onQuiet, this);
 }
 
 void ServerState::compare() {
   Displays now = displays();
-  if (!_connection.isAlive() || now == _lastTold) return;
-  _lastTold = std::move(now);
+  if (!_connection.isAlive() || now == _lastReported) return;
+  _lastReported = std::move(now);
   const auto observers = _observers;
   for (const auto& changed : observers) changed();
 }

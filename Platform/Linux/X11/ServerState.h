@@ -14,10 +14,10 @@
 
 namespace tapdeck::quartz {
 
-/// What the X server tells by events when it changes: the monitors, the desktop's settings, the
-/// order of the pointer's buttons. Each is asked for once and again after an event about it, so
-/// that reading it costs no round trip. It has a connection of its own, because another part's
-/// round trip would swallow the events. Main thread; default GLib main context.
+/// A cache of what the X server sends an event about when it changes: the monitors, the desktop's
+/// settings, the order of the pointer's buttons. Each is queried once, and again after an event
+/// about it, so that reading it costs no round trip. It has a connection of its own, because
+/// Connection::flush drops events. Main thread; default GLib main context.
 class ServerState {
  public:
   /// Throws WindowServerError.
@@ -28,13 +28,13 @@ class ServerState {
 
   /// The primary one first. Empty when there is none or the server is gone.
   const std::vector<Monitor>& monitors();
-  /// The same for the whole X screen: the desktop's window scaling factor.
+  /// The desktop's window scaling factor, which holds for the whole X screen.
   double pixelsPerPoint();
   PointSpace pointSpace() { return {monitors(), pixelsPerPoint()}; }
   /// A whole-number setting of the desktop (XSETTINGS); absent when it has none of this name.
   std::optional<int32_t> setting(std::string_view name);
-  /// The button to press so that applications see this one: XTEST presses physical buttons, which
-  /// the user may have swapped (SetPointerMapping). Absent when no physical button gives it.
+  /// The physical button that gives this logical one: XTEST presses physical buttons, which the
+  /// user may have swapped (SetPointerMapping). Absent when there is none.
   std::optional<uint8_t> physicalButton(uint8_t button);
 
   /// Calls `changed` after the monitors or the scale changed, once per rearrangement, from the
@@ -54,19 +54,19 @@ class ServerState {
   const IntegerSettings& settings();
   const std::vector<uint8_t>& buttonMapping();
   Displays displays() { return {monitors(), pixelsPerPoint()}; }
-  void compareLater();
+  void scheduleComparison();
   void compare();
   static gboolean onReadable(int descriptor, GIOCondition condition, gpointer self) noexcept;
   static gboolean onQuiet(gpointer self) noexcept;
 
   Connection _connection;
-  /// Absent until asked for, and after an event about it.
+  /// Absent until it is queried, and after an event about it.
   std::optional<std::vector<Monitor>> _monitors;
   std::optional<IntegerSettings> _settings;
-  /// What each physical button gives, from the first one.
+  /// The logical button that each physical one gives, from the first one.
   std::optional<std::vector<uint8_t>> _buttonMapping;
   std::vector<std::function<void()>> _observers;
-  Displays _lastTold{};
+  Displays _lastReported{};
   guint _readableSource = 0;
   guint _quietSource = 0;
 };

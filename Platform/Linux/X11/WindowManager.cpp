@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "Platform/Linux/X11/ClientMessage.h"
+
 namespace tapdeck::quartz {
 
 std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
@@ -13,8 +15,8 @@ std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, con
   return values;
 }
 
-bool holdsAny(Connection& connection, xcb_window_t window, const char* property,
-              std::initializer_list<const char*> names) {
+bool hasAnyAtom(Connection& connection, xcb_window_t window, const char* property,
+                std::initializer_list<const char*> names) {
   const auto atoms = numbersOf(connection, window, property, XCB_ATOM_ATOM);
   return std::any_of(names.begin(), names.end(), [&](const char* name) {
     return std::find(atoms.begin(), atoms.end(), connection.atom(name)) != atoms.end();
@@ -39,17 +41,10 @@ int32_t processOf(Connection& connection, xcb_window_t window) {
   return process.empty() ? -1 : static_cast<int32_t>(process.front());
 }
 
-void ask(Connection& connection, xcb_window_t window, const char* wish,
-         const std::array<uint32_t, 5>& details) {
-  xcb_client_message_event_t message{};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
-  message.window = window;
-  message.type = connection.atom(wish);
-  std::copy(details.begin(), details.end(), message.data.data32);
-  xcb_send_event(connection.get(), 0, connection.root(),
-                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
+void sendToWindowManager(Connection& connection, xcb_window_t window, const char* request,
+                         const std::array<uint32_t, 5>& data) {
+  sendClientMessage(connection, window, connection.atom(request), data, connection.root(),
+                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
   connection.flush();
 }
 

@@ -9,32 +9,34 @@
 
 namespace tapdeck::quartz {
 
-// What a client may read of and ask from the window manager (EWMH). Main thread only.
+// What the window manager tells every client, and the messages that it takes (EWMH). Main thread
+// only.
 
 /// A property of whole numbers; empty when it is missing or of another type.
 std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
                                 xcb_atom_t type);
 
-/// Whether one of these names is among a property's atoms.
-bool holdsAny(Connection& connection, xcb_window_t window, const char* property,
-              std::initializer_list<const char*> names);
+/// Whether a property of atoms has one of these.
+bool hasAnyAtom(Connection& connection, xcb_window_t window, const char* property,
+                std::initializer_list<const char*> names);
 
-/// The windows that the window manager looks after, the lowest first where it says; empty when
-/// there is no window manager.
+/// The windows that the window manager manages, from the bottom of the stack to its top where it
+/// tells the order; empty when there is no window manager.
 std::vector<xcb_window_t> managedClients(Connection& connection);
 
 /// The window that has the focus; XCB_WINDOW_NONE when none has it.
 xcb_window_t activeWindow(Connection& connection);
 
-/// The process that the window says it belongs to; -1 when it says nothing.
+/// The process that the window belongs to, as its application says (_NET_WM_PID); -1 when it does
+/// not say.
 int32_t processOf(Connection& connection, xcb_window_t window);
 
-/// Sends the window manager a wish about a window. Taken for the user's own where the wish says
-/// that it comes from a pager.
-void ask(Connection& connection, xcb_window_t window, const char* wish,
-         const std::array<uint32_t, 5>& details);
+/// Sends the window manager a request about a window, such as "_NET_WM_STATE", with its data.
+void sendToWindowManager(Connection& connection, xcb_window_t window, const char* request,
+                         const std::array<uint32_t, 5>& data);
 
-/// The source indication of a pager.
+/// The source indication of a pager, for the data of a request: window managers carry it out as if
+/// the user had made it.
 inline constexpr uint32_t kFromPager = 2;
 
 }  // namespace tapdeck::quartz

@@ -8,44 +8,50 @@
 namespace tapdeck::quartz {
 namespace {
 
-constexpr size_t kStrutLength = 12;
-constexpr size_t kOldStrutLength = 4;
-constexpr int kFarthest = 0x7fff;
+constexpr size_t kPartialStrutLength = 12;
+constexpr size_t kStrutLength = 4;
+/// The largest coordinate that the protocol has.
+constexpr int kMaxCoordinate = 0x7fff;
 
 Edges areaOf(const Monitor& monitor) {
   return {monitor.x, monitor.y, monitor.x + monitor.width, monitor.y + monitor.height};
 }
 
-/// Whether a strut that runs from `start` to `end` lies beside the span from `low` to `high`.
-bool meets(int start, int end, int low, int high) {
+/// Whether a strut from `start` to `end`, both inside, runs along any part of the span from `low`
+/// to `high`, `high` outside.
+bool overlaps(int start, int end, int low, int high) {
   return start < high && end >= low;
 }
 
-/// A strut's inner edge counts for the monitor that it lies on, not for those that it passes by.
-bool isWithin(int edge, int low, int high) {
+bool isBetween(int edge, int low, int high) {
   return edge > low && edge < high;
 }
 
-void apply(const Strut& strut, const Edges& whole, int width, int height, Edges& left) {
-  const auto horizontally = [&](int start, int end, int edge) {
-    return meets(start, end, whole.top, whole.bottom) && isWithin(edge, whole.left, whole.right);
+/// Moves the edges of `area` inwards to leave out the strut. A strut counts only for the monitor
+/// that its inner edge lies on: one that is kept along the edge of the root window for a panel on
+/// a further monitor runs over those in between.
+void subtract(const Strut& strut, const Edges& monitor, const RootSize& root, Edges& area) {
+  const auto cutsColumns = [&](int start, int end, int edge) {
+    return overlaps(start, end, monitor.top, monitor.bottom) &&
+           isBetween(edge, monitor.left, monitor.right);
   };
-  const auto vertically = [&](int start, int end, int edge) {
-    return meets(start, end, whole.left, whole.right) && isWithin(edge, whole.top, whole.bottom);
+  const auto cutsRows = [&](int start, int end, int edge) {
+    return overlaps(start, end, monitor.left, monitor.right) &&
+           isBetween(edge, monitor.top, monitor.bottom);
   };
-  const int right = width - strut.right;
-  const int bottom = height - strut.bottom;
-  if (horizontally(strut.leftStartY, strut.leftEndY, strut.left)) {
-    left.left = std::max(left.left, strut.left);
+  const int rightEdge = root.width - strut.right;
+  const int bottomEdge = root.height - strut.bottom;
+  if (cutsColumns(strut.leftStartY, strut.leftEndY, strut.left)) {
+    area.left = std::max(area.left, strut.left);
   }
-  if (horizontally(strut.rightStartY, strut.rightEndY, right)) {
-    left.right = std::min(left.right, right);
+  if (cutsColumns(strut.rightStartY, strut.rightEndY, rightEdge)) {
+    area.right = std::min(area.right, rightEdge);
   }
-  if (vertically(strut.topStartX, strut.topEndX, strut.top)) {
-    left.top = std::max(left.top, strut.top);
+  if (cutsRows(strut.topStartX, strut.topEndX, strut.top)) {
+    area.top = std::max(area.top, strut.top);
   }
-  if (vertically(strut.bottomStartX, strut.bottomEndX, bottom)) {
-    left.bottom = std::min(left.bottom, bottom);
+  if (cutsRows(strut.bottomStartX, strut.bottomEndX, bottomEdge)) {
+    area.bottom = std::min(area.bottom, bottomEdge);
   }
 }
 
@@ -53,11 +59,12 @@ std::vector<Strut> currentStruts(Connection& connection) {
   std::vector<Strut> struts;
   for (const xcb_window_t window : managedClients(connection)) {
     auto numbers = numbersOf(connection, window, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL);
-    if (numbers.size() < kStrutLength) {
+    if (numbers.size() < kPartialStrutLength) {
+      // the older property, whose struts run along the whole edge
       numbers = numbersOf(connection, window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL);
-      if (numbers.size() < kOldStrutLength) continue;
-      numbers.resize(kOldStrutLength);
-      for (int edge = 0; edge < 4; ++edge) numbers.insert(numbers.end(), {0, kFarthest});
+      if (numbers.size() < kStrutLength) continue;
+      numbers.resize(kStrutLength);
+      for (int edge = 0; edge < 4; ++edge) numbers.insert(numbers.end(), {0, kMaxCoordinate});
     }
     Strut strut{};
     std::memcpy(&strut, numbers.data(), sizeof strut);
@@ -66,9 +73,9 @@ std::vector<Strut> currentStruts(Connection& connection) {
   return struts;
 }
 
-/// EWMH's work area is one rectangle for all monitors, so it says something only where there is
-/// one: margins, and panels that have no strut.
-void applyDesktopWorkArea(Connection& connection, Edges& area) {
+/// Leaves out what EWMH's _NET_WORKAREA does: margins, and panels without a strut. It is one
+/// rectangle for all monitors together, so that it is of use only where there is one monitor.
+void intersectWithDesktopWorkArea(Connection& connection, Edges& area) {
   const auto numbers = numbersOf(connection, connection.root(), "_NET_WORKAREA", XCB_ATOM_CARDINAL);
   if (numbers.size() < 4) return;
   const auto at = [&](size_t index) { return static_cast<int>(numbers[index]); };
@@ -80,20 +87,19 @@ void applyDesktopWorkArea(Connection& connection, Edges& area) {
 
 }  // namespace
 
-Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
-                    int height) {
+Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, RootSize root) {
   const Edges whole = areaOf(monitor);
-  Edges left = whole;
-  for (const Strut& strut : struts) apply(strut, whole, width, height, left);
-  return left;
+  Edges area = whole;
+  for (const Strut& strut : struts) subtract(strut, whole, root, area);
+  return area;
 }
 
 Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor) {
   const auto root = connection.wait(xcb_get_geometry(connection.get(), connection.root()),
                                     xcb_get_geometry_reply);
   if (root == nullptr) return areaOf(monitor);
-  Edges area = withoutStruts(monitor, currentStruts(connection), root->width, root->height);
-  if (isOnlyMonitor) applyDesktopWorkArea(connection, area);
+  Edges area = withoutStruts(monitor, currentStruts(connection), {root->width, root->height});
+  if (isOnlyMonitor) intersectWithDesktopWorkArea(connection, area);
   const bool isEmpty = area.left >= area.right || area.top >= area.bottom;
   return isEmpty ? areaOf(monitor) : area;
 }

@@ -8,25 +8,32 @@
 
 namespace tapdeck::quartz {
 
-/// Pixels of the root window; right and bottom edges outside.
+/// A rectangle by its edges, in pixels of the root window; the right and bottom edges are the first
+/// ones outside.
 struct Edges {
   int left, top, right, bottom;
   friend bool operator==(const Edges&, const Edges&) = default;
 };
 
-/// What a panel keeps for itself along the edges of the root window, in the order of EWMH's
-/// _NET_WM_STRUT_PARTIAL.
+/// The space that a panel reserves along the edges of the root window, in pixels and in the order
+/// of EWMH's _NET_WM_STRUT_PARTIAL: how deep along each edge, then from where to where along it,
+/// both ends inside.
 struct Strut {
   int left, right, top, bottom;
   int leftStartY, leftEndY, rightStartY, rightEndY;
   int topStartX, topEndX, bottomStartX, bottomEndX;
 };
 
-/// What the struts leave of the monitor's area. `width` and `height` are the root window's.
-Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
-                    int height);
+/// In pixels.
+struct RootSize {
+  int width, height;
+};
 
-/// The part of the monitor that panels and the window manager leave free now. Main thread only.
+/// What is left of the monitor's area without the struts.
+Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, RootSize root);
+
+/// The part of the monitor that panels and the window manager leave to windows now; the whole
+/// monitor when nothing would be left. Main thread only.
 Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor);
 
 }  // namespace tapdeck::quartz

@@ -1,57 +1,25 @@
 #include "Platform/Linux/X11/XSettings.h"
 
+#include <bit>
 #include <string_view>
+
+#include "Platform/Linux/Support/ByteReader.h"
 
 namespace tapdeck::quartz {
 namespace {
 
 enum class Kind : uint8_t { integer = 0, text = 1, color = 2 };
 
-/// Reads the property of the XSETTINGS protocol. Any read past its end makes it bad for good, and
-/// every read of a bad one gives 0.
-class SettingsReader {
- public:
-  explicit SettingsReader(const std::vector<uint8_t>& bytes) : _bytes(bytes) {
-    const uint8_t mostSignificantFirst = 1;
-    _bigEndian = u8() == mostSignificantFirst;
-    skip(3 + 4);
-  }
+std::endian byteOrderOf(uint8_t header) {
+  return header == XCB_IMAGE_ORDER_MSB_FIRST ? std::endian::big : std::endian::little;
+}
 
-  bool isGood() const { return _good; }
-  uint8_t u8() { return static_cast<uint8_t>(number(1)); }
-  uint16_t u16() { return static_cast<uint16_t>(number(2)); }
-  uint32_t u32() { return number(4); }
-  void skip(size_t count) { take(count); }
-  /// Text is padded to a multiple of four bytes.
-  std::string_view text(size_t length) {
-    const size_t start = take(length);
-    skip((4 - length % 4) % 4);
-    if (!_good) return {};
-    return {reinterpret_cast<const char*>(_bytes.data()) + start, length};
-  }
-
- private:
-  size_t take(size_t count) {
-    const size_t start = _at;
-    _good = _good && count <= _bytes.size() - _at;
-    if (_good) _at += count;
-    return start;
-  }
-  uint32_t number(size_t size) {
-    const size_t start = take(size);
-    if (!_good) return 0;
-    uint32_t value = 0;
-    for (size_t i = 0; i < size; ++i) {
-      value = value << 8 | _bytes[start + (_bigEndian ? i : size - 1 - i)];
-    }
-    return value;
-  }
-
-  const std::vector<uint8_t>& _bytes;
-  size_t _at = 0;
-  bool _good = true;
-  bool _bigEndian = false;
-};
+/// Text is padded to a multiple of four bytes; so is all that comes before it.
+std::string_view readText(ByteReader& reader, size_t length) {
+  const auto bytes = reader.bytes(length);
+  reader.align(4);
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
 
 }  // namespace
 
@@ -72,12 +40,14 @@ IntegerSettings querySettings(Connection& connection, xcb_window_t owner) {
 
 IntegerSettings parseSettings(const std::vector<uint8_t>& bytes) {
   IntegerSettings settings;
-  SettingsReader reader(bytes);
+  ByteReader reader(bytes);
+  reader.setOrder(byteOrderOf(reader.u8()));
+  reader.skip(3 + 4);  // padding, and how often the settings have changed
   for (uint32_t left = reader.u32(); left > 0 && reader.isGood(); --left) {
     const auto kind = static_cast<Kind>(reader.u8());
     reader.skip(1);
-    const std::string_view name = reader.text(reader.u16());
-    reader.skip(4);
+    const std::string_view name = readText(reader, reader.u16());
+    reader.skip(4);  // when this setting changed last
     switch (kind) {
       case Kind::integer: {
         const auto value = static_cast<int32_t>(reader.u32());
@@ -85,7 +55,7 @@ IntegerSettings parseSettings(const std::vector<uint8_t>& bytes) {
         break;
       }
       case Kind::text:
-        reader.text(reader.u32());
+        readText(reader, reader.u32());
         break;
       case Kind::color:
         reader.skip(8);

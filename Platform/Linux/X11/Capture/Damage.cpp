@@ -30,7 +30,8 @@ Damage::Damage(Connection& connection) : _connection(connection) {
   if (!hasDamage(connection)) return;
   _damage = xcb_generate_id(connection.get());
   _region = xcb_generate_id(connection.get());
-  // The region is fetched; the events are not for us, and of this kind there comes one a fetch.
+  // The region is fetched and the events are dropped; at this level the server sends the fewest,
+  // one for each fetch.
   xcb_damage_create(connection.get(), _damage, connection.root(),
                     XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
   xcb_xfixes_create_region(connection.get(), _region, 0, nullptr);
@@ -46,7 +47,7 @@ Damage::~Damage() {
 std::optional<std::vector<Area>> Damage::take() {
   if (_damage == XCB_NONE) return std::nullopt;
   xcb_connection_t* server = _connection.get();
-  // one trip for all three
+  // one round trip for all three
   xcb_damage_subtract(server, _damage, XCB_NONE, _region);
   const auto regionRequest = xcb_xfixes_fetch_region(server, _region);
   const auto rootRequest = xcb_get_geometry(server, _connection.root());

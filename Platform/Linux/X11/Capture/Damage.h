@@ -10,7 +10,7 @@
 
 namespace tapdeck::quartz {
 
-/// What has been painted on the root window and all that stands on it.
+/// What has been painted on the root window and its descendants (the DAMAGE extension).
 class Damage {
  public:
   explicit Damage(Connection& connection);
@@ -18,9 +18,9 @@ class Damage {
   Damage(const Damage&) = delete;
   Damage& operator=(const Damage&) = delete;
 
-  /// What was painted since the last call. What is grabbed after it may hold more, which the next
-  /// call tells. Absent when nothing is known, so that anything may be different: the server has no
-  /// DAMAGE, is gone, or has made the screen anew.
+  /// The areas painted since the last call. What is painted between this and the grab that follows
+  /// is grabbed already and in the next call's areas too. Absent when anything may have changed:
+  /// the server has no DAMAGE extension, is gone, or has resized the screen.
   std::optional<std::vector<Area>> take();
 
  private:

@@ -9,8 +9,9 @@ namespace {
 // The phone asks several times a second while its user looks at the screen.
 constexpr guint kIdleSeconds = 10;
 
-// Above this share a grab of the whole, which goes straight to its place, is measured cheaper.
-constexpr double kMostInParts = 0.75;
+// Of the picture. To grab more than this in parts takes longer than to grab the whole picture,
+// which needs no copying.
+constexpr double kMaxShareInParts = 0.75;
 
 }  // namespace
 
@@ -20,98 +21,100 @@ DisplayImages::~DisplayImages() {
 
 CGImageRef DisplayImages::create(CGDirectDisplayID display, const std::vector<Monitor>& monitors) {
   start();
-  forgetWhatIsGone(monitors);
+  dropMissing(monitors);
   const auto monitor =
       std::find_if(monitors.begin(), monitors.end(),
                    [display](const Monitor& each) { return each.number == display; });
   if (monitor == monitors.end()) return nullptr;
 
-  // before the grab: what is painted in between is then told again, instead of never
+  // before the grab: what is painted in between is then grabbed twice, and not missed
   takeDamage();
-  Known& its = known(*monitor);
-  if (!bringUpToDate(its)) {
-    std::erase_if(_known, [display](const Known& each) { return each.monitor.number == display; });
+  CachedImage& cached = cacheFor(*monitor);
+  if (!update(cached)) {
+    std::erase_if(_cache,
+                  [display](const CachedImage& each) { return each.monitor.number == display; });
     return nullptr;
   }
-  CFRetain(its.image.get());
-  return its.image.get();
+  CFRetain(cached.image.get());
+  return cached.image.get();
 }
 
 void DisplayImages::forget() {
   if (_tick != 0) g_source_remove(_tick);
   _tick = 0;
-  _known.clear();
+  _cache.clear();
   _damage.reset();
   _grab.reset();
 }
 
 void DisplayImages::start() {
-  _wasAsked = true;
+  _isInUse = true;
   if (_grab != nullptr) return;
   _grab = std::make_unique<ScreenGrab>(_connection);
   _damage = std::make_unique<Damage>(_connection);
   _tick = g_timeout_add_seconds(kIdleSeconds, &onTick, this);
 }
 
-void DisplayImages::forgetWhatIsGone(const std::vector<Monitor>& monitors) {
-  std::erase_if(_known, [&monitors](const Known& known) {
-    return std::find(monitors.begin(), monitors.end(), known.monitor) == monitors.end();
+void DisplayImages::dropMissing(const std::vector<Monitor>& monitors) {
+  std::erase_if(_cache, [&monitors](const CachedImage& cached) {
+    return std::find(monitors.begin(), monitors.end(), cached.monitor) == monitors.end();
   });
 }
 
 void DisplayImages::takeDamage() {
   const auto damage = _damage->take();
-  for (Known& known : _known) {
+  for (CachedImage& cached : _cache) {
     if (!damage) {
-      known.dirty.addAll();
+      cached.dirty.addAll();
       continue;
     }
     for (const Area& area : *damage) {
-      known.dirty.add(
-          {area.x - known.monitor.x, area.y - known.monitor.y, area.width, area.height});
+      cached.dirty.add(
+          {area.x - cached.monitor.x, area.y - cached.monitor.y, area.width, area.height});
     }
   }
 }
 
-DisplayImages::Known& DisplayImages::known(const Monitor& monitor) {
-  const auto found = std::find_if(_known.begin(), _known.end(), [&monitor](const Known& each) {
-    return each.monitor.number == monitor.number;
-  });
-  return found != _known.end() ? *found : _known.emplace_back(monitor);
+DisplayImages::CachedImage& DisplayImages::cacheFor(const Monitor& monitor) {
+  const auto found = std::find_if(
+      _cache.begin(), _cache.end(),
+      [&monitor](const CachedImage& each) { return each.monitor.number == monitor.number; });
+  return found != _cache.end() ? *found : _cache.emplace_back(monitor);
 }
 
-bool DisplayImages::bringUpToDate(Known& known) {
-  if (known.image != nullptr && known.dirty.isEmpty()) return true;
-  const bool isOurs = known.image != nullptr && known.image->retainCount() == 1;
-  const bool done = isOurs && known.dirty.share() <= kMostInParts ? refresh(known) : grab(known);
-  known.dirty.clear();
+bool DisplayImages::update(CachedImage& cached) {
+  if (cached.image != nullptr && cached.dirty.isEmpty()) return true;
+  const bool isOurs = cached.image != nullptr && cached.image->retainCount() == 1;
+  const bool done =
+      isOurs && cached.dirty.share() <= kMaxShareInParts ? refresh(cached) : grab(cached);
+  cached.dirty.clear();
   return done;
 }
 
-bool DisplayImages::refresh(Known& known) {
-  const auto parts = known.dirty.areas();
-  known.image->copies.markDirty(parts);
-  return _grab->refresh(known.image->pixels, known.area(), parts);
+bool DisplayImages::refresh(CachedImage& cached) {
+  const auto parts = cached.dirty.areas();
+  cached.image->copies.markDirty(parts);
+  return _grab->refresh(cached.image->pixels, cached.area(), parts);
 }
 
-bool DisplayImages::grab(Known& known) {
-  if (known.image != nullptr && known.image->retainCount() > 1) known.image.reset();
-  // its memory is free for the new picture
-  if (known.image != nullptr) known.image->pixels = {};
-  PixelBuffer pixels = _grab->grab(known.area());
+bool DisplayImages::grab(CachedImage& cached) {
+  if (cached.image != nullptr && cached.image->retainCount() > 1) cached.image.reset();
+  // so that its memory can be used for the new picture
+  if (cached.image != nullptr) cached.image->pixels = {};
+  PixelBuffer pixels = _grab->grab(cached.area());
   if (!pixels) return false;
-  if (known.image == nullptr) {
-    known.image.reset(new CGImage(std::move(pixels)));
+  if (cached.image == nullptr) {
+    cached.image.reset(new CGImage(std::move(pixels)));
   } else {
-    known.image->pixels = std::move(pixels);
-    known.image->copies.markAllDirty();
+    cached.image->pixels = std::move(pixels);
+    cached.image->copies.markAllDirty();
   }
   return true;
 }
 
 gboolean DisplayImages::onTick(gpointer self) noexcept {
   auto& images = *static_cast<DisplayImages*>(self);
-  if (std::exchange(images._wasAsked, false)) return G_SOURCE_CONTINUE;
+  if (std::exchange(images._isInUse, false)) return G_SOURCE_CONTINUE;
   images._tick = 0;
   images.forget();
   return G_SOURCE_REMOVE;

@@ -15,9 +15,9 @@
 
 namespace tapdeck::quartz {
 
-/// The displays' pictures. The last one of each is kept, and of the next one only what was painted
-/// meanwhile is grabbed. All memory goes, and the server stops watching what is painted, when
-/// nobody has asked for a while. Main thread; GLib's default main context.
+/// The displays' pictures. The last one of each is kept, and for the next one only the parts that
+/// were painted since are grabbed. When no picture was taken for ten seconds, all memory is given
+/// back and the server stops tracking damage. Main thread; GLib's default main context.
 class DisplayImages {
  public:
   explicit DisplayImages(Connection& connection) : _connection(connection) {}
@@ -28,37 +28,38 @@ class DisplayImages {
   /// What the display, one of `monitors`, shows; the very image of last time when that is still the
   /// same. The reference is the caller's. Null when the display is not there or cannot be grabbed.
   CGImageRef create(CGDirectDisplayID display, const std::vector<Monitor>& monitors);
-  /// Keeps nothing.
+  /// Gives all memory back.
   void forget();
 
  private:
   struct Release {
     void operator()(CGImageRef image) const { CFRelease(image); }
   };
-  struct Known {
-    explicit Known(const Monitor& its) : monitor(its), dirty(its.width, its.height) {}
+  struct CachedImage {
+    explicit CachedImage(const Monitor& shown) : monitor(shown), dirty(shown.width, shown.height) {}
     Area area() const { return {monitor.x, monitor.y, monitor.width, monitor.height}; }
     Monitor monitor;
     std::unique_ptr<CGImage, Release> image;
-    /// What of the monitor was painted after `image`.
+    /// The parts of the monitor that have been painted since `image` was grabbed.
     DirtyTiles dirty;
   };
 
   void start();
-  void forgetWhatIsGone(const std::vector<Monitor>& monitors);
+  void dropMissing(const std::vector<Monitor>& monitors);
   void takeDamage();
-  Known& known(const Monitor& monitor);
-  bool bringUpToDate(Known& known);
-  bool refresh(Known& known);
-  bool grab(Known& known);
+  CachedImage& cacheFor(const Monitor& monitor);
+  bool update(CachedImage& cached);
+  bool refresh(CachedImage& cached);
+  bool grab(CachedImage& cached);
   static gboolean onTick(gpointer self) noexcept;
 
   Connection& _connection;
   std::unique_ptr<ScreenGrab> _grab;
   std::unique_ptr<Damage> _damage;
-  std::vector<Known> _known;
+  std::vector<CachedImage> _cache;
   guint _tick = 0;
-  bool _wasAsked = false;
+  /// Whether a picture was taken since the last tick.
+  bool _isInUse = false;
 };
 
 }  // namespace tapdeck::quartz

@@ -25,7 +25,7 @@ bool hasFourBytes(const xcb_setup_t* setup, uint8_t depth) {
   return false;
 }
 
-/// By how much a pixel is moved right to have the upper 8 bits of a colour lowest.
+/// By how many bits to shift a pixel right, so that the upper 8 bits of a colour come lowest.
 int shiftFor(uint32_t mask) {
   return static_cast<int>(std::bit_width(mask)) - 8;
 }

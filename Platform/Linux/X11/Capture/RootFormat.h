@@ -17,9 +17,9 @@ class RootFormat {
   /// Absent for a screen of any other kind.
   static std::optional<RootFormat> of(const Connection& connection);
 
-  /// Whether its pixels are in memory order blue, green, red, unused already.
+  /// Whether the pixels need no conversion: in memory order blue, green, red, unused.
   bool isPlain() const { return _isPlain; }
-  /// Turns pixels into that order, the upper 8 bits of each colour.
+  /// Converts pixels to that order, keeping the upper 8 bits of each colour.
   void convert(const uint8_t* from, uint8_t* to, int count) const;
 
  private:

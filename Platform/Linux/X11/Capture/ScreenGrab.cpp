@@ -17,7 +17,7 @@ size_t bytesOf(std::span<const Area> areas) {
   return sum;
 }
 
-/// The coordinates as the protocol counts them; the server refuses what is not on the screen.
+/// An area in the integer types of the protocol; the server refuses one that is not on the screen.
 struct WireArea {
   explicit WireArea(const Area& area)
       : x(static_cast<int16_t>(area.x)),

@@ -20,8 +20,8 @@ class ScreenGrab {
   /// Null when the server refuses (part of the area is off the screen), is gone, or keeps its
   /// pixels in some other way than RootFormat knows.
   PixelBuffer grab(const Area& area);
-  /// Brings parts of an earlier grab of `area` up to date; false as above, and then no telling
-  /// which of them are.
+  /// Brings parts of an earlier grab of `area` up to date. False when that fails for a reason
+  /// above, and then some of the parts may be up to date and others not.
   bool refresh(const PixelBuffer& picture, const Area& area, std::span<const Area> parts);
 
  private:

@@ -24,8 +24,8 @@ bool isOnThisComputer(xcb_connection_t* connection) {
          address.ss_family == AF_UNIX;
 }
 
-/// Whether the server takes memory by file descriptor: unlike a System V number, which another
-/// computer or container may know for something else, that cannot be mistaken.
+/// Whether the server takes memory by file descriptor (MIT-SHM 1.2). The number of a System V
+/// segment may name another one for a server on another computer or in another container.
 bool takesDescriptors(const Connection& connection) {
   const auto* extension = xcb_get_extension_data(connection.get(), &xcb_shm_id);
   if (extension == nullptr || extension->present == 0) return false;
@@ -49,8 +49,8 @@ std::shared_ptr<uint8_t> map(int descriptor, size_t size) {
            0) == MAP_FAILED) {
     return nullptr;
   }
-  // A tenth of a frame's time, here and in the server, goes into finding thousands of small pages.
-  // Where the kernel has no huge ones to give, small ones do.
+  // With small pages a tenth of a frame's time, here and in the server, goes into page table walks.
+  // Where the kernel has no huge pages left, the small ones stay.
   madvise(aligned, size - size % kHugePage, kMadviseCollapse);
   return {reservation, static_cast<uint8_t*>(aligned)};
 }
@@ -77,7 +77,7 @@ std::optional<Segment> SegmentPool::take(size_t size) {
 }
 
 std::optional<Segment> SegmentPool::make(size_t size) {
-  // else each a little larger than the last would be kept
+  // else a frame that grows step by step would leave a segment of each size behind
   dropUnheld();
   size = (size + kSizeStep - 1) / kSizeStep * kSizeStep;
   const int descriptor = memfd_create("tapdeck-screen", MFD_CLOEXEC);
@@ -88,7 +88,7 @@ std::optional<Segment> SegmentPool::make(size_t size) {
     return std::nullopt;
   }
   segment.number = xcb_generate_id(_connection.get());
-  // closes the descriptor, whatever comes of it
+  // XCB closes the descriptor, whether this succeeds or not
   const auto request = xcb_shm_attach_fd_checked(_connection.get(), segment.number, descriptor, 0);
   const Received<xcb_generic_error_t> refused(xcb_request_check(_connection.get(), request));
   if (refused != nullptr) _isOffered = false;

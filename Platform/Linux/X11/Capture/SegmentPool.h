@@ -11,15 +11,15 @@ namespace tapdeck::quartz {
 
 /// Memory that this process and the X server both see.
 struct Segment {
-  /// Held by whoever uses the segment; outlives the connection where that is needed.
+  /// Whoever uses the segment holds a reference, so that the memory may outlive the connection.
   std::shared_ptr<uint8_t> memory;
-  /// Its name in the protocol.
+  /// Its ID in the protocol (a SHMSEG).
   uint32_t number;
   size_t size;
 };
 
-/// Segments that are used again from frame to frame: to make one and to touch it for the first
-/// time takes longer than to grab into it.
+/// Shared memory segments that are used again for later frames: to create one and to touch its
+/// pages for the first time takes longer than to grab into it.
 class SegmentPool {
  public:
   explicit SegmentPool(Connection& connection);

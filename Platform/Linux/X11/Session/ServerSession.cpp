@@ -19,7 +19,7 @@ ServerSession* session() {
 }
 
 void connectToWindowServer() {
-  // what the last one holds it gives back first
+  // the old session ends first, and with it what it holds pressed
   current().reset();
   current() = std::make_unique<ServerSession>();
 }

@@ -11,7 +11,8 @@
 
 namespace tapdeck::quartz {
 
-/// What stands on the connection to the X server. Its end lets go of all that it holds.
+/// All that uses the connection to the X server. Its end releases every key and button that it
+/// holds pressed, and shows the cursor.
 struct ServerSession {
   Connection connection;
   ServerState state;
@@ -23,7 +24,7 @@ struct ServerSession {
 /// Null until connectToWindowServer. Main thread only, as all of this.
 ServerSession* session();
 
-// Shorthands for the session's; without one they answer as if the server were gone.
+// Shorthands for the session's; without a session they give what they give when the server is gone.
 
 /// The monitors, the primary one first. Empty when there is none or the server is gone.
 std::vector<Monitor> monitors();

@@ -5,9 +5,9 @@
 namespace tapdeck::quartz {
 
 /// Opens the connection to the X server of $DISPLAY and checks the extensions that the host needs
-/// (XTEST, XFIXES, RANDR 1.5). Before anything else of Quartz, which until then answers as if the
-/// server were gone; main thread, as all of this. A further call lets go, closes the connection and
-/// opens another, without the observers of the first. Throws WindowServerError.
+/// (XTEST, XFIXES, RANDR 1.5). Until this is called, everything of Quartz behaves as if the server
+/// were gone. A further call releases what is pressed, closes the connection and opens another,
+/// without the observers of the first. Main thread, as all of this. Throws WindowServerError.
 void connectToWindowServer();
 
 /// Calls `changed` after the list of monitors or the scale changed, once per change, from the GLib

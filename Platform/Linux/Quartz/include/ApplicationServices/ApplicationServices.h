@@ -8,12 +8,14 @@
 
 extern "C" {
 
-/// The key of AXIsProcessTrustedWithOptions whose true value brings the question before the user.
+/// The key of AXIsProcessTrustedWithOptions whose true value prompts the user when trust is
+/// missing.
 extern const CFStringRef kAXTrustedCheckOptionPrompt;
 
-/// Whether the user lets the host control the computer; never asks. Main thread only.
+/// Whether the user lets the host control the computer; never prompts. Main thread only.
 Boolean AXIsProcessTrusted();
-/// The same; asks the user when trust is missing and `options` say so. Does not wait for an answer.
+/// The same; prompts the user when trust is missing and `options` say so. Does not wait for a
+/// decision.
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options);
 
 // ---- windows of other applications
@@ -43,8 +45,8 @@ AXUIElementRef AXUIElementCreateApplication(pid_t process);
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                       CFTypeRef* value);
 /// A window's "AXFullScreen", and its "AXPosition": the point of its frame's top-left corner in
-/// global display coordinates. Returns when the window manager has been told: what it makes of the
-/// wish is its own affair.
+/// global display coordinates. Returns when the request is sent; the window manager need not
+/// carry it out.
 AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                      CFTypeRef value);
 /// Copies the structure; null for another type than a point.

@@ -47,7 +47,7 @@ bool CGRectContainsPoint(CGRect rect, CGPoint point);
 /// The smallest rectangle that holds both; a null rectangle counts as nothing.
 CGRect CGRectUnion(CGRect a, CGRect b);
 bool CGRectIsNull(CGRect rect);
-/// The rectangle that is no place at all: infinite origin, no size.
+/// The null rectangle, as of an empty intersection: infinite origin, no size.
 extern const CGRect CGRectNull;
 
 enum CGError : int32_t {
@@ -64,8 +64,8 @@ inline constexpr CGDirectDisplayID kCGNullDirectDisplay = 0;
 CGDirectDisplayID CGMainDisplayID();
 /// An empty rectangle at the origin for a display that is not attached.
 CGRect CGDisplayBounds(CGDirectDisplayID display);
-/// Hides the cursor everywhere and counts; it shows again when as many shows have come. More shows
-/// than hides do no harm.
+/// Hides the cursor on all displays. Hides are counted: as many shows bring it back, and further
+/// ones do nothing.
 CGError CGDisplayHideCursor(CGDirectDisplayID display);
 CGError CGDisplayShowCursor(CGDirectDisplayID display);
 CGError CGWarpMouseCursorPosition(CGPoint position);
@@ -117,9 +117,9 @@ void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image);
 
 // ---- permissions
 
-/// Whether the screen may be captured; never asks the user.
+/// Whether the screen may be captured; never prompts the user.
 bool CGPreflightScreenCaptureAccess();
-/// The same, and brings the question before the user when it may not.
+/// The same, and prompts the user when it may not.
 bool CGRequestScreenCaptureAccess();
 
 // ---- events

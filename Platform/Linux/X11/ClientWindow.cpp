@@ -1,4 +1,4 @@
-#include "Platform/Linux/X11/ManagedWindow.h"
+#include "Platform/Linux/X11/ClientWindow.h"
 
 #include <algorithm>
 #include <chrono>
@@ -15,12 +15,12 @@ using Clock = std::chrono::steady_clock;
 
 constexpr const char* kState = "_NET_WM_STATE";
 constexpr const char* kFullScreen = "_NET_WM_STATE_FULLSCREEN";
-constexpr const char* kMaximisedUpright = "_NET_WM_STATE_MAXIMIZED_VERT";
-constexpr const char* kMaximisedAcross = "_NET_WM_STATE_MAXIMIZED_HORZ";
-constexpr milliseconds kLongestWait{500};
-constexpr milliseconds kTurn{5};
+constexpr const char* kMaximisedVertically = "_NET_WM_STATE_MAXIMIZED_VERT";
+constexpr const char* kMaximisedHorizontally = "_NET_WM_STATE_MAXIMIZED_HORZ";
+constexpr milliseconds kMaxWait{500};
+constexpr milliseconds kPollInterval{5};
 
-/// Left, right, top, bottom.
+/// Widths along the edges of a window, in the order that EWMH has for them.
 struct Extents {
   int left = 0, right = 0, top = 0, bottom = 0;
 };
@@ -33,29 +33,33 @@ std::optional<Extents> extentsOf(Connection& connection, xcb_window_t window,
                  static_cast<int>(numbers[2]), static_cast<int>(numbers[3])};
 }
 
-/// The shadow that an application which draws its own frame keeps around it.
+/// How wide the shadow is that an application draws around its own frame; absent for one that draws
+/// none.
 std::optional<Extents> shadowOf(Connection& connection, xcb_window_t window) {
   return extentsOf(connection, window, "_GTK_FRAME_EXTENTS");
 }
 
-void waitUntil(const std::function<bool()>& holds) {
-  const auto deadline = Clock::now() + kLongestWait;
-  while (!holds() && Clock::now() < deadline) std::this_thread::sleep_for(kTurn);
+void waitUntil(const std::function<bool()>& condition) {
+  const auto deadline = Clock::now() + kMaxWait;
+  while (!condition() && Clock::now() < deadline) std::this_thread::sleep_for(kPollInterval);
 }
 
 void changeState(Connection& connection, xcb_window_t window, bool wanted, const char* first,
                  const char* second = nullptr) {
   const xcb_atom_t other = second != nullptr ? connection.atom(second) : xcb_atom_t{XCB_ATOM_NONE};
-  ask(connection, window, kState, {wanted ? 1U : 0U, connection.atom(first), other, kFromPager, 0});
+  sendToWindowManager(connection, window, kState,
+                      {wanted ? 1U : 0U, connection.atom(first), other, kFromPager, 0});
 }
 
 bool fillsScreen(Connection& connection, xcb_window_t window) {
-  return holdsAny(connection, window, kState, {kFullScreen, kMaximisedUpright, kMaximisedAcross});
+  return hasAnyAtom(connection, window, kState,
+                    {kFullScreen, kMaximisedVertically, kMaximisedHorizontally});
 }
 
-/// A window that fills the screen has neither frame nor shadow; both come back with its own size.
-void giveOwnSizeBack(Connection& connection, xcb_window_t window) {
-  changeState(connection, window, false, kMaximisedUpright, kMaximisedAcross);
+/// Returns when the window manager has restored the size, and the application its frame and shadow,
+/// which a window that fills the screen has not.
+void restore(Connection& connection, xcb_window_t window) {
+  changeState(connection, window, false, kMaximisedVertically, kMaximisedHorizontally);
   waitUntil([&] {
     if (fillsScreen(connection, window)) return false;
     const auto shadow = shadowOf(connection, window);
@@ -63,17 +67,18 @@ void giveOwnSizeBack(Connection& connection, xcb_window_t window) {
   });
 }
 
-/// Moves the outer corner of the frame, as NorthWest gravity has it.
+/// Moves the top-left corner of the frame: of the window itself only where there is no frame
+/// (NorthWest gravity).
 void moveFrame(Connection& connection, xcb_window_t window, int x, int y) {
   constexpr const char* kMoveResize = "_NET_MOVERESIZE_WINDOW";
   const auto values = {static_cast<uint32_t>(x), static_cast<uint32_t>(y)};
-  if (holdsAny(connection, connection.root(), "_NET_SUPPORTED", {kMoveResize})) {
+  if (hasAnyAtom(connection, connection.root(), "_NET_SUPPORTED", {kMoveResize})) {
     constexpr uint32_t kHasX = 1 << 8;
     constexpr uint32_t kHasY = 1 << 9;
     constexpr uint32_t kSourceShift = 12;
-    ask(connection, window, kMoveResize,
-        {XCB_GRAVITY_NORTH_WEST | kHasX | kHasY | kFromPager << kSourceShift, values.begin()[0],
-         values.begin()[1], 0, 0});
+    sendToWindowManager(connection, window, kMoveResize,
+                        {XCB_GRAVITY_NORTH_WEST | kHasX | kHasY | kFromPager << kSourceShift,
+                         values.begin()[0], values.begin()[1], 0, 0});
     return;
   }
   xcb_configure_window(connection.get(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
@@ -89,7 +94,7 @@ bool exists(Connection& connection, xcb_window_t window) {
 }
 
 bool isFullScreen(Connection& connection, xcb_window_t window) {
-  return holdsAny(connection, window, kState, {kFullScreen});
+  return hasAnyAtom(connection, window, kState, {kFullScreen});
 }
 
 void setFullScreen(Connection& connection, xcb_window_t window, bool wanted) {
@@ -98,7 +103,7 @@ void setFullScreen(Connection& connection, xcb_window_t window, bool wanted) {
 }
 
 void moveVisibleCorner(Connection& connection, xcb_window_t window, Pixel corner) {
-  if (fillsScreen(connection, window)) giveOwnSizeBack(connection, window);
+  if (fillsScreen(connection, window)) restore(connection, window);
   const auto shadow = shadowOf(connection, window).value_or(Extents{});
   moveFrame(connection, window, corner.x - shadow.left, corner.y - shadow.top);
 }

@@ -1,4 +1,4 @@
-#include "Platform/Linux/Applications/ManagedWindows.h"
+#include "Platform/Linux/Applications/ApplicationWindows.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -10,7 +10,7 @@ namespace tapdeck::applications {
 namespace {
 
 using quartz::Connection;
-using quartz::holdsAny;
+using quartz::hasAnyAtom;
 
 /// A property of text up to its first NUL, of either type that applications give it.
 std::string text(Connection& connection, xcb_window_t window, const char* name) {
@@ -21,7 +21,7 @@ std::string text(Connection& connection, xcb_window_t window, const char* name) 
   return {};
 }
 
-void readClassHint(Connection& connection, ManagedWindow& window) {
+void readClassHint(Connection& connection, ApplicationWindow& window) {
   const auto bytes = connection.property(window.window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING);
   const auto first = std::find(bytes.begin(), bytes.end(), 0);
   window.instance.assign(bytes.begin(), first);
@@ -31,13 +31,13 @@ void readClassHint(Connection& connection, ManagedWindow& window) {
 }
 
 bool isOrdinary(Connection& connection, xcb_window_t window) {
-  return !holdsAny(connection, window, "_NET_WM_STATE", {"_NET_WM_STATE_SKIP_TASKBAR"}) &&
-         !holdsAny(connection, window, "_NET_WM_WINDOW_TYPE",
-                   {"_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"});
+  return !hasAnyAtom(connection, window, "_NET_WM_STATE", {"_NET_WM_STATE_SKIP_TASKBAR"}) &&
+         !hasAnyAtom(connection, window, "_NET_WM_WINDOW_TYPE",
+                     {"_NET_WM_WINDOW_TYPE_DESKTOP", "_NET_WM_WINDOW_TYPE_DOCK"});
 }
 
-ManagedWindow describe(Connection& connection, xcb_window_t window) {
-  ManagedWindow described;
+ApplicationWindow describe(Connection& connection, xcb_window_t window) {
+  ApplicationWindow described;
   described.window = window;
   readClassHint(connection, described);
   described.gtkApplicationId = text(connection, window, "_GTK_APPLICATION_ID");
@@ -49,8 +49,8 @@ ManagedWindow describe(Connection& connection, xcb_window_t window) {
 
 }  // namespace
 
-std::vector<ManagedWindow> managedWindows() {
-  std::vector<ManagedWindow> windows;
+std::vector<ApplicationWindow> applicationWindows() {
+  std::vector<ApplicationWindow> windows;
   if (quartz::session() == nullptr) return windows;
   Connection& connection = quartz::session()->connection;
   for (const xcb_window_t window : quartz::managedClients(connection)) {
@@ -59,7 +59,7 @@ std::vector<ManagedWindow> managedWindows() {
   return windows;
 }
 
-const DesktopEntry* entryOf(const ManagedWindow& window, const DesktopEntries& entries) {
+const DesktopEntry* entryOf(const ApplicationWindow& window, const DesktopEntries& entries) {
   if (const auto* hinted = entries.atPath(window.desktopFileHint)) return hinted;
   if (!window.gtkApplicationId.empty()) {
     if (const auto* named = entries.withId(window.gtkApplicationId + ".desktop")) return named;
@@ -67,17 +67,16 @@ const DesktopEntry* entryOf(const ManagedWindow& window, const DesktopEntries& e
   return entries.ofWindowClass(window.instance, window.className);
 }
 
-std::optional<ManagedWindow> activeManagedWindow() {
+std::optional<ApplicationWindow> activeApplicationWindow() {
   if (quartz::session() == nullptr) return std::nullopt;
   Connection& connection = quartz::session()->connection;
   const xcb_window_t window = quartz::activeWindow(connection);
   return window != XCB_WINDOW_NONE ? std::optional(describe(connection, window)) : std::nullopt;
 }
 
-void activate(const ManagedWindow& window) {
-  // window managers take a pager's wish for the user's own
-  quartz::ask(quartz::session()->connection, window.window, "_NET_ACTIVE_WINDOW",
-              {quartz::kFromPager, XCB_CURRENT_TIME, 0, 0, 0});
+void activate(const ApplicationWindow& window) {
+  quartz::sendToWindowManager(quartz::session()->connection, window.window, "_NET_ACTIVE_WINDOW",
+                              {quartz::kFromPager, XCB_CURRENT_TIME, 0, 0, 0});
 }
 
 }  // namespace tapdeck::applications
