@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <memory>
 
+#include "Platform/Linux/Support/FileDescriptor.h"
+
 namespace tapdeck::quartz {
 namespace {
 
@@ -35,9 +37,9 @@ bool takesDescriptors(const Connection& connection) {
                                 (version->major_version == 1 && version->minor_version >= 2));
 }
 
-/// Null when there is no memory; `descriptor` is the caller's to close.
-std::shared_ptr<uint8_t> map(int descriptor, size_t size) {
-  if (ftruncate(descriptor, static_cast<off_t>(size)) != 0) return nullptr;
+/// Null when there is no memory.
+std::shared_ptr<uint8_t> map(const FileDescriptor& file, size_t size) {
+  if (ftruncate(file.get(), static_cast<off_t>(size)) != 0) return nullptr;
   size_t reserved = size + kHugePage;
   void* place =
       mmap(nullptr, reserved, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -45,7 +47,7 @@ std::shared_ptr<uint8_t> map(int descriptor, size_t size) {
   const std::shared_ptr<void> reservation(place,
                                           [reserved](void* memory) { munmap(memory, reserved); });
   void* aligned = std::align(kHugePage, size, place, reserved);
-  if (mmap(aligned, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE | MAP_FIXED, descriptor,
+  if (mmap(aligned, size, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE | MAP_FIXED, file.get(),
            0) == MAP_FAILED) {
     return nullptr;
   }
@@ -80,16 +82,14 @@ std::optional<Segment> SegmentPool::make(size_t size) {
   // else a frame that grows step by step would leave a segment of each size behind
   dropUnheld();
   size = (size + kSizeStep - 1) / kSizeStep * kSizeStep;
-  const int descriptor = memfd_create("tapdeck-screen", MFD_CLOEXEC);
-  if (descriptor < 0) return std::nullopt;
-  Segment segment{map(descriptor, size), 0, size};
-  if (segment.memory == nullptr) {
-    close(descriptor);
-    return std::nullopt;
-  }
+  FileDescriptor file(memfd_create("tapdeck-screen", MFD_CLOEXEC));
+  if (!file.isOpen()) return std::nullopt;
+  Segment segment{map(file, size), 0, size};
+  if (segment.memory == nullptr) return std::nullopt;
   segment.number = xcb_generate_id(_connection.get());
   // XCB closes the descriptor, whether this succeeds or not
-  const auto request = xcb_shm_attach_fd_checked(_connection.get(), segment.number, descriptor, 0);
+  const auto request =
+      xcb_shm_attach_fd_checked(_connection.get(), segment.number, file.release(), 0);
   const Received<xcb_generic_error_t> refused(xcb_request_check(_connection.get(), request));
   if (refused != nullptr) _isOffered = false;
   if (refused != nullptr || !_connection.isAlive()) return std::nullopt;
