@@ -4,13 +4,31 @@
 #include <cstring>
 
 namespace tapdeck::quartz {
+namespace {
 
-std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
-                                xcb_atom_t type) {
-  const auto bytes = connection.property(window, connection.atom(property), type);
+std::vector<uint32_t> numbersIn(const std::vector<uint8_t>& bytes) {
   std::vector<uint32_t> values(bytes.size() / sizeof(uint32_t));
   if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(uint32_t));
   return values;
+}
+
+}  // namespace
+
+std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
+                                xcb_atom_t type) {
+  return numbersIn(connection.property(window, connection.atom(property), type));
+}
+
+std::vector<int> lengthsOf(Connection& connection, xcb_window_t window, const char* property) {
+  return lengthsIn(connection.property(window, connection.atom(property), XCB_ATOM_CARDINAL));
+}
+
+std::vector<int> lengthsIn(const std::vector<uint8_t>& bytes) {
+  std::vector<int> lengths;
+  for (const uint32_t number : numbersIn(bytes)) {
+    lengths.push_back(static_cast<int>(number));
+  }
+  return lengths;
 }
 
 bool holdsAny(Connection& connection, xcb_window_t window, const char* property,

@@ -10,7 +10,6 @@ namespace {
 
 constexpr size_t kStrutLength = 12;
 constexpr size_t kOldStrutLength = 4;
-constexpr int kFarthest = 0x7fff;
 
 Edges areaOf(const Monitor& monitor) {
   return {monitor.x, monitor.y, monitor.x + monitor.width, monitor.y + monitor.height};
@@ -52,33 +51,25 @@ void apply(const Strut& strut, const Edges& whole, int width, int height, Edges&
 std::vector<Strut> currentStruts(Connection& connection) {
   std::vector<Strut> struts;
   for (const xcb_window_t window : managedClients(connection)) {
-    auto numbers = numbersOf(connection, window, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL);
-    if (numbers.size() < kStrutLength) {
-      numbers = numbersOf(connection, window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL);
-      if (numbers.size() < kOldStrutLength) continue;
-      numbers.resize(kOldStrutLength);
-      for (int edge = 0; edge < 4; ++edge) numbers.insert(numbers.end(), {0, kFarthest});
+    for (const char* property : {"_NET_WM_STRUT_PARTIAL", "_NET_WM_STRUT"}) {
+      const auto strut = strutOf(lengthsOf(connection, window, property));
+      if (!strut) continue;
+      struts.push_back(*strut);
+      break;
     }
-    Strut strut{};
-    std::memcpy(&strut, numbers.data(), sizeof strut);
-    struts.push_back(strut);
   }
   return struts;
 }
 
-/// EWMH's work area is one rectangle for all monitors, so it says something only where there is
-/// one: margins, and panels that have no strut.
-void applyDesktopWorkArea(Connection& connection, Edges& area) {
-  const auto numbers = numbersOf(connection, connection.root(), "_NET_WORKAREA", XCB_ATOM_CARDINAL);
-  if (numbers.size() < 4) return;
-  const auto at = [&](size_t index) { return static_cast<int>(numbers[index]); };
-  area.left = std::max(area.left, at(0));
-  area.top = std::max(area.top, at(1));
-  area.right = std::min(area.right, at(0) + at(2));
-  area.bottom = std::min(area.bottom, at(1) + at(3));
-}
-
 }  // namespace
+
+std::optional<Strut> strutOf(const std::vector<int>& lengths) {
+  if (lengths.size() < kOldStrutLength) return std::nullopt;
+  Strut strut{lengths[0], lengths[1], lengths[2], lengths[3], 0, kMaxLength,
+              0,          kMaxLength, 0,          kMaxLength, 0, kMaxLength};
+  if (lengths.size() >= kStrutLength) std::memcpy(&strut, lengths.data(), sizeof strut);
+  return strut;
+}
 
 Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
                     int height) {
@@ -88,12 +79,23 @@ Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, in
   return left;
 }
 
+// It is one rectangle for all monitors, so it says something only where there is one: margins, and
+// panels that have no strut.
+Edges withinWorkArea(const Edges& area, const std::vector<int>& lengths) {
+  if (lengths.size() < 4) return area;
+  return {std::max(area.left, lengths[0]), std::max(area.top, lengths[1]),
+          std::min(area.right, lengths[0] + lengths[2]),
+          std::min(area.bottom, lengths[1] + lengths[3])};
+}
+
 Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor) {
   const auto root = connection.wait(xcb_get_geometry(connection.get(), connection.root()),
                                     xcb_get_geometry_reply);
   if (root == nullptr) return areaOf(monitor);
   Edges area = withoutStruts(monitor, currentStruts(connection), root->width, root->height);
-  if (isOnlyMonitor) applyDesktopWorkArea(connection, area);
+  if (isOnlyMonitor) {
+    area = withinWorkArea(area, lengthsOf(connection, connection.root(), "_NET_WORKAREA"));
+  }
   const bool isEmpty = area.left >= area.right || area.top >= area.bottom;
   return isEmpty ? areaOf(monitor) : area;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "Platform/Linux/X11/Connection.h"
@@ -22,9 +22,16 @@ struct Strut {
   int topStartX, topEndX, bottomStartX, bottomEndX;
 };
 
+/// The strut that a property gives: _NET_WM_STRUT_PARTIAL's twelve lengths, or the first four alone
+/// (_NET_WM_STRUT), which hold along the whole edge; absent where there are fewer. Any thread.
+std::optional<Strut> strutOf(const std::vector<int>& lengths);
+
 /// What the struts leave of the monitor's area. `width` and `height` are the root window's.
 Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, int width,
                     int height);
+
+/// What _NET_WORKAREA, of which these are the lengths, leaves of the area. Any thread.
+Edges withinWorkArea(const Edges& area, const std::vector<int>& lengths);
 
 /// The part of the monitor that panels and the window manager leave free now. Main thread only.
 Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor);

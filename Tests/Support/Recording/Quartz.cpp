@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Tests/Support/Recording/Objects.h"
+#include "Tests/Support/Recording/Queued.h"
 #include "Tests/Support/Recording/Recording.h"
 
 using tapdeck::recording::contentOf;
@@ -46,6 +47,10 @@ std::string describeSource(CGEventSourceRef source) {
 }
 
 }  // namespace
+
+void tapdeck::recording::forgetEvents() {
+  records().clear();
+}
 
 CGEventRef tapdeck::recording::makeDescribedEvent(const std::string& description) {
   return makeEvent(kCGEventNull, {0, 0}, description);

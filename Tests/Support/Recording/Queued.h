@@ -19,4 +19,7 @@ struct Queued {
 
 Queued& queued();
 
+/// Events that were handed out before mean nothing any more.
+void forgetEvents();
+
 }  // namespace tapdeck::recording

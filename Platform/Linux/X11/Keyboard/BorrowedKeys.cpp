@@ -226,7 +226,7 @@ bool BorrowedKeys::place(const Wanted& wanted) {
 }
 
 bool BorrowedKeys::borrow() {
-  if (!followChanges()) return false;
+  if (!followChanges() || !mayBorrow()) return false;
   choose();
   if (_textCodes.empty()) return false;
   for (const auto* codes : {&_textCodes, &_substituteCodes}) {

@@ -30,6 +30,8 @@ class BorrowedKeys {
   /// The map as the user has it.
   const Keymap& layout() const { return _layout; }
   bool isBorrowing() const { return !_originals.empty(); }
+  /// Nothing is borrowed that could not be given back after a kill.
+  bool mayBorrow() { return isBorrowing() || _sender.canKeepMeanings(); }
 
   struct TextPlace {
     Keycode code;

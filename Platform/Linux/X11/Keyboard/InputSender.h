@@ -28,6 +28,8 @@ class InputSender {
 
   /// What a process before this one left of its keys' meanings; empty when there is nothing.
   const Held& leftOver() const { return _leftOver; }
+  /// Whether meanings can be kept now: not while the disk is full.
+  bool canKeepMeanings() { return _journal.takeSpace(); }
   /// Keeps the meanings that are to be given back.
   void keepMeanings(const KeyMeanings& meanings);
 

@@ -27,7 +27,8 @@ std::optional<Held> readHeld(const std::vector<uint8_t>& bytes);
 
 /// A small file beside the session's, one for each X display, that says what is held there: what a
 /// process that was killed could not give back, the next one does. Written before the server is
-/// asked. Any thread, one at a time. Where there is no place for the file nothing is kept.
+/// asked. Any thread, one at a time. Where there is no place for the file nothing is kept. The file
+/// has its full size from the start, so that a disk that fills up later takes nothing away.
 class Journal {
  public:
   /// Of the display that DISPLAY names.
@@ -38,12 +39,18 @@ class Journal {
 
   /// What a process left that is no longer; once.
   std::optional<Held> takeLeftOver() const;
-  void write(const Held& held) const;
+  void write(const Held& held);
+  /// Tries again to take the file's space where the disk was full; false while it is. The first
+  /// time that it is, says so on standard error.
+  bool takeSpace();
 
  private:
   std::filesystem::path _path;
   /// Locked while this process lives; -1 when there is none, or another process has it.
   int _file = -1;
+  bool _hasSpace = false;
+  bool _toldOfFullDisk = false;
+  bool _holdsNothing = true;
 };
 
 }  // namespace tapdeck::quartz

@@ -12,6 +12,7 @@ namespace {
 constexpr uint8_t kOneLevel = 0;
 constexpr uint8_t kTwoLevel = 1;
 constexpr uint8_t kAlphabetic = 2;
+constexpr uint8_t kKeypad = 3;
 
 // by virtual key code (kVK_)
 const std::unordered_map<CGKeyCode, UsKey>& usKeys() {
@@ -108,6 +109,21 @@ std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activ
   if (const auto code = map.keyFor(key.plain, activeGroup)) return RealKey{*code, std::nullopt};
   for (uint8_t group = 0; group < 4; ++group) {
     if (const auto code = map.keyFor(key.plain, group)) return RealKey{*code, group};
+  }
+  return std::nullopt;
+}
+
+std::optional<LayoutKey> layoutKeyFor(Keysym keysym, const Keymap& map, int activeGroup) {
+  if (const auto code = map.keyFor(keysym, activeGroup)) return LayoutKey{*code, false};
+  for (int code = map.first; code <= map.last; ++code) {
+    const KeyMeaning& key = map.keys[static_cast<size_t>(code)];
+    const auto group = static_cast<size_t>(key.groupFor(activeGroup));
+    const size_t place = group * key.width + 1;
+    // on the keypad it is Num Lock that gives the second level
+    const bool isKeypad = group < key.types.size() && key.types[group] == kKeypad;
+    if (key.width > 1 && place < key.keysyms.size() && key.keysyms[place] == keysym && !isKeypad) {
+      return LayoutKey{static_cast<Keycode>(code), true};
+    }
   }
   return std::nullopt;
 }

@@ -35,6 +35,13 @@ struct RealKey {
 /// absent when a spare key must take its place. Shift, Control and the like act on it as they do.
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup);
 
+/// A key of the layout that gives the keysym in the active group, with Shift or without.
+struct LayoutKey {
+  Keycode code;
+  bool isShifted;
+};
+std::optional<LayoutKey> layoutKeyFor(Keysym keysym, const Keymap& map, int activeGroup);
+
 /// What a spare keycode is to mean in place of a key that the layout lacks: as the key on a US
 /// keyboard, with all modifiers at work.
 KeyMeaning substituteFor(const UsKey& key);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "Platform/Linux/X11/Keyboard/Keysyms.h"
 #include "Platform/Linux/X11/Keyboard/TextKeys.h"
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
@@ -32,7 +33,8 @@ bool LiveKeyboard::isReady(const Step& step) {
   // what nobody can carry out any more is not worth waiting for
   if (!_keys.followChanges()) return true;
   if (const auto* text = std::get_if<TextStep>(&step)) {
-    return std::all_of(text->keysyms.begin(), text->keysyms.end(),
+    return !_keys.mayBorrow() ||
+           std::all_of(text->keysyms.begin(), text->keysyms.end(),
                        [this](Keysym keysym) { return _keys.textPlace(keysym).has_value(); });
   }
   if (const auto* key = std::get_if<KeyStep>(&step)) {
@@ -95,7 +97,10 @@ void LiveKeyboard::type(const TextStep& step) {
   uint8_t locked = before.lockedGroup;
   for (const Keysym keysym : step.keysyms) {
     const auto place = _keys.textPlace(keysym);
-    if (!place) continue;
+    if (!place) {
+      typeOnLayout(keysym, before.group);
+      continue;
+    }
     _keys.useText(keysym);
     const auto wanted = static_cast<uint8_t>((place->group - notLocked) & (kTextGroups - 1));
     if (wanted != locked) lockGroup(wanted);
@@ -104,6 +109,16 @@ void LiveKeyboard::type(const TextStep& step) {
   }
   if (locked != before.lockedGroup) lockGroup(before.lockedGroup);
   if (before.isCapsLocked) lockCaps(true);
+}
+
+void LiveKeyboard::typeOnLayout(Keysym keysym, int group) {
+  const auto key = layoutKeyFor(keysym, _keys.layout(), group);
+  if (!key) return;
+  const auto shift = _keys.layout().keyFor(keysyms::Shift_L, group);
+  const bool needsShift = key->isShifted && shift && !isHeld({keysyms::Shift_L});
+  if (needsShift) _sender.pressKey(*shift);
+  _sender.tapKey(key->code);
+  if (needsShift) _sender.releaseKey(*shift);
 }
 
 void LiveKeyboard::press(const KeyStep& step) {

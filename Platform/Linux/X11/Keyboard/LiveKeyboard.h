@@ -78,6 +78,8 @@ class LiveKeyboard {
   void sendKey(const RealKey& key, bool down, uint8_t lockedGroup);
   void release(const UsKey& key);
   void type(const TextStep& step);
+  /// With a key of the layout itself; nothing when it has none.
+  void typeOnLayout(Keysym keysym, int group);
   std::bitset<256> heldCodes() const;
 
   Connection& _output;
