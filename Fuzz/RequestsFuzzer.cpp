@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <set>
 #include <span>
@@ -52,12 +53,17 @@ std::set<std::string> heldAfter(const std::vector<std::string>& trace) {
   return held;
 }
 
+/// Numbers that a method has no room for end the process, as they must.
+struct ProcessStopped {};
+
 /// The host with a few phones, which send what the input says.
 class Phones {
  public:
   Phones() {
     recording::reset();
-    Reply::setMisuseHandler([](const char* what) { require(false, what); });
+    Reply::setMisuseHandler(
+        [](const char* what) { require(std::uncaught_exceptions() > 0, what); });
+    recording::script().onStop = [] { throw ProcessStopped(); };
     recording::script().screens = {{1U, CGRectMake(0, 0, 1440, 900), 2.0}};
     recording::script().bounds[1] = CGRectMake(0, 0, 1440, 900);
     wakeMainWindow(_window, _engine);
@@ -158,13 +164,9 @@ void callMethod(Phones& phones, const Step& step) {
   phones.call(step.connection, {name, arguments.value_or(Value())});
 }
 
-}  // namespace
-}  // namespace tapdeck
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  using namespace tapdeck;
+void run(std::span<const uint8_t> input) {
   Phones phones;
-  for (std::span<const uint8_t> input(data, size); !input.empty();) {
+  while (!input.empty()) {
     const Step step = takeStep(input);
     if (step.kind == Step::message) phones.send(step.connection, step.bytes);
     if (step.kind == Step::call) callMethod(phones, step);
@@ -172,5 +174,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (step.kind == Step::screens) recording::notifyScreenParameters();
   }
   phones.finish();
+}
+
+}  // namespace
+}  // namespace tapdeck
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  try {
+    tapdeck::run(std::span(data, size));
+  } catch (const tapdeck::ProcessStopped&) {
+  }
   return 0;
 }

@@ -26,7 +26,7 @@ std::vector<int> lengthsOf(Connection& connection, xcb_window_t window, const ch
 std::vector<int> lengthsIn(const std::vector<uint8_t>& bytes) {
   std::vector<int> lengths;
   for (const uint32_t number : numbersIn(bytes)) {
-    lengths.push_back(static_cast<int>(number));
+    lengths.push_back(std::clamp(static_cast<int>(number), -kMaxLength, kMaxLength));
   }
   return lengths;
 }

@@ -2,6 +2,7 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -84,6 +85,8 @@ struct Script {
   std::optional<std::string> pasteboard;
   std::map<std::string, std::string> environment;
   bool urlsParse = true;
+  /// Throws where the process is to stop, so that it can go on with something else.
+  std::function<void()> onStop;
 
   Applications applications;
   LoginItems loginItems;
