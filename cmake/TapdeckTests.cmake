@@ -9,12 +9,6 @@ function(tapdeck_unit_test name)
   gtest_discover_tests(${name} PROPERTIES LABELS ${name})
 endfunction()
 
-# tapdeck_watch_threads(TEST): what the thread sanitizer is to leave out, with the reasons.
-function(tapdeck_watch_threads test)
-  set_tests_properties(${test} PROPERTIES ENVIRONMENT
-    "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/Tests/Support/thread-handover.txt")
-endfunction()
-
 # tapdeck_desktop_program(NAME SOURCES... LINKS...): a program of desktop tests, not yet run. The
 # platform comes with what they share, behind the host, where the linker looks for it.
 function(tapdeck_desktop_program name)
@@ -27,9 +21,7 @@ endfunction()
 function(tapdeck_desktop_run name seconds)
   add_test(NAME ${name} COMMAND ${CMAKE_SOURCE_DIR}/Tests/Support/with-desktop ${ARGN})
   set_tests_properties(${name} PROPERTIES LABELS "desktop;${name}" TIMEOUT ${seconds})
-  if(TAPDECK_SANITIZE STREQUAL "thread")
-    tapdeck_watch_threads(${name})
-  elseif(TAPDECK_SANITIZE)
+  if(TAPDECK_SANITIZE)
     # The quick unwinder does not get through system libraries to the names of the list.
     set_tests_properties(${name} PROPERTIES ENVIRONMENT
       "ASAN_OPTIONS=fast_unwind_on_malloc=0;LSAN_OPTIONS=print_suppressions=0:suppressions=${CMAKE_SOURCE_DIR}/Tests/Desktop/application-leaks.txt")
