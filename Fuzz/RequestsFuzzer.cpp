@@ -15,7 +15,6 @@
 #include "Platform/Linux/StandInEngine/Holds.h"
 #include "Runner/MethodTable.h"
 #include "Runner/Waking.h"
-#include "Tests/Support/Recording/Queued.h"
 #include "Tests/Support/Recording/Recording.h"
 #include "Tests/Support/Recording/RecordingEngine.h"
 
