@@ -13,6 +13,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # g++ 12 sees overlaps in "text" + std::string that are none (GCC bug 105651)
   target_compile_options(tapdeck_options INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" AND NOT APPLE)
+  # clang takes libstdc++ 12's own use of what it deprecates for ours
+  target_compile_options(tapdeck_options INTERFACE -Wno-deprecated-declarations)
+endif()
 if(APPLE)
   target_compile_options(tapdeck_options INTERFACE -Wunguarded-availability
                                                    -Wdeprecated-declarations)

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <xkbcommon/xkbcommon-x11.h>
 #include <xkbcommon/xkbcommon.h>
@@ -161,6 +162,19 @@ int holdAtRandom(unsigned seed, const std::string& end) {
   return 0;
 }
 
+/// Types where no file can grow, as on a full disk, and is killed.
+int typeOnFullDisk() {
+  ::signal(SIGXFSZ, SIG_IGN);
+  const rlimit nothing{0, RLIM_INFINITY};
+  ::setrlimit(RLIMIT_FSIZE, &nothing);
+  quartz::connectToWindowServer();
+  typeUnicodeText("aB\u0436");
+  postMouse(kCGEventMouseMoved, 77, 55);
+  Observer observer;
+  eventually([&] { return observer.pointer().x == 77; });
+  return ::raise(SIGKILL);
+}
+
 /// In a process of its own: a journal belongs to one that lives. Gives how that ended.
 int runHolder(const std::string& arguments) {
   const std::string program = std::filesystem::read_symlink("/proc/self/exe");
@@ -197,6 +211,19 @@ TEST(HeldTest, NothingStaysPressedAtTheEnd) {
   }
   EXPECT_GT(foundPressed, 0) << "nothing to release: no test";
   keyboard.lockCaps(false);
+}
+
+TEST(HeldTest, AFullDiskLeavesTheKeymapAlone) {
+  Observer observer;
+  KeysListener listener{observer};
+  TypingKeyboard keyboard{observer};
+  keyboard.setLayout("us");
+  const std::string keymap = TypingKeyboard::dump();
+  // typed with the layout's own keys; it has none for the last one
+  ASSERT_TRUE(WIFSIGNALED(runHolder("0 full-disk")));
+  EXPECT_THAT(listener.heard(6),
+              ElementsAre("down a", "up a", "down Shift_L", "down B", "up B", "up Shift_L"));
+  EXPECT_TRUE(TypingKeyboard::dump() == keymap);
 }
 
 class KeysTest : public ::testing::Test {
@@ -426,6 +453,7 @@ TEST_F(KeysTest, WithoutPermissionOnlyReleasesGoOut) {
 
 int main(int argc, char** argv) {
   if (argc == 4 && std::string(argv[1]) == "hold") {
+    if (std::string(argv[3]) == "full-disk") return tapdeck::testing::typeOnFullDisk();
     return tapdeck::testing::holdAtRandom(static_cast<unsigned>(std::stoul(argv[2])), argv[3]);
   }
   ::testing::InitGoogleMock(&argc, argv);

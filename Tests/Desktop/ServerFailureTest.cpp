@@ -1,10 +1,12 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <endian.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
 
+#include "Platform/Applications.h"
 #include "Platform/Events.h"
 #include "Platform/Linux/X11/Session/ServerSession.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
@@ -88,6 +90,23 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
   EXPECT_EQ(changes, 0);
   quartz::connectToWindowServer();
   EXPECT_EQ(platform::screens().size(), 1U);
+}
+
+TEST(ServerFailureTest, WithoutAWindowManagerNoWindowHasTheFocus) {
+  const PrivateServer server({});
+  const DisplayVariable variable(server.display().c_str());
+  quartz::connectToWindowServer();
+  const Owned application(AXUIElementCreateApplication(::getpid()));
+  const Owned attribute(
+      CFStringCreateWithCString(nullptr, "AXFocusedWindow", kCFStringEncodingUTF8));
+  CFTypeRef window = nullptr;
+  EXPECT_EQ(AXUIElementCopyAttributeValue(application.get(), attribute.get(), &window),
+            kAXErrorNoValue);
+  EXPECT_FALSE(platform::frontmostApplication());
+  EXPECT_TRUE(platform::runningApplications().empty());
+  // the whole of the display can be used
+  EXPECT_EQ(platform::visibleFrame(platform::screens().front()).size.height,
+            CGDisplayBounds(CGMainDisplayID()).size.height);
 }
 
 /// Whether anything but white stands within 16 pixels of the place, on the screen as the server

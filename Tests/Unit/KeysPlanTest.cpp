@@ -1,10 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
 
 #include "Platform/Linux/X11/Keyboard/Journal.h"
 #include "Platform/Linux/X11/Keyboard/KeyPlan.h"
 #include "Platform/Linux/X11/Keyboard/Keysyms.h"
 #include "Platform/Linux/X11/Keyboard/TextPlan.h"
+#include "Tests/Support/Surroundings.h"
 
 namespace tapdeck::quartz {
 namespace {
@@ -86,6 +90,29 @@ TEST(JournalTest, ReadsWhatItWroteAndNothingElse) {
   auto longer = bytes;
   longer.push_back(0);
   EXPECT_FALSE(readRecord(longer));
+}
+
+TEST(JournalTest, HasItsSpaceFromTheStart) {
+  const TemporaryFolder folder;
+  const EnvironmentVariable runtime("XDG_RUNTIME_DIR", folder.path.c_str());
+  const EnvironmentVariable display("DISPLAY", ":7");
+  const auto file = folder.path / "tapdeck" / "record-7";
+  {
+    Journal journal;
+    const auto size = std::filesystem::file_size(file);
+    struct stat status {};
+    ::stat(file.c_str(), &status);
+    EXPECT_GE(static_cast<uintmax_t>(status.st_blocks) * 512, size)
+        << "space that is not there yet";
+    InputRecord record;
+    for (Keycode code = 8; code != 0; ++code) record.mappings[code] = twoGroups('a', 'A', 'b', 'B');
+    journal.write(record);
+    EXPECT_EQ(std::filesystem::file_size(file), size);
+    EXPECT_EQ(journal.takeLeftOver()->mappings, record.mappings);
+    journal.write(InputRecord());
+    EXPECT_FALSE(journal.takeLeftOver());
+  }
+  EXPECT_FALSE(std::filesystem::exists(file)) << "nothing is record";
 }
 
 TEST(KeymapTest, AReplyThatDoesNotHoldTogetherIsRefused) {

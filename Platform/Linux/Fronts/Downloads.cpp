@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Platform/Linux/Support/GLibOwners.h"
+#include "Platform/Linux/Support/HandOver.h"
 
 namespace tapdeck::platform {
 namespace {
@@ -50,6 +51,7 @@ class Download {
   Download& operator=(const Download&) = delete;
 
   static gboolean start(gpointer self) noexcept {
+    takeOver(self);
     static_cast<Download*>(self)->start();
     return G_SOURCE_REMOVE;
   }
@@ -129,8 +131,9 @@ class Download {
 }  // namespace
 
 void startDataTask(const URL& url, double timeoutInterval, DataCompletion completed) {
-  g_main_context_invoke(downloadContext(), Download::start,
-                        new Download(url.text, timeoutInterval, std::move(completed)));
+  auto* const download = new Download(url.text, timeoutInterval, std::move(completed));
+  handOver(download);
+  g_main_context_invoke(downloadContext(), Download::start, download);
 }
 
 }  // namespace tapdeck::platform

@@ -7,6 +7,8 @@
 #include <mutex>
 #include <utility>
 
+#include "Platform/Linux/Support/HandOver.h"
+
 namespace tapdeck::platform {
 
 namespace {
@@ -14,6 +16,7 @@ namespace {
 using Work = std::function<void()>;
 
 gboolean runOnMain(gpointer work) noexcept {
+  takeOver(work);
   (*static_cast<Work*>(work))();
   return G_SOURCE_REMOVE;
 }
@@ -33,10 +36,12 @@ class GlobalQueues {
       const std::lock_guard lock(_mutex);
       ++_unfinished;
     }
+    auto* const handed = new Work(std::move(work));
+    handOver(handed);
     // A thread that cannot be started now leaves the work queued for the next one, so the error
     // needs no handling.
-    g_thread_pool_push(quality == QualityOfService::utility ? _utility : _userInitiated,
-                       new Work(std::move(work)), nullptr);
+    g_thread_pool_push(quality == QualityOfService::utility ? _utility : _userInitiated, handed,
+                       nullptr);
   }
 
   bool finish(std::chrono::milliseconds atMost) {
@@ -51,6 +56,7 @@ class GlobalQueues {
 
   static void run(gpointer work, gpointer self) noexcept {
     auto* queues = static_cast<GlobalQueues*>(self);
+    takeOver(work);
     {
       const std::unique_ptr<Work> owned(static_cast<Work*>(work));
       (*owned)();
@@ -75,7 +81,9 @@ GlobalQueues& globalQueues() {
 }  // namespace
 
 void asyncOnMain(std::function<void()> work) {
-  g_idle_add_full(G_PRIORITY_DEFAULT, runOnMain, new Work(std::move(work)), deleteWork);
+  auto* const handed = new Work(std::move(work));
+  handOver(handed);
+  g_idle_add_full(G_PRIORITY_DEFAULT, runOnMain, handed, deleteWork);
 }
 
 void asyncOnGlobal(QualityOfService quality, std::function<void()> work) {

@@ -46,7 +46,7 @@ void releaseOnceClosed(Object<SoupWebsocketConnection> socket) {
 
 }  // namespace
 
-std::shared_ptr<Connection> Connection::open(Line line, StandInEngine::Peer peer,
+std::shared_ptr<Connection> Connection::open(Line line, EnginePeer peer,
                                              std::chrono::milliseconds silenceLimit,
                                              Events events) {
   std::shared_ptr<Connection> connection(
@@ -55,7 +55,7 @@ std::shared_ptr<Connection> Connection::open(Line line, StandInEngine::Peer peer
   return connection;
 }
 
-Connection::Connection(Line line, StandInEngine::Peer peer, std::chrono::milliseconds silenceLimit,
+Connection::Connection(Line line, EnginePeer peer, std::chrono::milliseconds silenceLimit,
                        Events events)
     : _number(nextNumber()),
       _peer(std::move(peer)),

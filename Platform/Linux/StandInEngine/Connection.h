@@ -9,8 +9,8 @@
 
 #include "Engine/StandardCodec.h"
 #include "Platform/Linux/EngineProtocol/Protocol.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
-#include "Platform/Linux/StandInEngine/StandInEngine.h"
 
 namespace tapdeck::standin {
 
@@ -37,14 +37,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
     GUri* uri;
   };
 
-  /// Takes the connection over. `silenceLimit`: see StandInEngine::Options.
-  static std::shared_ptr<Connection> open(Line line, StandInEngine::Peer peer,
+  /// Takes the connection over. `silenceLimit`: see EngineOptions.
+  static std::shared_ptr<Connection> open(Line line, EnginePeer peer,
                                           std::chrono::milliseconds silenceLimit, Events events);
   ~Connection();
 
   /// Unlike every other connection's in the process.
   uint64_t number() const { return _number; }
-  const StandInEngine::Peer& peer() const { return _peer; }
+  const EnginePeer& peer() const { return _peer; }
   /// At which it arrived; null once that is gone.
   Object<GSocketAddress> localAddress() const {
     return Object<GSocketAddress>(g_socket_get_local_address(_tcp.get(), nullptr));
@@ -61,8 +61,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void close(uint16_t code, const char* reason);
 
  private:
-  Connection(Line line, StandInEngine::Peer peer, std::chrono::milliseconds silenceLimit,
-             Events events);
+  Connection(Line line, EnginePeer peer, std::chrono::milliseconds silenceLimit, Events events);
   void connectSignals();
   void watchSilence();
   void takeMessage(SoupWebsocketDataType type, GBytes* message);
@@ -71,7 +70,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void end();
 
   uint64_t _number;
-  StandInEngine::Peer _peer;
+  EnginePeer _peer;
   std::chrono::milliseconds _silenceLimit;
   Events _events;
   Object<GSocket> _tcp;

@@ -10,9 +10,7 @@
 #include "Platform/Linux/StandInEngine/Addresses.h"
 #include "Platform/Linux/StandInEngine/Certificate.h"
 
-namespace tapdeck {
-
-using namespace standin;
+namespace tapdeck::standin {
 
 namespace {
 
@@ -65,7 +63,7 @@ bool offersSubprotocol(SoupServerMessage* message) {
   return offered != nullptr && soup_header_contains(offered, kSubprotocol);
 }
 
-StandInEngine::Peer peerOf(SoupServerMessage* message) {
+EnginePeer peerOf(SoupServerMessage* message) {
   const char* address = soup_server_message_get_remote_host(message);
   const char* agent = header(message, "User-Agent");
   return {address != nullptr ? address : "", agent != nullptr ? agent : "", 0, false};
@@ -90,7 +88,7 @@ codec::Bytes encodeBoundedReply(int64_t id, const std::string& channel, const Ou
                      MethodError{"TOO_LARGE", "More than 16 MiB cannot be sent.", Value()});
 }
 
-std::string whyNotListening(const StandInEngine::Options& options, const GError& error) {
+std::string whyNotListening(const EngineOptions& options, const GError& error) {
   const std::string port = std::to_string(options.port);
   if (error.domain == G_IO_ERROR) {
     switch (error.code) {
@@ -112,7 +110,7 @@ std::string whyNotListening(const StandInEngine::Options& options, const GError&
 
 }  // namespace
 
-StandInEngine::Server::Server(Options options)
+Server::Server(EngineOptions options)
     : _options(std::move(options)),
       _token(randomDigits(16)),
       // libsoup still resolves dots and decodes letters; what is left is looked up as it stands
@@ -124,7 +122,7 @@ StandInEngine::Server::Server(Options options)
       }),
       _devices(_options.devicesFile) {}
 
-void StandInEngine::Server::start() {
+void Server::start() {
   if (_options.isEncrypted) useCertificate();
   listen();
   const auto owner = [this] { return new Weak(weak_from_this()); };
@@ -151,11 +149,11 @@ void StandInEngine::Server::start() {
   }
 }
 
-void StandInEngine::Server::writeSessionFile() const {
+void Server::writeSessionFile() const {
   writeSession({pageAddresses().back(), _port, _token, getpid()});
 }
 
-void StandInEngine::Server::listenOn(const std::string& address) {
+void Server::listenOn(const std::string& address) {
   const std::string before = std::exchange(_options.address, address);
   const uint16_t chosenPort = std::exchange(_options.port, _port);
   // two sockets cannot listen at one port, if one of them does so for every address
@@ -180,7 +178,7 @@ void StandInEngine::Server::listenOn(const std::string& address) {
   peersChanged();
 }
 
-void StandInEngine::Server::useCertificate() {
+void Server::useCertificate() {
   try {
     _certificate = ownCertificate(_options.certificateFile);
   } catch (const std::runtime_error& error) {
@@ -188,7 +186,7 @@ void StandInEngine::Server::useCertificate() {
   }
 }
 
-void StandInEngine::Server::setEncrypted(bool isEncrypted) {
+void Server::setEncrypted(bool isEncrypted) {
   if (isEncrypted == this->isEncrypted()) return;
   if (isEncrypted) {
     useCertificate();
@@ -205,22 +203,22 @@ void StandInEngine::Server::setEncrypted(bool isEncrypted) {
   peersChanged();
 }
 
-std::string StandInEngine::Server::fingerprint() const {
+std::string Server::fingerprint() const {
   return _certificate ? fingerprintOf(_certificate.get()) : "";
 }
 
-bool StandInEngine::Server::isEncryptedAt(GSocketAddress* local) const {
+bool Server::isEncryptedAt(GSocketAddress* local) const {
   return isEncrypted() && !isUsual(local);
 }
 
-bool StandInEngine::Server::isServedAt(GSocketAddress* local) const {
+bool Server::isServedAt(GSocketAddress* local) const {
   if (!G_IS_INET_SOCKET_ADDRESS(local)) return false;
   const Object<GInetAddress> own(g_inet_address_new_from_string(_options.address.c_str()));
   GInetAddress* address = g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(local));
   return g_inet_address_get_is_any(own.get()) || g_inet_address_equal(own.get(), address);
 }
 
-void StandInEngine::Server::listen() {
+void Server::listen() {
   const Object<GSocketAddress> address(
       g_inet_socket_address_new_from_string(_options.address.c_str(), _options.port));
   if (!address) {
@@ -240,7 +238,7 @@ void StandInEngine::Server::listen() {
   _port = _listener->port();
 }
 
-void StandInEngine::Server::takeIn(Object<GSocketConnection> accepted) {
+void Server::takeIn(Object<GSocketConnection> accepted) {
   noticeDeadPeer(g_socket_connection_get_socket(accepted.get()));
   const Object<GSocketAddress> local(
       g_socket_connection_get_local_address(accepted.get(), nullptr));
@@ -257,7 +255,7 @@ void StandInEngine::Server::takeIn(Object<GSocketConnection> accepted) {
   soup_server_accept_iostream(_http.get(), stream.get(), local.get(), remote.get(), nullptr);
 }
 
-void StandInEngine::Server::stop() {
+void Server::stop() {
   if (!_http) return;
   // A later engine's file stays.
   const auto session = readSession();
@@ -272,7 +270,7 @@ void StandInEngine::Server::stop() {
 }
 
 /// What holds for every request, decided before its body is read.
-void StandInEngine::Server::admit(SoupServerMessage* message) {
+void Server::admit(SoupServerMessage* message) {
   setProtectiveHeaders(message);
   soup_message_body_set_accumulate(soup_server_message_get_request_body(message), FALSE);
   const char* host = header(message, "Host");
@@ -292,7 +290,7 @@ void StandInEngine::Server::admit(SoupServerMessage* message) {
   }
 }
 
-void StandInEngine::Server::serve(SoupServerMessage* message, GHashTable* query) {
+void Server::serve(SoupServerMessage* message, GHashTable* query) {
   const std::string_view path = g_uri_get_path(soup_server_message_get_uri(message));
   if (path == "/engine") {
     serveUpgrade(message, query);
@@ -303,12 +301,12 @@ void StandInEngine::Server::serve(SoupServerMessage* message, GHashTable* query)
   }
 }
 
-void StandInEngine::Server::servePage(SoupServerMessage* message) const {
+void Server::servePage(SoupServerMessage* message) const {
   if (!_page.serve(message)) refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
 }
 
 /// Says what an upgrade would meet with, since a browser tells a page nothing of a refused one.
-void StandInEngine::Server::serveAccess(SoupServerMessage* message, GHashTable* query) {
+void Server::serveAccess(SoupServerMessage* message, GHashTable* query) {
   const auto say = [message](guint status, const char* access) {
     soup_server_message_set_status(message, status, nullptr);
     const std::string json = std::string("{\"access\":\"") + access + "\"}";
@@ -333,7 +331,7 @@ void StandInEngine::Server::serveAccess(SoupServerMessage* message, GHashTable* 
   slowDown(message);
 }
 
-void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
+void Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
   const Access access = accessBy(query);
   if (access.kind != Access::Kind::granted) {
     refuse(message, SOUP_STATUS_FORBIDDEN,
@@ -376,7 +374,7 @@ void StandInEngine::Server::serveUpgrade(SoupServerMessage* message, GHashTable*
       GConnectFlags(0));
 }
 
-void StandInEngine::Server::slowDown(SoupServerMessage* message) {
+void Server::slowDown(SoupServerMessage* message) {
   const std::string address = peerOf(message).address;
   const auto delay = _wrongSecrets.note(address, WrongSecrets::Clock::now());
   peersChanged();
@@ -409,10 +407,10 @@ void StandInEngine::Server::slowDown(SoupServerMessage* message) {
       [](gpointer data) noexcept { delete static_cast<Waiting*>(data); });
 }
 
-void StandInEngine::Server::completeUpgrade(SoupServerMessage* message,
-                                            const std::optional<standin::Device>& device) {
+void Server::completeUpgrade(SoupServerMessage* message,
+                             const std::optional<standin::Device>& device) {
   const Object<SoupServerMessage> keep(SOUP_SERVER_MESSAGE(g_object_ref(message)));
-  Peer peer = peerOf(message);
+  EnginePeer peer = peerOf(message);
   Connection::Line line{Object<GIOStream>(soup_server_message_steal_connection(message)),
                         _pending.take(soup_server_message_get_remote_address(message)),
                         soup_server_message_get_uri(message)};
@@ -436,13 +434,13 @@ void StandInEngine::Server::completeUpgrade(SoupServerMessage* message,
   peersChanged();
 }
 
-std::shared_ptr<standin::Connection> StandInEngine::Server::connectionOf(uint64_t number) const {
+std::shared_ptr<standin::Connection> Server::connectionOf(uint64_t number) const {
   const auto found = std::find_if(_connections.begin(), _connections.end(),
                                   [number](const auto& each) { return each->number() == number; });
   return found != _connections.end() ? *found : nullptr;
 }
 
-void StandInEngine::Server::carryOut(uint64_t number, const Request& request) {
+void Server::carryOut(uint64_t number, const Request& request) {
   const auto connection = connectionOf(number);
   if (!connection || connection->endIfPeerIsGone()) return;
   if (BackgroundCalls::isOne(request)) {
@@ -457,8 +455,7 @@ void StandInEngine::Server::carryOut(uint64_t number, const Request& request) {
   forward(connection, request);
 }
 
-Reply StandInEngine::Server::replyTo(const std::shared_ptr<Connection>& connection,
-                                     const Request& request) {
+Reply Server::replyTo(const std::shared_ptr<Connection>& connection, const Request& request) {
   return Reply([weak = std::weak_ptr(connection), server = weak_from_this(), id = request.id,
                 channel = request.channel,
                 isBackground = BackgroundCalls::isOne(request)](const Outcome& outcome) {
@@ -473,8 +470,7 @@ Reply StandInEngine::Server::replyTo(const std::shared_ptr<Connection>& connecti
   });
 }
 
-void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connection,
-                                    const Request& request) {
+void Server::forward(const std::shared_ptr<Connection>& connection, const Request& request) {
   Reply reply = replyTo(connection, request);
   if (request.channel == kDevicesChannel) {
     answerAboutDevices(connection, request.call, std::move(reply));
@@ -510,8 +506,8 @@ void StandInEngine::Server::forward(const std::shared_ptr<Connection>& connectio
   handler(request.call, std::move(reply));
 }
 
-void StandInEngine::Server::capture(const std::shared_ptr<Connection>& connection,
-                                    const MethodCall& call, Reply reply) {
+void Server::capture(const std::shared_ptr<Connection>& connection, const MethodCall& call,
+                     Reply reply) {
   const MethodCallHandler handler = _handlers.at(kControlChannel);
   const auto answer = std::make_shared<Reply>(std::move(reply));
   const auto ask = [weak = weak_from_this(), number = connection->number(), call, answer, handler](
@@ -532,7 +528,7 @@ void StandInEngine::Server::capture(const std::shared_ptr<Connection>& connectio
   ask(call, askForced);
 }
 
-void StandInEngine::Server::forget(const Connection& connection) {
+void Server::forget(const Connection& connection) {
   std::erase_if(_connections, [&](const auto& each) { return each.get() == &connection; });
   _turns.drop(connection.number());
   _background.drop(connection.number());
@@ -546,7 +542,7 @@ void StandInEngine::Server::forget(const Connection& connection) {
   peersChanged();
 }
 
-void StandInEngine::Server::releaseHolds(const Connection& connection) {
+void Server::releaseHolds(const Connection& connection) {
   const auto calls = _holds.end(connection.number());
   const auto found = _handlers.find(kControlChannel);
   if (found == _handlers.end()) return;
@@ -554,8 +550,7 @@ void StandInEngine::Server::releaseHolds(const Connection& connection) {
   for (const MethodCall& call : calls) handler(call, Reply([](const Outcome&) {}));
 }
 
-void StandInEngine::Server::setMethodCallHandler(const std::string& channel,
-                                                 MethodCallHandler handler) {
+void Server::setMethodCallHandler(const std::string& channel, MethodCallHandler handler) {
   if (handler) {
     _handlers[channel] = std::move(handler);
   } else {
@@ -563,23 +558,23 @@ void StandInEngine::Server::setMethodCallHandler(const std::string& channel,
   }
 }
 
-void StandInEngine::Server::invokeMethod(const std::string& channel, const MethodCall& call) {
+void Server::invokeMethod(const std::string& channel, const MethodCall& call) {
   const codec::Bytes message = encodeHostCall(channel, call);
   // A connection that fails while it is sent to takes itself off the list.
   const auto connections = _connections;
   for (const auto& connection : connections) connection->send(message);
 }
 
-std::vector<std::string> StandInEngine::Server::pageAddresses() const {
+std::vector<std::string> Server::pageAddresses() const {
   std::vector<std::string> addresses = originsFor(_options.address, _port, isEncrypted());
   for (std::string& address : addresses) address += "/#" + _token;
   return addresses;
 }
 
-std::vector<StandInEngine::Peer> StandInEngine::Server::peers() const {
-  std::vector<Peer> peers;
+std::vector<EnginePeer> Server::peers() const {
+  std::vector<EnginePeer> peers;
   for (const auto& connection : _connections) {
-    Peer& peer = peers.emplace_back(connection->peer());
+    EnginePeer& peer = peers.emplace_back(connection->peer());
     peer.connection = connection->number();
     const Guests::Guest* guest = _guests.find(connection->number());
     peer.isPaired = guest != nullptr && guest->device.has_value();
@@ -587,13 +582,13 @@ std::vector<StandInEngine::Peer> StandInEngine::Server::peers() const {
   return peers;
 }
 
-void StandInEngine::Server::observePeers(std::function<void()> changed) {
+void Server::observePeers(std::function<void()> changed) {
   _observer = std::move(changed);
 }
 
-void StandInEngine::Server::peersChanged() {
+void Server::peersChanged() {
   const auto changed = _observer;  // the observer may replace itself
   if (changed) changed();
 }
 
-}  // namespace tapdeck
+}  // namespace tapdeck::standin

@@ -9,9 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "Engine/UIEngine.h"
 #include "Platform/Linux/StandInEngine/BackgroundCalls.h"
 #include "Platform/Linux/StandInEngine/Connection.h"
 #include "Platform/Linux/StandInEngine/Devices.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 #include "Platform/Linux/StandInEngine/Guests.h"
 #include "Platform/Linux/StandInEngine/Handles.h"
 #include "Platform/Linux/StandInEngine/Holds.h"
@@ -19,17 +21,16 @@
 #include "Platform/Linux/StandInEngine/Page.h"
 #include "Platform/Linux/StandInEngine/PendingConnections.h"
 #include "Platform/Linux/StandInEngine/Pictures.h"
-#include "Platform/Linux/StandInEngine/StandInEngine.h"
 #include "Platform/Linux/StandInEngine/Turns.h"
 #include "Platform/Linux/StandInEngine/WrongSecrets.h"
 
-namespace tapdeck {
+namespace tapdeck::standin {
 
 /// What stands behind the engine: the HTTP server, the open connections and the channels' handlers.
 /// Shared, because a handler that it calls may let go of the engine.
-class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine::Server> {
+class Server : public std::enable_shared_from_this<Server> {
  public:
-  explicit Server(Options options);
+  explicit Server(EngineOptions options);
 
   /// Listens and writes session.json. Throws StandInEngineError.
   void start();
@@ -43,23 +44,22 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   void setMethodCallHandler(const std::string& channel, MethodCallHandler handler);
   void invokeMethod(const std::string& channel, const MethodCall& call);
   std::vector<std::string> pageAddresses() const;
-  std::vector<Peer> peers() const;
+  std::vector<EnginePeer> peers() const;
   size_t wrongSecrets() const { return _wrongSecrets.total(); }
   void observePeers(std::function<void()> changed);
-  std::vector<Device> devices() const;
+  std::vector<EngineDevice> devices() const;
   void disconnect(uint64_t connection);
   void disconnectDevice(const std::string& device);
   void forgetDevice(const std::string& device);
 
  private:
-  using Connection = standin::Connection;
   using Weak = std::weak_ptr<Server>;
 
   /// What a query's token or secret opens, and for which device.
   struct Access {
     enum class Kind { granted, wrongToken, forgotten };
     Kind kind;
-    std::optional<standin::Device> device;
+    std::optional<Device> device;
   };
 
   void useCertificate();
@@ -68,7 +68,7 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   /// Whether what arrived at this address of ours may stay.
   bool isServedAt(GSocketAddress* local) const;
   bool isEncryptedAt(GSocketAddress* local) const;
-  void takeIn(standin::Object<GSocketConnection> accepted);
+  void takeIn(Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
   void servePage(SoupServerMessage* message) const;
@@ -76,46 +76,46 @@ class StandInEngine::Server : public std::enable_shared_from_this<StandInEngine:
   void serveUpgrade(SoupServerMessage* message, GHashTable* query);
   /// Answers the message as it stands, which is a refusal, late; 429 where too many wait already.
   void slowDown(SoupServerMessage* message);
-  void completeUpgrade(SoupServerMessage* message, const std::optional<standin::Device>& device);
+  void completeUpgrade(SoupServerMessage* message, const std::optional<Device>& device);
 
   Access accessBy(GHashTable* query) const;
   void answerAboutDevices(const std::shared_ptr<Connection>& connection, const MethodCall& call,
                           Reply reply);
-  void pair(const Connection& connection, standin::Guests::Guest& guest, const MethodCall& call,
+  void pair(const Connection& connection, Guests::Guest& guest, const MethodCall& call,
             Reply reply);
   void tellCount();
   void endConnections(const std::vector<uint64_t>& numbers, uint16_t code, const char* reason);
 
   std::shared_ptr<Connection> connectionOf(uint64_t number) const;
   /// A request's turn has come.
-  void carryOut(uint64_t number, const standin::Request& request);
-  void forward(const std::shared_ptr<Connection>& connection, const standin::Request& request);
+  void carryOut(uint64_t number, const Request& request);
+  void forward(const std::shared_ptr<Connection>& connection, const Request& request);
   void capture(const std::shared_ptr<Connection>& connection, const MethodCall& call, Reply reply);
-  Reply replyTo(const std::shared_ptr<Connection>& connection, const standin::Request& request);
+  Reply replyTo(const std::shared_ptr<Connection>& connection, const Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
   void peersChanged();
 
-  Options _options;
+  EngineOptions _options;
   std::string _token;
   uint16_t _port = 0;
-  standin::Page _page;
-  standin::Object<SoupServer> _http;
+  Page _page;
+  Object<SoupServer> _http;
   /// Of the network's connections; null while they are not encrypted.
-  standin::Object<GTlsCertificate> _certificate;
-  std::unique_ptr<standin::Listener> _listener;
-  standin::PendingConnections _pending;
+  Object<GTlsCertificate> _certificate;
+  std::unique_ptr<Listener> _listener;
+  PendingConnections _pending;
   std::vector<std::shared_ptr<Connection>> _connections;
   std::map<std::string, MethodCallHandler> _handlers;
-  standin::Holds _holds;
-  standin::Turns _turns;
-  standin::BackgroundCalls _background;
-  standin::Pictures _pictures;
-  standin::WrongSecrets _wrongSecrets;
-  standin::Devices _devices;
-  standin::Guests _guests;
+  Holds _holds;
+  Turns _turns;
+  BackgroundCalls _background;
+  Pictures _pictures;
+  WrongSecrets _wrongSecrets;
+  Devices _devices;
+  Guests _guests;
   size_t _toldCount = 0;
   std::function<void()> _observer;
 };
 
-}  // namespace tapdeck
+}  // namespace tapdeck::standin

@@ -7,9 +7,7 @@
 #include "Platform/Linux/StandInEngine/BrowserName.h"
 #include "Platform/Linux/StandInEngine/Server.h"
 
-namespace tapdeck {
-
-using namespace standin;
+namespace tapdeck::standin {
 
 namespace {
 
@@ -40,7 +38,7 @@ const char* queryValue(GHashTable* query, const char* key) {
 
 }  // namespace
 
-StandInEngine::Server::Access StandInEngine::Server::accessBy(GHashTable* query) const {
+Server::Access Server::accessBy(GHashTable* query) const {
   const char* token = queryValue(query, "token");
   if (token != nullptr && equalInConstantTime(token, _token)) {
     return {Access::Kind::granted, std::nullopt};
@@ -51,8 +49,8 @@ StandInEngine::Server::Access StandInEngine::Server::accessBy(GHashTable* query)
   return {device ? Access::Kind::granted : Access::Kind::forgotten, std::move(device)};
 }
 
-void StandInEngine::Server::answerAboutDevices(const std::shared_ptr<Connection>& connection,
-                                               const MethodCall& call, Reply reply) {
+void Server::answerAboutDevices(const std::shared_ptr<Connection>& connection,
+                                const MethodCall& call, Reply reply) {
   Guests::Guest* guest = _guests.find(connection->number());
   if (guest == nullptr) {
     reply.notImplemented();
@@ -70,8 +68,8 @@ void StandInEngine::Server::answerAboutDevices(const std::shared_ptr<Connection>
   }
 }
 
-void StandInEngine::Server::pair(const Connection& connection, Guests::Guest& guest,
-                                 const MethodCall& call, Reply reply) {
+void Server::pair(const Connection& connection, Guests::Guest& guest, const MethodCall& call,
+                  Reply reply) {
   if (guest.device) {
     reply.error("ALREADY_PAIRED", "This device is paired already.");
     return;
@@ -94,7 +92,7 @@ void StandInEngine::Server::pair(const Connection& connection, Guests::Guest& gu
   peersChanged();
 }
 
-void StandInEngine::Server::tellCount() {
+void Server::tellCount() {
   const size_t count = _guests.count();
   if (std::exchange(_toldCount, count) == count) return;
   const codec::Bytes message = encodeHostCall(
@@ -106,8 +104,8 @@ void StandInEngine::Server::tellCount() {
   }
 }
 
-std::vector<StandInEngine::Device> StandInEngine::Server::devices() const {
-  std::vector<StandInEngine::Device> devices;
+std::vector<EngineDevice> Server::devices() const {
+  std::vector<EngineDevice> devices;
   for (auto& each : _devices.list()) {
     const bool isConnected = !_guests.of(each.id).empty();
     devices.push_back(
@@ -116,25 +114,25 @@ std::vector<StandInEngine::Device> StandInEngine::Server::devices() const {
   return devices;
 }
 
-void StandInEngine::Server::endConnections(const std::vector<uint64_t>& numbers, uint16_t code,
-                                           const char* reason) {
+void Server::endConnections(const std::vector<uint64_t>& numbers, uint16_t code,
+                            const char* reason) {
   for (const uint64_t number : numbers) {
     if (const auto connection = connectionOf(number)) connection->close(code, reason);
   }
 }
 
-void StandInEngine::Server::disconnect(uint64_t connection) {
+void Server::disconnect(uint64_t connection) {
   endConnections({connection}, kDisconnected, "disconnected at the computer");
 }
 
-void StandInEngine::Server::disconnectDevice(const std::string& device) {
+void Server::disconnectDevice(const std::string& device) {
   endConnections(_guests.of(device), kDisconnected, "disconnected at the computer");
 }
 
-void StandInEngine::Server::forgetDevice(const std::string& device) {
+void Server::forgetDevice(const std::string& device) {
   _devices.forget(device);
   endConnections(_guests.of(device), kForgotten, "forgotten at the computer");
   peersChanged();
 }
 
-}  // namespace tapdeck
+}  // namespace tapdeck::standin

@@ -7,12 +7,13 @@
 namespace tapdeck {
 
 std::shared_ptr<StandInEngine> StandInEngine::start(const Options& options) {
-  auto server = std::make_shared<Server>(options);
+  auto server = std::make_shared<standin::Server>(options);
   server->start();
   return std::shared_ptr<StandInEngine>(new StandInEngine(std::move(server)));
 }
 
-StandInEngine::StandInEngine(std::shared_ptr<Server> server) : _server(std::move(server)) {}
+StandInEngine::StandInEngine(std::shared_ptr<standin::Server> server)
+    : _server(std::move(server)) {}
 
 StandInEngine::~StandInEngine() {
   stop();

@@ -1,60 +1,28 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "Engine/UIEngine.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 
 namespace tapdeck {
 
-/// The engine could not start; the text says why and what to do.
-class StandInEngineError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+namespace standin {
+class Server;
+}
 
 /// The UI engine's place on Linux: serves the Console page over HTTP and carries the method
 /// channels over WebSocket (subprotocol "tapdeck.engine.v1"). Lives on the thread of the default
 /// GLib main context, which must be the main thread.
 class StandInEngine final : public UIEngine {
  public:
-  struct Options {
-    /// The IP address to listen on.
-    std::string address = "127.0.0.1";
-    /// 0 takes any free port.
-    uint16_t port = 8420;
-    /// A connection from which nothing comes for so long, no answer to a ping either, is ended.
-    std::chrono::milliseconds silenceLimit = std::chrono::seconds(25);
-    /// So long an accepted connection has to become a WebSocket or to get its answer.
-    std::chrono::milliseconds pendingLimit = std::chrono::seconds(10);
-    /// Where the paired devices are kept; empty for the user's data folder.
-    std::string devicesFile = "";
-    /// Whether connections over the network are encrypted, and with which certificate; as above.
-    bool isEncrypted = false;
-    std::string certificateFile = "";
-  };
-  /// One open connection, for people to read.
-  struct Peer {
-    std::string address;
-    std::string userAgent;
-    /// For disconnect().
-    uint64_t connection;
-    /// Then it is one of devices().
-    bool isPaired;
-  };
-  /// A paired device, for people to read.
-  struct Device {
-    std::string id;
-    std::string name;
-    /// Seconds since 1970; now for one that is connected.
-    int64_t seen;
-    bool isConnected;
-  };
+  using Options = standin::EngineOptions;
+  using Peer = standin::EnginePeer;
+  using Device = standin::EngineDevice;
 
   /// Starts to listen and writes session.json. Throws StandInEngineError.
   static std::shared_ptr<StandInEngine> start(const Options& options);
@@ -102,9 +70,8 @@ class StandInEngine final : public UIEngine {
   void stop();
 
  private:
-  class Server;
-  explicit StandInEngine(std::shared_ptr<Server> server);
-  std::shared_ptr<Server> _server;
+  explicit StandInEngine(std::shared_ptr<standin::Server> server);
+  std::shared_ptr<standin::Server> _server;
 };
 
 }  // namespace tapdeck

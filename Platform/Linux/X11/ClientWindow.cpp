@@ -27,10 +27,9 @@ struct Extents {
 
 std::optional<Extents> extentsOf(Connection& connection, xcb_window_t window,
                                  const char* property) {
-  const auto numbers = numbersOf(connection, window, property, XCB_ATOM_CARDINAL);
-  if (numbers.size() < 4) return std::nullopt;
-  return Extents{static_cast<int>(numbers[0]), static_cast<int>(numbers[1]),
-                 static_cast<int>(numbers[2]), static_cast<int>(numbers[3])};
+  const auto lengths = lengthsOf(connection, window, property);
+  if (lengths.size() < 4) return std::nullopt;
+  return Extents{lengths[0], lengths[1], lengths[2], lengths[3]};
 }
 
 /// How wide the shadow is that an application draws around its own frame; absent for one that draws

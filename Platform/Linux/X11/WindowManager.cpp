@@ -6,13 +6,31 @@
 #include "Platform/Linux/X11/ClientMessage.h"
 
 namespace tapdeck::quartz {
+namespace {
 
-std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
-                                xcb_atom_t type) {
-  const auto bytes = connection.property(window, connection.atom(property), type);
+std::vector<uint32_t> numbersIn(const std::vector<uint8_t>& bytes) {
   std::vector<uint32_t> values(bytes.size() / sizeof(uint32_t));
   if (!values.empty()) std::memcpy(values.data(), bytes.data(), values.size() * sizeof(uint32_t));
   return values;
+}
+
+}  // namespace
+
+std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
+                                xcb_atom_t type) {
+  return numbersIn(connection.property(window, connection.atom(property), type));
+}
+
+std::vector<int> lengthsOf(Connection& connection, xcb_window_t window, const char* property) {
+  return lengthsIn(connection.property(window, connection.atom(property), XCB_ATOM_CARDINAL));
+}
+
+std::vector<int> lengthsIn(const std::vector<uint8_t>& bytes) {
+  std::vector<int> lengths;
+  for (const uint32_t number : numbersIn(bytes)) {
+    lengths.push_back(std::clamp(static_cast<int>(number), -kMaxLength, kMaxLength));
+  }
+  return lengths;
 }
 
 bool hasAnyAtom(Connection& connection, xcb_window_t window, const char* property,

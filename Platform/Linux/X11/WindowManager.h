@@ -16,6 +16,16 @@ namespace tapdeck::quartz {
 std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,
                                 xcb_atom_t type);
 
+/// A property of lengths and places (CARDINAL), in pixels of the root window. What no X screen has
+/// room for is cut to kMaxLength, so that it can be counted with.
+std::vector<int> lengthsOf(Connection& connection, xcb_window_t window, const char* property);
+
+/// X's coordinates have 16 bits.
+inline constexpr int kMaxLength = 0x7fff;
+
+/// The lengths in a property's bytes, as Connection::property gives them. Any thread.
+std::vector<int> lengthsIn(const std::vector<uint8_t>& bytes);
+
 /// Whether a property of atoms has one of these.
 bool hasAnyAtom(Connection& connection, xcb_window_t window, const char* property,
                 std::initializer_list<const char*> names);

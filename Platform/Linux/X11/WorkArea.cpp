@@ -10,8 +10,6 @@ namespace {
 
 constexpr size_t kPartialStrutLength = 12;
 constexpr size_t kStrutLength = 4;
-/// The largest coordinate that the protocol has.
-constexpr int kMaxCoordinate = 0x7fff;
 
 Edges areaOf(const Monitor& monitor) {
   return {monitor.x, monitor.y, monitor.x + monitor.width, monitor.y + monitor.height};
@@ -58,34 +56,25 @@ void subtract(const Strut& strut, const Edges& monitor, const RootSize& root, Ed
 std::vector<Strut> currentStruts(Connection& connection) {
   std::vector<Strut> struts;
   for (const xcb_window_t window : managedClients(connection)) {
-    auto numbers = numbersOf(connection, window, "_NET_WM_STRUT_PARTIAL", XCB_ATOM_CARDINAL);
-    if (numbers.size() < kPartialStrutLength) {
-      // the older property, whose struts run along the whole edge
-      numbers = numbersOf(connection, window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL);
-      if (numbers.size() < kStrutLength) continue;
-      numbers.resize(kStrutLength);
-      for (int edge = 0; edge < 4; ++edge) numbers.insert(numbers.end(), {0, kMaxCoordinate});
+    for (const char* property : {"_NET_WM_STRUT_PARTIAL", "_NET_WM_STRUT"}) {
+      const auto strut = strutOf(lengthsOf(connection, window, property));
+      if (!strut) continue;
+      struts.push_back(*strut);
+      break;
     }
-    Strut strut{};
-    std::memcpy(&strut, numbers.data(), sizeof strut);
-    struts.push_back(strut);
   }
   return struts;
 }
 
-/// Leaves out what EWMH's _NET_WORKAREA does: margins, and panels without a strut. It is one
-/// rectangle for all monitors together, so that it is of use only where there is one monitor.
-void intersectWithDesktopWorkArea(Connection& connection, Edges& area) {
-  const auto numbers = numbersOf(connection, connection.root(), "_NET_WORKAREA", XCB_ATOM_CARDINAL);
-  if (numbers.size() < 4) return;
-  const auto at = [&](size_t index) { return static_cast<int>(numbers[index]); };
-  area.left = std::max(area.left, at(0));
-  area.top = std::max(area.top, at(1));
-  area.right = std::min(area.right, at(0) + at(2));
-  area.bottom = std::min(area.bottom, at(1) + at(3));
-}
-
 }  // namespace
+
+std::optional<Strut> strutOf(const std::vector<int>& lengths) {
+  if (lengths.size() < kStrutLength) return std::nullopt;
+  Strut strut{lengths[0], lengths[1], lengths[2], lengths[3], 0, kMaxLength,
+              0,          kMaxLength, 0,          kMaxLength, 0, kMaxLength};
+  if (lengths.size() >= kPartialStrutLength) std::memcpy(&strut, lengths.data(), sizeof strut);
+  return strut;
+}
 
 Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, RootSize root) {
   const Edges whole = areaOf(monitor);
@@ -94,12 +83,23 @@ Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, Ro
   return area;
 }
 
+// It is one rectangle for all monitors, so it says something only where there is one: margins, and
+// panels that have no strut.
+Edges withinWorkArea(const Edges& area, const std::vector<int>& lengths) {
+  if (lengths.size() < 4) return area;
+  return {std::max(area.left, lengths[0]), std::max(area.top, lengths[1]),
+          std::min(area.right, lengths[0] + lengths[2]),
+          std::min(area.bottom, lengths[1] + lengths[3])};
+}
+
 Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor) {
   const auto root = connection.wait(xcb_get_geometry(connection.get(), connection.root()),
                                     xcb_get_geometry_reply);
   if (root == nullptr) return areaOf(monitor);
   Edges area = withoutStruts(monitor, currentStruts(connection), {root->width, root->height});
-  if (isOnlyMonitor) intersectWithDesktopWorkArea(connection, area);
+  if (isOnlyMonitor) {
+    area = withinWorkArea(area, lengthsOf(connection, connection.root(), "_NET_WORKAREA"));
+  }
   const bool isEmpty = area.left >= area.right || area.top >= area.bottom;
   return isEmpty ? areaOf(monitor) : area;
 }

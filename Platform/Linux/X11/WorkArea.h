@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "Platform/Linux/X11/Connection.h"
@@ -24,6 +24,10 @@ struct Strut {
   int topStartX, topEndX, bottomStartX, bottomEndX;
 };
 
+/// The strut that a property gives: _NET_WM_STRUT_PARTIAL's twelve lengths, or the first four alone
+/// (_NET_WM_STRUT), which hold along the whole edge; absent where there are fewer. Any thread.
+std::optional<Strut> strutOf(const std::vector<int>& lengths);
+
 /// In pixels.
 struct RootSize {
   int width, height;
@@ -31,6 +35,9 @@ struct RootSize {
 
 /// What is left of the monitor's area without the struts.
 Edges withoutStruts(const Monitor& monitor, const std::vector<Strut>& struts, RootSize root);
+
+/// What _NET_WORKAREA, of which these are the lengths, leaves of the area. Any thread.
+Edges withinWorkArea(const Edges& area, const std::vector<int>& lengths);
 
 /// The part of the monitor that panels and the window manager leave to windows now; the whole
 /// monitor when nothing would be left. Main thread only.

@@ -85,6 +85,7 @@ std::optional<std::string> environmentVariable(const std::string& name) {
 }
 
 void stopProcess(const std::string& message) {
+  if (script().onStop) script().onStop();
   std::fprintf(stderr, "❌ %s\n", message.c_str());
   std::abort();
 }

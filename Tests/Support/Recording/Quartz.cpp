@@ -47,6 +47,10 @@ std::string describeSource(CGEventSourceRef source) {
 
 }  // namespace
 
+void tapdeck::recording::forgetEvents() {
+  records().clear();
+}
+
 CGEventRef tapdeck::recording::makeDescribedEvent(const std::string& description) {
   return makeEvent(kCGEventNull, {0, 0}, description);
 }

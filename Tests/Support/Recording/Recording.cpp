@@ -28,6 +28,7 @@ void reset() {
   currentScript = Script();
   currentTrace.clear();
   queued() = Queued();
+  forgetEvents();
 }
 
 void record(const std::string& line) {

@@ -132,6 +132,8 @@ struct Script {
   std::optional<std::string> pasteboard;
   std::map<std::string, std::string> environment;
   bool urlsParse = true;
+  /// Throws where the process is to stop, so that it can go on with something else.
+  std::function<void()> onStop;
 
   Applications applications;
   LoginItems loginItems;
@@ -155,6 +157,9 @@ struct Queued {
 Script& script();
 
 Queued& queued();
+
+/// Events that were handed out before mean nothing any more.
+void forgetEvents();
 
 /// Puts the script back to its defaults and forgets trace, queued work and observers.
 void reset();

@@ -133,7 +133,7 @@ bool BorrowedKeys::wouldEvict(const Request& request) const {
 }
 
 bool BorrowedKeys::assign(const Request& request) {
-  if (!followChanges()) return false;
+  if (!followChanges() || !mayBorrow()) return false;
   KeyMappings mappings;
   const bool newText = !request.text.empty() && assignText(request.text, mappings);
   const bool newKeys = !request.keys.empty() && assignKeys(request.keys, mappings);

@@ -36,6 +36,8 @@ class BorrowedKeys {
   bool isBorrowed(Keycode code) const { return _originals.contains(code); }
   /// The number of groups, those that our remapping added included.
   int groups() const { return _now.groups(); }
+  /// Nothing is borrowed that could not be given back after a kill.
+  bool mayBorrow() { return isBorrowing() || _sender.canKeepMappings(); }
 
   /// A keycode and the group in which it gives the keysym.
   struct AssignedKey {

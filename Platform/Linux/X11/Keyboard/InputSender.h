@@ -52,6 +52,8 @@ class InputSender {
 
   /// What a process before this one left of keys' mappings; empty when there is nothing.
   const InputRecord& leftOver() const { return _leftOver; }
+  /// Whether mappings can be kept now: not while the disk is full.
+  bool canKeepMappings() { return _journal.takeSpace(); }
   /// Keeps the mappings that are to be given back.
   void keepMappings(const KeyMappings& mappings);
 

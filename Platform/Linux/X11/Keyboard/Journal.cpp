@@ -7,7 +7,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <utility>
 
 namespace tapdeck::quartz {
 namespace {
@@ -15,7 +18,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr uint8_t kFormat = 1;
-constexpr size_t kMaxFileSize = size_t{256} << 10;
+// room for every key of a keyboard with all the levels that layouts have
+constexpr size_t kFileSize = size_t{64} << 10;
+// in front of what is held: how many bytes that is, as the file is always as long
+constexpr int kSizeBytes = 4;
 
 /// Numbers, the most significant byte first.
 class Writer {
@@ -146,31 +152,48 @@ Journal::Journal() {
     ::close(_file);
     _file = -1;
   }
+  takeSpace();
 }
 
 Journal::~Journal() {
   if (_file < 0) return;
-  struct stat status = {};
-  if (::fstat(_file, &status) == 0 && status.st_size == 0) ::unlink(_path.c_str());
+  if (_holdsNothing) ::unlink(_path.c_str());
   ::close(_file);
+}
+
+bool Journal::takeSpace() {
+  if (_file < 0 || _hasSpace) return true;
+  const int error = ::posix_fallocate(_file, 0, kFileSize);
+  _hasSpace = error == 0;
+  if (!_hasSpace && !std::exchange(_toldOfFullDisk, true)) {
+    std::fprintf(stderr,
+                 "tapdeck: no space for %s (%s): text is typed with the keys of the layout alone, "
+                 "and what it lacks is left out\n",
+                 _path.c_str(), std::strerror(error));
+  }
+  return _hasSpace;
 }
 
 std::optional<InputRecord> Journal::takeLeftOver() const {
   if (_file < 0) return std::nullopt;
-  std::vector<uint8_t> bytes(kMaxFileSize);
+  std::vector<uint8_t> bytes(kFileSize);
   const ssize_t count = ::pread(_file, bytes.data(), bytes.size(), 0);
-  if (count <= 0) return std::nullopt;
-  bytes.resize(static_cast<size_t>(count));
-  return readRecord(bytes);
+  if (count < kSizeBytes) return std::nullopt;
+  const size_t size = Reader(bytes).number(kSizeBytes);
+  if (size > static_cast<size_t>(count) - kSizeBytes) return std::nullopt;
+  const auto start = bytes.begin() + kSizeBytes;
+  return readRecord({start, start + static_cast<std::ptrdiff_t>(size)});
 }
 
-void Journal::write(const InputRecord& record) const {
-  if (_file < 0) return;
-  const auto bytes = record.isNothing() ? std::vector<uint8_t>() : writeRecord(record);
+void Journal::write(const InputRecord& record) {
+  if (_file < 0 || !takeSpace()) return;
+  const auto content = record.isNothing() ? std::vector<uint8_t>() : writeRecord(record);
+  Writer writer;
+  writer.add(static_cast<uint32_t>(content.size()), kSizeBytes);
+  writer.bytes.insert(writer.bytes.end(), content.begin(), content.end());
   // one write: a kill leaves the old state or the new
-  if (::pwrite(_file, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size())) {
-    ::ftruncate(_file, static_cast<off_t>(bytes.size()));
-  }
+  const ssize_t written = ::pwrite(_file, writer.bytes.data(), writer.bytes.size(), 0);
+  _holdsNothing = content.empty() && written == static_cast<ssize_t>(writer.bytes.size());
 }
 
 }  // namespace tapdeck::quartz

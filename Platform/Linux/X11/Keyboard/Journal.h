@@ -28,7 +28,8 @@ std::optional<InputRecord> readRecord(const std::vector<uint8_t>& bytes);
 
 /// A small file beside the session's, one for each X display, that holds this record: what a
 /// process that was killed could not give back, the next one does. Written before the server is
-/// asked. Any thread, one at a time. Where there is no place for the file nothing is kept.
+/// asked. Any thread, one at a time. Where there is no place for the file nothing is kept. The file
+/// has its full size from the start, so that a disk that fills up later takes nothing away.
 class Journal {
  public:
   /// Of the display that DISPLAY names.
@@ -39,12 +40,18 @@ class Journal {
 
   /// What a process left that is no longer; once.
   std::optional<InputRecord> takeLeftOver() const;
-  void write(const InputRecord& record) const;
+  void write(const InputRecord& record);
+  /// Tries again to take the file's space where the disk was full; false while it is. The first
+  /// time that it is, says so on standard error.
+  bool takeSpace();
 
  private:
   std::filesystem::path _path;
   /// Locked while this process lives; -1 when there is none, or another process has it.
   int _file = -1;
+  bool _hasSpace = false;
+  bool _toldOfFullDisk = false;
+  bool _holdsNothing = true;
 };
 
 }  // namespace tapdeck::quartz

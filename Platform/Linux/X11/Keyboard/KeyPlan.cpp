@@ -12,6 +12,7 @@ namespace {
 // the first four key types are the same on every X server
 constexpr uint8_t kTwoLevel = 1;
 constexpr uint8_t kAlphabetic = 2;
+constexpr uint8_t kKeypad = 3;
 
 constexpr int kMaxGroups = 4;
 
@@ -233,6 +234,21 @@ std::vector<UsKey> usTextKeys() {
     if (key.shifted != kNoKeysym) keys.push_back(key);
   }
   return keys;
+}
+
+std::optional<LayoutKey> layoutKeyFor(Keysym keysym, const Keymap& map, int activeGroup) {
+  if (const auto code = map.keyFor(keysym, activeGroup)) return LayoutKey{*code, false};
+  for (int code = map.first; code <= map.last; ++code) {
+    const KeyMapping& key = map.keys[static_cast<size_t>(code)];
+    const auto group = static_cast<size_t>(key.groupFor(activeGroup));
+    const size_t place = group * key.width + 1;
+    // on the keypad it is Num Lock that gives the second level
+    const bool isKeypad = group < key.types.size() && key.types[group] == kKeypad;
+    if (key.width > 1 && place < key.keysyms.size() && key.keysyms[place] == keysym && !isKeypad) {
+      return LayoutKey{static_cast<Keycode>(code), true};
+    }
+  }
+  return std::nullopt;
 }
 
 std::optional<Keycode> usKeycodeOf(const UsKey& key, const Keymap& map) {

@@ -40,6 +40,13 @@ bool isCapsLock(const UsKey& key);
 /// one that locks.
 std::optional<RealKey> realKeyFor(const UsKey& key, const Keymap& map, int activeGroup);
 
+/// A key of the layout that gives the keysym in the active group, with Shift or without.
+struct LayoutKey {
+  Keycode code;
+  bool isShifted;
+};
+std::optional<LayoutKey> layoutKeyFor(Keysym keysym, const Keymap& map, int activeGroup);
+
 // A US key that the layout lacks is added as one more group of the keycode in the same place: some
 // programs recognise shortcuts by keysym, others by keycode, and both then see the same key.
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <thread>
 
+#include "Platform/Linux/X11/Keyboard/Keysyms.h"
 #include "Platform/Linux/X11/Keyboard/TextKeys.h"
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
@@ -43,7 +44,8 @@ bool LiveKeyboard::isReady(const Step& step) {
   // without a server there is nothing to wait for
   if (!_keys.followChanges()) return true;
   if (const auto* text = std::get_if<TextStep>(&step)) {
-    return std::all_of(text->keysyms.begin(), text->keysyms.end(),
+    return !_keys.mayBorrow() ||
+           std::all_of(text->keysyms.begin(), text->keysyms.end(),
                        [this](Keysym keysym) { return _keys.assignedKey(keysym).has_value(); });
   }
   if (const auto* key = std::get_if<KeyStep>(&step)) {
@@ -132,7 +134,10 @@ void LiveKeyboard::type(const TextStep& step) {
   uint8_t locked = before.lockedGroup;
   for (const Keysym keysym : step.keysyms) {
     const auto key = _keys.assignedKey(keysym);
-    if (!key) continue;
+    if (!key) {
+      typeOnLayout(keysym, before.group);
+      continue;
+    }
     _keys.markUsed(keysym);
     const uint8_t wanted = groupToLock(key->group, before);
     if (wanted != locked) lockGroup(wanted);
@@ -141,6 +146,16 @@ void LiveKeyboard::type(const TextStep& step) {
   }
   if (locked != before.lockedGroup) lockGroup(before.lockedGroup);
   if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, true);
+}
+
+void LiveKeyboard::typeOnLayout(Keysym keysym, int group) {
+  const auto key = layoutKeyFor(keysym, _keys.layout(), group);
+  if (!key) return;
+  const auto shift = _keys.layout().keyFor(keysyms::Shift_L, group);
+  const bool needsShift = key->isShifted && shift && !isHeld({keysyms::Shift_L});
+  if (needsShift) _sender.pressKey(*shift);
+  _sender.tapKey(key->code);
+  if (needsShift) _sender.releaseKey(*shift);
 }
 
 void LiveKeyboard::press(const KeyStep& step) {

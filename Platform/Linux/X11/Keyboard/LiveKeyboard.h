@@ -119,6 +119,8 @@ class LiveKeyboard {
   void type(const TextStep& step);
   /// Waits for the reply.
   void noteFocus(xcb_get_input_focus_cookie_t question);
+  /// With a key of the layout itself; nothing when it has none.
+  void typeOnLayout(Keysym keysym, int group);
 
   Connection& _output;
   InputSender _sender;

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace tapdeck {
+
+/// The engine could not start; the text says why and what to do.
+class StandInEngineError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+namespace standin {
+
+/// How the engine is to listen.
+struct EngineOptions {
+  /// The IP address to listen on.
+  std::string address = "127.0.0.1";
+  /// 0 takes any free port.
+  uint16_t port = 8420;
+  /// A connection from which nothing comes for so long, no answer to a ping either, is ended.
+  std::chrono::milliseconds silenceLimit = std::chrono::seconds(25);
+  /// So long an accepted connection has to become a WebSocket or to get its answer.
+  std::chrono::milliseconds pendingLimit = std::chrono::seconds(10);
+  /// Where the paired devices are kept; empty for the user's data folder.
+  std::string devicesFile = "";
+  /// Whether connections over the network are encrypted, and with which certificate; as above.
+  bool isEncrypted = false;
+  std::string certificateFile = "";
+};
+/// One open connection, for people to read.
+struct EnginePeer {
+  std::string address;
+  std::string userAgent;
+  /// For disconnect().
+  uint64_t connection;
+  /// Then it is one of devices().
+  bool isPaired;
+};
+/// A paired device, for people to read.
+struct EngineDevice {
+  std::string id;
+  std::string name;
+  /// Seconds since 1970; now for one that is connected.
+  int64_t seen;
+  bool isConnected;
+};
+
+}  // namespace standin
+
+}  // namespace tapdeck
