@@ -335,28 +335,6 @@ async function secondHost(host) {
   });
 }
 
-async function noMemory() {
-  const host = await Host.start();
-  const witness = await Witness.open();
-  const owner = await fillClipboard(15 * MIB);
-  await table.check("no more memory for a reply, with a key held", async () => {
-    const line = await openLine(host);
-    await line.call("keyDown", { key: "shift" });
-    await within(PATIENCE, () => witness.pressed.length === 1);
-    const limit = Math.ceil(await host.memory("VmSize") + 8) * MIB;
-    await exec("prlimit", ["--pid", String(host.pid), `--as=${limit}`]);
-    for (let i = 0; i < 20 && !line.hasEnded; i++) await line.call("getClipboard").catch(() => {});
-    const status = await Promise.race([host.ended, sleep(PATIENCE, "it goes on", { ref: false })]);
-    await within(PATIENCE, () => witness.pressed.length === 0);
-    const said = host.errors.trim().split("\n").at(-1);
-    return [`${status}, says "${said}", ${witness.pressed.length} keys down`, "1, a reason, none down",
-      status === 1 && said !== "" && witness.pressed.length === 0];
-  });
-  owner.kill();
-  witness.close();
-  host.process.kill("SIGKILL");
-}
-
 const host = await Host.start();
 await flood(host);
 await silence(host);
@@ -370,6 +348,5 @@ await secondHost(host);
 await table.check("SIGTERM after all that", async () => ended(await host.stop()));
 await starve();
 await endInText();
-await noMemory();
 table.end();
 process.exit();
