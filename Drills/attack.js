@@ -120,7 +120,8 @@ async function starve() {
     }
     const late = percentile(times, 0.99);
     const others = busy.reduce((sum, each) => sum + each.answered.length, 0);
-    return [`p50 ${percentile(times, 0.5).toFixed(1)} ms, p99 ${late.toFixed(1)} ms (${others} double clicks meanwhile)`,
+    return [`p50 ${percentile(times, 0.5).toFixed(1)} ms, p99 ${late.toFixed(1)} ms ` +
+      `(${others} double clicks meanwhile)`,
       "p99 under 50 ms", late < 50 && others > 0];
   });
   await table.check("SIGTERM beside them", async () => ended(await host.stop()));
@@ -168,10 +169,12 @@ async function silence(host) {
 }
 
 async function backgroundWork(host) {
-  const player = spawn("mpv", ["--no-config", "--idle", "--vo=null", "--ao=null", "--script=/etc/mpv/scripts/mpris.so"],
+  const player = spawn("mpv", ["--no-config", "--idle", "--vo=null", "--ao=null",
+    "--script=/etc/mpv/scripts/mpris.so"],
     { stdio: "ignore" });
   await table.check("400 \"getNowPlaying\" to a player that hangs, and gone", async () => {
-    const names = async () => (await exec("dbus-send", ["--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
+    const names = async () => (await exec("dbus-send", ["--session", "--print-reply", "--dest=org.freedesktop.DBus",
+      "/",
       "org.freedesktop.DBus.ListNames"])).stdout;
     if (!await within(PATIENCE, async () => (await names()).includes("MediaPlayer2"))) return ["no player", "", false];
     process.kill(player.pid, "SIGSTOP");
@@ -205,7 +208,8 @@ async function clipboards(host) {
     await table.check(`a clipboard of ${mebibytes} MiB`, async () => {
       const owner = await fillClipboard(mebibytes * MIB);
       const line = await openLine(host);
-      const get = async () => line.call("getClipboard").then((text) => text.length, ({ code, message }) => code ?? message);
+      const get = async () => line.call("getClipboard").then(({ length }) => length,
+        ({ code, message }) => code ?? message);
       let seen;
       await within(PATIENCE, async () => { seen = await get(); return seen === wanted; });
       const after = Array.isArray(await line.call("getDisplays"));
@@ -251,7 +255,8 @@ async function wrongTokens(host) {
     const statuses = (await many).map(({ status }) => status);
     line.vanish();
     const slowed = statuses.filter((status) => status === 429).length;
-    return [`the fourth to sixth waited ${ms(late)}, of 20 at once ${slowed} got 429, the right token in after ${ms(right)}`,
+    return [`the fourth to sixth waited ${ms(late)}, of 20 at once ${slowed} got 429, ` +
+      `the right token in after ${ms(right)}`,
       "1750 ms or more, some, within 1 s", late >= 1750 && slowed > 0 &&
       statuses.every((status) => status === 403 || status === 429) && right < 1000];
   });
@@ -266,7 +271,8 @@ function violations() {
     ["a reserved opcode", frame(0x83, Buffer.from("x")), 1002], ["a reserved bit", frame(0xc2, whole), 1002],
     ["no mask", frame(0x82, whole, false), 1002], ["a ping of 126 bytes", frame(0x89, Buffer.alloc(126)), 1002],
     ["a ping in parts", frame(0x09, Buffer.from("x")), 1002], ["a part of nothing", frame(0x80, whole), 1002],
-    ["a text that is no UTF-8", frame(0x81, Buffer.from([0xff])), 1007], ["a text", frame(0x81, whole.subarray(0, 0)), 1003],
+    ["a text that is no UTF-8", frame(0x81, Buffer.from([0xff])), 1007],
+    ["a text", frame(0x81, whole.subarray(0, 0)), 1003],
     ["a message cut short", frame(0x82, whole.subarray(0, -1)), 1007], ["the id 0", message([0, channel, call]), 1002],
     ["no payload", message([1, channel]), 1002], ["a call cut short", message([1, channel, call.slice(0, -1)]), 1007],
     ["more than 1 MiB", frame(0x82, Buffer.alloc(MIB + 1)), 1009],
@@ -283,7 +289,8 @@ async function brokenFrames(host) {
       const served = Array.isArray(await bystander.call("getDisplays"));
       const seen = line.farewell?.code ?? "no goodbye";
       line.vanish();
-      return [`${seen}, another phone is ${served ? "served" : "not served"}`, `${code}, served`, seen === code && served];
+      return [`${seen}, another phone is ${served ? "served" : "not served"}`, `${code}, served`,
+        seen === code && served];
     });
   }
   bystander.vanish();

@@ -18,11 +18,15 @@ const { values } = parseArgs({ options: { seconds: { type: "string", default: "6
 const seconds = Number(values.seconds);
 if (!(seconds >= 1)) throw new RangeError("--seconds takes a number from 1 up");
 
-/** The calls that a line makes in turn; its two letters are nobody else's. "keyPress" takes 10 ms of the host's. */
+/**
+ * The calls that a line makes in turn; its two letters are nobody else's.
+ * "keyPress" is not among them: it takes 10 ms of the host's.
+ */
 function mix(number) {
   const [one, other] = "abcdefghijklmnop".slice(2 * number);
   const there = ["moveMouse", { dx: 5, dy: 0 }], back = ["moveMouse", { dx: -5, dy: 0 }];
-  return [there, back, ["keyDown", { key: one }], there, ["keyUp", { key: one }], back, ["scroll", { direction: 1, amount: 40 }],
+  return [there, back, ["keyDown", { key: one }], there,
+    ["keyUp", { key: one }], back, ["scroll", { direction: 1, amount: 40 }],
     there, ["screenCursor"], back, ["keyDown", { key: other }], ["getDisplays"], ["keyUp", { key: other }],
     ["captureScreen", { maxWidth: 640 }], ["scroll", { direction: -1, amount: 40 }]];
 }
@@ -97,10 +101,12 @@ table.row("movements that cancel out", `pointer at ${place}, before ${before.poi
   place === before.pointer);
 
 const [median, late] = [percentile(times, 0.5), percentile(times, 0.99)];
-console.log(`        ${times.length} "moveMouse" | p50 ${median.toFixed(1)} ms, p99 ${late.toFixed(1)} ms | no bound here`);
+console.log(`        ${times.length} "moveMouse" ` +
+  `| p50 ${median.toFixed(1)} ms, p99 ${late.toFixed(1)} ms | no bound here`);
 
 const after = await host.memory();
-table.row("resident memory", `${before.memory.toFixed(1)} MiB before, ${Math.max(...memory, after).toFixed(1)} at most, ` +
+table.row("resident memory", `${before.memory.toFixed(1)} MiB before, ` +
+  `${Math.max(...memory, after).toFixed(1)} at most, ` +
   `${after.toFixed(1)} after`, "grows by less than 4 MiB", after - before.memory < 4);
 
 const { status, milliseconds } = await host.stop();
