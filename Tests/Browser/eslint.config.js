@@ -19,6 +19,10 @@ export default [
   },
   { files: ["Console/**"], rules: { "no-undef": "off" } },
   {
+    files: ["Drills/**"],
+    languageOptions: { globals: globals("process", "console", "Buffer", "setInterval", "clearInterval") },
+  },
+  {
     files: ["Tests/Browser/**"],
     languageOptions: {
       globals: globals("process", "console", "Buffer", "URL", "setTimeout", "clearTimeout", "performance",

@@ -96,7 +96,7 @@ TEST(JournalTest, HasItsSpaceFromTheStart) {
   const TemporaryFolder folder;
   const EnvironmentVariable runtime("XDG_RUNTIME_DIR", folder.path.c_str());
   const EnvironmentVariable display("DISPLAY", ":7");
-  const auto file = folder.path / "tapdeck" / "record-7";
+  const auto file = folder.path / "tapdeck" / "held-7";
   {
     Journal journal;
     const auto size = std::filesystem::file_size(file);
@@ -112,7 +112,7 @@ TEST(JournalTest, HasItsSpaceFromTheStart) {
     journal.write(InputRecord());
     EXPECT_FALSE(journal.takeLeftOver());
   }
-  EXPECT_FALSE(std::filesystem::exists(file)) << "nothing is record";
+  EXPECT_FALSE(std::filesystem::exists(file)) << "nothing is held";
 }
 
 TEST(KeymapTest, AReplyThatDoesNotHoldTogetherIsRefused) {
