@@ -1,8 +1,10 @@
 #include "Tests/Desktop/MediaFixture.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <gtkmm/main.h>
 
+#include <csignal>
 #include <fstream>
 #include <stdexcept>
 #include <string_view>
@@ -13,6 +15,29 @@
 namespace tapdeck::testing {
 
 std::string interpreterProgram;
+
+RunningHost::RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
+  EXPECT_TRUE(awaitLine()) << errors();
+}
+
+RunningHost::~RunningHost() {
+  send(SIGTERM);
+  EXPECT_EQ(status(), 0) << errors();
+  EXPECT_THAT(errors(), ::testing::Not(::testing::HasSubstr("CRITICAL")));
+}
+
+size_t RunningHost::openFiles() const {
+  return static_cast<size_t>(
+      std::distance(std::filesystem::directory_iterator(folder() / "fd"), {}));
+}
+
+bool RunningHost::hasChildren() const {
+  return !contentsOf(folder() / "task" / std::to_string(id()) / "children").empty();
+}
+
+std::filesystem::path RunningHost::folder() const {
+  return "/proc/" + std::to_string(id());
+}
 
 RealPlayer::RealPlayer()
     : _player({"mpv", "--no-video", "--ao=null", "--no-terminal", makeTone().string()}) {

@@ -14,6 +14,20 @@ inline constexpr std::chrono::seconds kForEver{10};
 /// The interpreter's executable, from the command line.
 extern std::string interpreterProgram;
 
+/// The host itself, with a stand-in engine; it has to end without complaint.
+class RunningHost : public ChildProcess {
+ public:
+  RunningHost();
+  ~RunningHost();
+
+  size_t openFiles() const;
+  /// Ended or not, as long as it has not looked at how they ended.
+  bool hasChildren() const;
+
+ private:
+  std::filesystem::path folder() const;
+};
+
 /// A real media player, mpv, that plays a minute of silence by the name "tone.wav".
 class RealPlayer {
  public:

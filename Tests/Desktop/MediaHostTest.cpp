@@ -27,28 +27,6 @@ namespace fs = std::filesystem;
 /// is.
 constexpr std::chrono::seconds kForEver{10};
 
-struct RunningHost : ChildProcess {
-  RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
-    EXPECT_TRUE(awaitLine()) << errors();
-  }
-  ~RunningHost() {
-    send(SIGTERM);
-    EXPECT_EQ(status(), 0) << errors();
-    EXPECT_THAT(errors(), Not(HasSubstr("CRITICAL")));
-  }
-
-  size_t openFiles() const {
-    return static_cast<size_t>(std::distance(fs::directory_iterator(folder() / "fd"), {}));
-  }
-  /// Ended or not, as long as it has not looked at how they ended.
-  bool hasChildren() const {
-    return !contentsOf(folder() / "task" / std::to_string(id()) / "children").empty();
-  }
-
- private:
-  fs::path folder() const { return "/proc/" + std::to_string(id()); }
-};
-
 std::string call(const std::string& method, const std::string& arguments = "null") {
   return outputOf({callProgram, method, arguments});
 }

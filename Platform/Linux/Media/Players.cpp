@@ -8,12 +8,13 @@
 #include <utility>
 
 #include "Platform/Linux/AppleScript/Value.h"
+#include "Platform/Linux/Media/Mpris.h"
 
 namespace tapdeck::applescript {
 namespace {
 
-constexpr const char* kPath = "/org/mpris/MediaPlayer2";
-constexpr const char* kInterface = "org.mpris.MediaPlayer2.Player";
+using mpris::kInterface;
+using mpris::kPath;
 constexpr std::string_view kPlaying = "Playing";
 constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
 
@@ -175,6 +176,10 @@ std::optional<Bus> sessionBus() {
 }
 
 }  // namespace
+
+bool isPlayer(std::string_view name) {
+  return ownerOf(name).has_value();
+}
 
 std::vector<std::string> runningPlayers() {
   std::vector<std::string> players;

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Platform/Linux/AppleScript/Desktop.h"
@@ -11,6 +12,9 @@ namespace tapdeck::applescript {
 
 // The media players of the session bus (MPRIS 2), by the names that the host knows: those of
 // Spotify and VLC are theirs, and any other is the desktop's own, "Music".
+
+/// Whether this is the bus name of a player, and not of a program that speaks for one.
+bool isPlayer(std::string_view name);
 
 /// The names, each once, of the players that are there. Asks the bus only, so that a player that
 /// does not answer takes no time. Any thread.
