@@ -23,10 +23,6 @@ using ::testing::Not;
 
 namespace fs = std::filesystem;
 
-/// Whoever hangs does so for ever; how soon that is noticed also depends on how busy the machine
-/// is.
-constexpr std::chrono::seconds kForEver{10};
-
 std::string call(const std::string& method, const std::string& arguments = "null") {
   return outputOf({callProgram, method, arguments});
 }
