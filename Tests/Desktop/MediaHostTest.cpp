@@ -21,8 +21,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-namespace fs = std::filesystem;
-
 std::string call(const std::string& method, const std::string& arguments = "null") {
   return outputOf({callProgram, method, arguments});
 }

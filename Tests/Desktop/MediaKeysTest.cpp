@@ -20,13 +20,18 @@ void press(const std::string& method) {
   EXPECT_EQ(outputOf({callProgram, method, "null"}), "null\n");
 }
 
-/// A program that has taken a key for itself, on the whole screen.
-class Grabber {
+/// A program that waits for one key: with the focus, or by a grab on the root window.
+class KeyClient {
  public:
-  enum class Kind { core, inputExtension };
+  enum class Kind { focus, coreGrab, inputExtensionGrab };
 
-  Grabber(Kind kind, xcb_keysym_t keysym) : _code(codeOf(keysym)) {
-    if (kind == Kind::core) {
+  KeyClient(Kind kind, xcb_keysym_t keysym) : _code(codeOf(keysym)) {
+    if (kind == Kind::focus) {
+      const xcb_window_t window = _observer.coverScreen();
+      const uint32_t events = XCB_EVENT_MASK_KEY_PRESS;
+      xcb_change_window_attributes(_observer.get(), window, XCB_CW_EVENT_MASK, &events);
+      xcb_set_input_focus(_observer.get(), XCB_INPUT_FOCUS_PARENT, window, XCB_CURRENT_TIME);
+    } else if (kind == Kind::coreGrab) {
       xcb_grab_key(_observer.get(), 0, _observer.root(), 0, _code, XCB_GRAB_MODE_ASYNC,
                    XCB_GRAB_MODE_ASYNC);
     } else {
@@ -101,6 +106,13 @@ TEST(MediaKeysTest, AKeyThatNobodyGrabbedGoesToThePlayerThatPlayedLast) {
   EXPECT_THAT(second.calls(), ElementsAre("PlayPause()", "Next()", "Previous()"));
 }
 
+TEST(MediaKeysTest, WithoutAPlayerTheKeyIsSent) {
+  const RunningHost host;
+  KeyClient focused(KeyClient::Kind::focus, kAudioNext);
+  press("mediaNext");
+  EXPECT_TRUE(focused.heard());
+}
+
 TEST(MediaKeysTest, AGrabbedKeyGoesToWhoGrabbedIt) {
   const RunningHost host;
   const ScriptedPlayer player("player", "Paused");
@@ -108,8 +120,8 @@ TEST(MediaKeysTest, AGrabbedKeyGoesToWhoGrabbedIt) {
     press("mediaPrevious");
     return !player.calls().empty();
   }));
-  for (const auto kind : {Grabber::Kind::core, Grabber::Kind::inputExtension}) {
-    Grabber grabber(kind, kAudioNext);
+  for (const auto kind : {KeyClient::Kind::coreGrab, KeyClient::Kind::inputExtensionGrab}) {
+    KeyClient grabber(kind, kAudioNext);
     press("mediaNext");
     EXPECT_TRUE(grabber.heard()) << static_cast<int>(kind);
   }
