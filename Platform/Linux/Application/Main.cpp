@@ -19,6 +19,7 @@
 #include "Platform/Linux/Application/FatalError.h"
 #include "Platform/Linux/Application/GtkConnection.h"
 #include "Platform/Linux/Application/MainWindow.h"
+#include "Platform/Linux/Application/MediaKeys.h"
 #include "Platform/Linux/Application/OnlyHost.h"
 #include "Platform/Linux/Application/Options.h"
 #include "Platform/Linux/Application/QrMatrix.h"
@@ -86,6 +87,7 @@ void printAddress(const StandInEngine& engine) {
 /// Runs the host until it is asked to quit; all of it but what GTK holds is gone afterwards.
 void serve(const Options& options) {
   const auto loop = Glib::MainLoop::create();
+  const MediaKeys mediaKeys;
   const auto quit = [loop] { loop->quit(); };
   MainWindow* mainWindow = nullptr;
   // Before the engine writes the session file, which a signal must not leave behind. None is heard

@@ -7,11 +7,13 @@
 #include <string_view>
 #include <utility>
 
+#include "Platform/Linux/Media/Mpris.h"
+
 namespace tapdeck::media {
 namespace {
 
-constexpr const char* kPath = "/org/mpris/MediaPlayer2";
-constexpr const char* kInterface = "org.mpris.MediaPlayer2.Player";
+using mpris::kInterface;
+using mpris::kPath;
 constexpr std::string_view kPlaying = "Playing";
 constexpr std::string_view kNoTrack = "/org/mpris/MediaPlayer2/TrackList/NoTrack";
 
@@ -173,6 +175,10 @@ glib::Variant Player::call(const char* interface, const char* method, GVariant* 
     if (error.kind() == MediaError::Kind::timedOut) _timeout = error;
     throw;
   }
+}
+
+bool isPlayer(std::string_view name) {
+  return applicationOf(name).has_value();
 }
 
 std::vector<std::string> runningPlayers() {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -63,6 +64,9 @@ class Player {
   /// What the first call that was not answered in time ended with.
   std::optional<MediaError> _timeout;
 };
+
+/// Whether this is the bus name of a player, and not of a program that speaks for one.
+bool isPlayer(std::string_view name);
 
 /// The names, each once, of the players that are there. Reads the bus's list of names only, so that
 /// a player that does not answer takes no time. Any thread.

@@ -72,6 +72,12 @@ void BusPeer::refuse(const char* message) {
   g_object_unref(reply);
 }
 
+void BusPeer::announce(const char* path, const char* interface, const char* signal,
+                       GVariant* arguments) {
+  g_dbus_connection_emit_signal(_connection, nullptr, path, interface, signal, arguments, nullptr);
+  g_dbus_connection_flush_sync(_connection, nullptr, nullptr);
+}
+
 void BusPeer::vanish() {
   g_dbus_connection_close(_connection, nullptr, nullptr, nullptr);
 }
@@ -116,6 +122,18 @@ ScriptedPlayer::ScriptedPlayer(const std::string& name, std::string status)
 void ScriptedPlayer::load(std::map<std::string, std::string> texts) {
   const std::lock_guard lock(_mutex);
   _texts = std::move(texts);
+}
+
+void ScriptedPlayer::change(const std::string& status) {
+  {
+    const std::lock_guard lock(_mutex);
+    _status = status;
+  }
+  GVariantBuilder changed;
+  g_variant_builder_init(&changed, G_VARIANT_TYPE_VARDICT);
+  g_variant_builder_add(&changed, "{sv}", "PlaybackStatus", g_variant_new_string(status.c_str()));
+  _peer.announce("/org/mpris/MediaPlayer2", "org.freedesktop.DBus.Properties", "PropertiesChanged",
+                 g_variant_new("(sa{sv}as)", "org.mpris.MediaPlayer2.Player", &changed, nullptr));
 }
 
 void ScriptedPlayer::setLength(uint64_t length) {

@@ -32,6 +32,8 @@ class BusPeer {
   bool callerIsThere() const;
   /// Answers the last call, which was left unanswered, by an error.
   void refuse(const char* message);
+  /// Sends a signal to everyone who listens.
+  void announce(const char* path, const char* interface, const char* signal, GVariant* arguments);
   /// Leaves the bus, as a program does that ends.
   void vanish();
 
@@ -56,6 +58,8 @@ class ScriptedPlayer {
 
   /// What it plays; the texts by their MPRIS names.
   void load(std::map<std::string, std::string> texts);
+  /// Plays, pauses or stops, and tells everyone.
+  void change(const std::string& status);
   /// How long it says that is, in microseconds.
   void setLength(uint64_t length);
   /// From now on it answers nothing.

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "Platform/Linux/Permissions/Permissions.h"
+#include "Platform/Linux/X11/Input/KeyGrabs.h"
 #include "Platform/Linux/X11/Keyboard/KeyPlan.h"
 #include "Platform/Linux/X11/Keyboard/TextPlan.h"
 
@@ -44,7 +45,7 @@ bool isRelease(const __CGEvent& event) {
 }  // namespace
 
 EventPoster::EventPoster(Connection& connection, ServerState& server)
-    : _server(server), _queue(connection) {
+    : _connection(connection), _server(server), _queue(connection) {
   // some screen lockers and games grab the whole server
   xcb_test_grab_control(connection.get(), 1);
   connection.flush();
@@ -71,8 +72,26 @@ void EventPoster::postKey(const __CGEvent& event, bool isPermitted) {
   }
   const auto key = event.mediaKey != 0 ? mediaKeyFor(event.mediaKey) : usKeyFor(event.keyCode);
   if (!key) return;
+  if (event.mediaKey != 0 && isTaken(event, *key, isPermitted)) return;
   if (!isPermitted && down) return;
   _queue.add(KeyStep{*key, down, event.flags, /*ownOnly=*/!isPermitted});
+}
+
+bool EventPoster::isTaken(const __CGEvent& event, const UsKey& key, bool isPermitted) {
+  const bool wasTaken = _takenMediaKeys.erase(event.mediaKey) > 0;
+  if (event.type == kCGEventKeyUp) return wasTaken;
+  if (!isPermitted || !_takeMediaKey || isGrabbed(key) || !_takeMediaKey(event.mediaKey)) {
+    return false;
+  }
+  _takenMediaKeys.insert(event.mediaKey);
+  return true;
+}
+
+bool EventPoster::isGrabbed(const UsKey& key) const {
+  const auto map = fetchKeymap(_connection.get());
+  // a key that the layout lacks cannot be grabbed by its keysym
+  const auto place = map ? realKeyFor(key, *map, 0) : std::nullopt;
+  return place && isKeyGrabbed(_connection, place->code);
 }
 
 void EventPoster::carryOut(const __CGEvent& event) {

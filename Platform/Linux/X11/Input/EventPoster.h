@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <set>
+#include <utility>
 
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Input/Event.h"
@@ -23,6 +26,11 @@ class EventPoster {
   void post(const __CGEvent& event);
   /// Moves the pointer without an event; needs no permission.
   void warp(Pixel pixel) { _queue.add(WarpStep{pixel}); }
+  /// Who gets the media keys (NX_KEYTYPE_) that no program has grabbed; it answers whether it has
+  /// taken the key, which is not sent then. Null for nobody.
+  void offerMediaKeys(std::function<bool(uint32_t keyType)> take) {
+    _takeMediaKey = std::move(take);
+  }
   /// Waits some seconds at most for queued steps; then releases all that is pressed and restores
   /// the keymap.
   void letGo() { _queue.letGo(); }
@@ -32,13 +40,20 @@ class EventPoster {
  private:
   void carryOut(const __CGEvent& event);
   void postKey(const __CGEvent& event, bool isPermitted);
+  /// Whether the media key goes to who is offered them instead of the server.
+  bool isTaken(const __CGEvent& event, const UsKey& key, bool isPermitted);
+  bool isGrabbed(const UsKey& key) const;
   bool move(CGPoint point);
   void press(uint8_t button);
   void release(uint8_t button, bool ownOnly);
   void scroll(const __CGEvent& event);
   void turnWheel(int steps, uint8_t positive, uint8_t negative);
 
+  Connection& _connection;
   ServerState& _server;
+  std::function<bool(uint32_t keyType)> _takeMediaKey;
+  /// Taken at their press: their release is not the server's either.
+  std::set<uint32_t> _takenMediaKeys;
   ScrollSteps _vertical;
   ScrollSteps _horizontal;
   StepQueue _queue;

@@ -1,6 +1,7 @@
 #include "Platform/Linux/X11/Session/ServerSession.h"
 
 #include <memory>
+#include <utility>
 
 #include "Platform/Linux/X11/Session/WindowServer.h"
 
@@ -26,6 +27,10 @@ void connectToWindowServer() {
 
 void observeMonitors(std::function<void()> changed) {
   if (session() != nullptr) session()->state.observe(std::move(changed));
+}
+
+void offerMediaKeys(std::function<bool(uint32_t keyType)> take) {
+  if (session() != nullptr) session()->poster.offerMediaKeys(std::move(take));
 }
 
 void letGo() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 namespace tapdeck::quartz {
@@ -13,6 +14,11 @@ void connectToWindowServer();
 /// Calls `changed` after the list of monitors or the scale changed, once per change, from the GLib
 /// main loop.
 void observeMonitors(std::function<void()> changed);
+
+/// From now on a media key (NX_KEYTYPE_) that is posted while no program has grabbed it goes to
+/// `take` first, on the main thread; where that answers that it has taken the key, the server does
+/// not get it. Null ends it.
+void offerMediaKeys(std::function<bool(uint32_t keyType)> take);
 
 /// Releases every key and button that events posted here still hold pressed, and shows the cursor.
 /// Returns when the server has done so. The end of the process by exit does it too.
