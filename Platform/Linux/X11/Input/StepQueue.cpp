@@ -38,7 +38,8 @@ StepQueue::~StepQueue() {
 void StepQueue::add(Step step) {
   const Lock lock(_mutex);
   _lastAdded = Clock::now();
-  if (!_isBusy && _waiting.empty() && _keyboard.isReady(step)) {
+  if (!_isBusy && _waiting.empty() && _keyboard.isReady(step) &&
+      _keyboard.notBefore(step) <= _lastAdded) {
     const bool wasConfirmed = !_keyboard.unconfirmedSince();
     _keyboard.carryOut(step);
     if (wasConfirmed && _keyboard.unconfirmedSince()) _changed.notify_all();
@@ -112,6 +113,10 @@ void StepQueue::empty(Lock& lock) {
     if (endOfPatience()) {
       _waiting.clear();
       return;
+    }
+    if (const auto time = _keyboard.notBefore(_waiting.front()); Clock::now() < time) {
+      _changed.wait_until(lock, time);
+      continue;
     }
     if (_keyboard.isReady(_waiting.front())) {
       _keyboard.carryOut(_waiting.front());

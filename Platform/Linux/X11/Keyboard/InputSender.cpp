@@ -7,12 +7,12 @@
 namespace tapdeck::quartz {
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 // A button is pressed again after so long at the earliest, as no hand can do it sooner. Chromium
 // takes two presses with one time stamp for one press, and gets none of a press that comes while a
 // window manager still looks at the last one (openbox does at each click).
 constexpr std::chrono::milliseconds kPressGap{20};
+// in milliseconds, as the server counts them
+constexpr uint32_t kStampDelay = 2;
 
 }  // namespace
 
@@ -52,16 +52,21 @@ void InputSender::tapKey(Keycode code) {
 }
 
 void InputSender::pressButton(uint8_t button) {
-  const auto released = _unconfirmedButtons.test(button) ? Clock::now() : _released[button];
+  // A server that was busy may carry out release and press at once: two time stamps all the same.
+  const uint32_t delay = _unconfirmedButtons.test(button) ? kStampDelay : 0;
   _unconfirmedButtons.reset(button);
   updateJournal();
-  const auto left =
-      std::chrono::ceil<std::chrono::milliseconds>(released + kPressGap - Clock::now());
-  fake(XCB_BUTTON_PRESS, button, {0, 0}, static_cast<uint32_t>(std::max<int64_t>(0, left.count())));
+  fake(XCB_BUTTON_PRESS, button, {0, 0}, delay);
+}
+
+InputSender::Clock::time_point InputSender::earliestPress(uint8_t button) const {
+  const auto released = _released.find(button);
+  return released != _released.end() ? released->second + kPressGap : Clock::time_point::min();
 }
 
 void InputSender::releaseButton(uint8_t button) {
   fake(XCB_BUTTON_RELEASE, button);
+  _released[button] = Clock::now();
   if (!_record.buttons.test(button)) return;
   noteRelease();
   _unconfirmedButtons.set(button);
@@ -87,7 +92,7 @@ void InputSender::releaseAll() {
   confirmReleases(_releaseCount);
 }
 
-std::optional<Clock::time_point> InputSender::unconfirmedSince() const {
+std::optional<InputSender::Clock::time_point> InputSender::unconfirmedSince() const {
   if (_unconfirmedKeys.none() && _unconfirmedButtons.none()) return std::nullopt;
   return _unconfirmedSince;
 }
@@ -102,9 +107,6 @@ void InputSender::confirmReleases(uint64_t count) {
   if (count != _releaseCount) {
     _unconfirmedSince = Clock::now();
     return;
-  }
-  for (size_t button = 0; button < _unconfirmedButtons.size(); ++button) {
-    if (_unconfirmedButtons.test(button)) _released[static_cast<uint8_t>(button)] = Clock::now();
   }
   _unconfirmedKeys.reset();
   _unconfirmedButtons.reset();

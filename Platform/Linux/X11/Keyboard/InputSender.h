@@ -17,6 +17,8 @@ namespace tapdeck::quartz {
 /// a time.
 class InputSender {
  public:
+  using Clock = std::chrono::steady_clock;
+
   /// What a process before this one left pressed is released at once.
   explicit InputSender(Connection& connection);
   InputSender(const InputSender&) = delete;
@@ -34,8 +36,10 @@ class InputSender {
   void releaseKey(Keycode code);
   /// At once, nothing between the two.
   void tapKey(Keycode code);
-  /// The physical button. Soon after its last press the server waits a little first.
+  /// The physical button; not before earliestPress().
   void pressButton(uint8_t button);
+  /// When the button may be pressed again. Chromium counts clicks by time stamps.
+  Clock::time_point earliestPress(uint8_t button) const;
   void releaseButton(uint8_t button);
   void tapButton(uint8_t button);
   /// Returns when the server has done so.
@@ -70,7 +74,7 @@ class InputSender {
   std::bitset<256> _unconfirmedButtons;
   std::chrono::steady_clock::time_point _unconfirmedSince;
   uint64_t _releaseCount = 0;
-  /// When each physical button was last known to be released.
+  /// When the release of each physical button was last sent.
   std::map<uint8_t, std::chrono::steady_clock::time_point> _released;
   /// As it stands in the journal.
   InputRecord _record;

@@ -55,6 +55,13 @@ bool LiveKeyboard::isReady(const Step& step) {
   return true;
 }
 
+std::chrono::steady_clock::time_point LiveKeyboard::notBefore(const Step& step) const {
+  const auto* button = std::get_if<ButtonStep>(&step);
+  const bool isPress = button != nullptr && button->down && button->physical;
+  return isPress ? _sender.earliestPress(*button->physical)
+                 : std::chrono::steady_clock::time_point::min();
+}
+
 void LiveKeyboard::carryOut(const Step& step) {
   std::visit(Match{[this](const MotionStep& motion) { _sender.move(motion.pixel); },
                    [this](const WarpStep& warp) { _sender.warp(warp.pixel); },

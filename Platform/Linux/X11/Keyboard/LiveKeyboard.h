@@ -60,7 +60,9 @@ class LiveKeyboard {
 
   /// Whether the step needs no change of the keymap first.
   bool isReady(const Step& step);
-  /// Sends a step that is ready.
+  /// When the step may be sent at the earliest, ready or not.
+  std::chrono::steady_clock::time_point notBefore(const Step& step) const;
+  /// Sends a step that is ready, and whose time has come.
   void carryOut(const Step& step);
   /// Changes the keymap so that the first step is ready, and as many of the others as one change
   /// can serve. May wait some seconds for an application. False when the first cannot be made
