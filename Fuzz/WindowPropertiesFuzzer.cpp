@@ -22,7 +22,7 @@ void check(const Monitor& monitor, const std::vector<int>& lengths) {
   const Edges whole{monitor.x, monitor.y, monitor.x + monitor.width, monitor.y + monitor.height};
   std::vector<Strut> struts;
   if (const auto strut = strutOf(lengths)) struts.push_back(*strut);
-  const Edges left = withoutStruts(monitor, struts, kWidth, kHeight);
+  const Edges left = withoutStruts(monitor, struts, {kWidth, kHeight});
   require(isWithin(left, whole), "struts leave a part of the monitor");
   require(isWithin(withinWorkArea(left, lengths), left), "the work area leaves a part of that");
 }
