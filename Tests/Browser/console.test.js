@@ -87,7 +87,7 @@ describe("touchpad", () => {
         // elsewhere, lest it counts on from the last one
         await putPointer(x + 60 * (count % 2), y);
         await exec(call, ["doubleClick"]);
-        await eventually("two clicks", () => target.evaluate((all) => clicks === all, 2 * count));
+        await eventually("two clicks", () => target.evaluate(`clicks === ${2 * count}`));
       }
       assert.equal(await target.evaluate("doubleClicks"), 40);
     } finally {
