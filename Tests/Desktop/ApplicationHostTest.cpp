@@ -17,8 +17,7 @@
 namespace tapdeck::testing {
 namespace {
 
-using ::testing::HasSubstr;
-using ::testing::Not;
+using namespace ::testing;
 
 bool windowIsVisible() {
   return !outputOf({"xdotool", "search", "--onlyvisible", "--name", "^Tapdeck$"}).empty();

@@ -11,7 +11,6 @@ class WindowPlacementTest : public HostTest {
   WindowPlacementTest() {
     window->_isAccessibilityTrusted = true;
     attach({screen(1, {{0, 0}, {1440, 900}}), screen(2, {{-1920, 100}, {1920, 1080}})});
-    // a menu bar above, a Dock to the left
     script().windows.visibleFrames = {{1, {{0, 0}, {1440, 875}}},
                                       {2, {{-1850, 100}, {1850, 1055}}}};
   }
@@ -26,20 +25,6 @@ class WindowPlacementTest : public HostTest {
     return {trace(), GetCapturedStdout()};
   }
 };
-
-TEST_F(WindowPlacementTest, PutsTheFocusedWindowInsideTheUsableCorner) {
-  EXPECT_THAT(effectOf("1").calls, ElementsAre("window of application 321: AXPosition = (12,37)"));
-  EXPECT_THAT(effectOf("2").calls,
-              ElementsAre("window of application 321: AXPosition = (-1838,-243)"));
-}
-
-TEST_F(WindowPlacementTest, LeavesFullScreenFirst) {
-  script().windows.fullScreen = kCFBooleanTrue;
-  EXPECT_THAT(effectOf("1").calls, ElementsAre("window of application 321: AXFullScreen = false",
-                                               "window of application 321: AXPosition = (12,37)"));
-  script().windows.fullScreen = nullptr;
-  EXPECT_EQ(effectOf("1").calls.size(), 1U);
-}
 
 TEST_F(WindowPlacementTest, StopsWhereItCannotGoOn) {
   const auto unmoved = [&](const std::string& display, const std::string& said = "") {

@@ -56,9 +56,7 @@ class ScriptedPlayer {
 
   /// What it plays; the texts by their MPRIS names.
   void load(std::map<std::string, std::string> texts);
-  /// How long it says that is, in microseconds.
   void setLength(uint64_t length);
-  /// From now on it answers nothing.
   void hang();
   /// It is gone after so many more answers.
   void vanishAfter(int answers);
