@@ -87,7 +87,7 @@ describe("touchpad", () => {
         // elsewhere, lest it counts on from the last one
         await putPointer(x + 60 * (count % 2), y);
         await exec(call, ["doubleClick"]);
-        await eventually("two clicks", () => target.evaluate((all) => clicks === all, 2 * count));
+        await eventually("two clicks", () => target.evaluate(`clicks === ${2 * count}`));
       }
       assert.equal(await target.evaluate("doubleClicks"), 40);
     } finally {
@@ -102,17 +102,6 @@ describe("touchpad", () => {
     await witness.sees("press 1 held 0x0", "release 1 held 0x100");
     await fingers.tap(pad, [pad[0] + 60, pad[1]]);
     await witness.sees("press 3 held 0x0", "release 3 held 0x400");
-    assert.equal(witness.count("press 1 held 0x0"), 1);
-  });
-
-  test("a long press holds the button until the finger is lifted", async () => {
-    await fingers.put(1, ...pad);
-    await witness.sees("press 1 held 0x0");
-    await fingers.drag([1], 60, 0);
-    await witness.sees("move held 0x100");
-    assert.equal(witness.count("release 1 held 0x100"), 0);
-    await fingers.lift(1);
-    await witness.sees("move held 0x100", "release 1 held 0x100");
     assert.equal(witness.count("press 1 held 0x0"), 1);
   });
 

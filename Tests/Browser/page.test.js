@@ -139,14 +139,6 @@ describe("the frame", () => {
     await opened.waitForSelector("#panel-settings >> text=Language");
     await close();
   });
-
-  test("Back goes to the touchpad before it leaves", async () => {
-    await go(page, "media");
-    await go(page, "power");
-    await page.goBack();
-    await page.waitForSelector("#panel-touchpad");
-    assert.equal(await page.getAttribute("#tab-touchpad", "aria-current"), "page");
-  });
 });
 
 test("a line that is dead is seen at the first gesture, and when nobody touches anything", async () => {

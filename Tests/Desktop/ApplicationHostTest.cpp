@@ -17,8 +17,7 @@
 namespace tapdeck::testing {
 namespace {
 
-using ::testing::HasSubstr;
-using ::testing::Not;
+using namespace ::testing;
 
 bool windowIsVisible() {
   return !outputOf({"xdotool", "search", "--onlyvisible", "--name", "^Tapdeck$"}).empty();
@@ -28,6 +27,16 @@ void closeTheWindow() {
   ASSERT_TRUE(eventually(windowIsVisible));
   outputOf({"wmctrl", "-c", "Tapdeck"});
   ASSERT_TRUE(eventually([] { return !windowIsVisible(); }));
+}
+
+/// Types into the window, in which the switch of the first permission has the focus.
+void typeIntoTheSettings(std::vector<std::string> keys) {
+  EXPECT_EQ(call("openAccessibilitySettings"), "null\n");
+  ASSERT_TRUE(eventually([] {
+    return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "Tapdeck\n";
+  }));
+  keys.insert(keys.begin(), {"xdotool", "key"});
+  outputOf(keys);
 }
 
 TEST(HostTest, EndsCleanlyAtTheUsualSignals) {
@@ -66,11 +75,7 @@ TEST(HostTest, AsksTheUserWhoDecidesByTheSwitch) {
   std::filesystem::remove(permissions::settingsPath());
   RunningHost host;
   closeTheWindow();
-  EXPECT_EQ(call("openAccessibilitySettings"), "null\n");
-  ASSERT_TRUE(eventually([] {
-    return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "Tapdeck\n";
-  }));
-  outputOf({"xdotool", "key", "space"});
+  typeIntoTheSettings({"space"});
   EXPECT_TRUE(eventually([] { return !permissions::isGranted(permissions::Permission::control); }));
   EXPECT_TRUE(permissions::isGranted(permissions::Permission::screenCapture));
   EXPECT_EQ(call("isAccessibilityTrusted"), "false\n");
@@ -88,13 +93,7 @@ TEST(HostTest, LetsTheNetworkInByTheSwitchAndRemembersIt) {
     return connection != nullptr;
   };
   // the switch stands two before that of the permission
-  const auto turnSwitch = [] {
-    outputOf({callProgram, "openAccessibilitySettings"});
-    ASSERT_TRUE(eventually([] {
-      return outputOf({"xdotool", "getwindowfocus", "getwindowname"}) == "Tapdeck\n";
-    }));
-    outputOf({"xdotool", "key", "shift+Tab", "shift+Tab", "space"});
-  };
+  const auto turnSwitch = [] { typeIntoTheSettings({"shift+Tab", "shift+Tab", "space"}); };
   {
     RunningHost host;
     EXPECT_FALSE(isOpen());

@@ -25,7 +25,6 @@ class ScreenTest : public ::testing::Test {
 
 class LaserDotTest : public ScreenTest {
  protected:
-  /// Red, green and blue of the display.
   uint32_t colourAt(int x, int y) const {
     const auto image = Observer::owned(xcb_get_image_reply(
         observer.get(),

@@ -24,7 +24,6 @@ constexpr const char* kTwoHalves =
     R"(<svg xmlns="http://www.w3.org/2000/svg" width="16" height="16"><rect width="8" height="16" )"
     R"(fill="#f00"/><rect x="8" width="8" height="16" fill="#00f"/></svg>)";
 
-/// The image that the host answers for the application.
 struct Icon {
   explicit Icon(const std::string& id) : text(applicationIcon(id)) {
     const std::string png = Glib::Base64::decode(text);

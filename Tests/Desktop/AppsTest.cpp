@@ -14,9 +14,7 @@
 namespace tapdeck::testing {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::SizeIs;
+using namespace ::testing;
 
 TEST_F(AppsTest, ListsWhatMenusShowAndTheFavourites) {
   EXPECT_THAT(catalogue(), IsEmpty());

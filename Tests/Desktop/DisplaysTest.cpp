@@ -17,7 +17,6 @@
 namespace tapdeck::testing {
 namespace {
 
-/// "x y width height"
 std::string text(CGRect rect) {
   std::ostringstream out;
   out << rect.origin.x << ' ' << rect.origin.y << ' ' << rect.size.width << ' ' << rect.size.height;
@@ -31,7 +30,6 @@ class DisplaysTest : public ::testing::Test {
     for (const auto* name : {"Main", "Left", "Above"}) observer.deleteMonitor(name);
   }
 
-  /// One monitor in the lower right, one left of it, one above it.
   void arrange() {
     observer.setMonitor("Left", "1000/250x800/200+0+400", "screen");
     observer.setMonitor("Above", "800/200x400/100+1000+0");

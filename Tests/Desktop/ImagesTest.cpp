@@ -49,7 +49,6 @@ Pixels tight(const void* rows, size_t bytesPerRow, size_t width, size_t height) 
   return pixels;
 }
 
-/// As the host draws it.
 Pixels drawn(CGImageRef image, size_t width, size_t height) {
   const auto context = draw(image, width, height);
   return tight(CGBitmapContextGetData(context.get()), CGBitmapContextGetBytesPerRow(context.get()),
@@ -60,7 +59,6 @@ Pixels pixelsOf(CGImageRef image) {
   return drawn(image, CGImageGetWidth(image), CGImageGetHeight(image));
 }
 
-/// A new scaling of the whole.
 Pixels scaled(const Pixels& pixels, const quartz::Monitor& monitor, int width, int height) {
   const auto target = quartz::allocatePixels(width, height, quartz::alignedBytesPerRow(width));
   const quartz::PixelView source{reinterpret_cast<const uint8_t*>(pixels.data()), monitor.width,

@@ -11,10 +11,7 @@
 namespace tapdeck::testing {
 namespace {
 
-using ::testing::AllOf;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::Not;
+using namespace ::testing;
 
 std::string nowPlaying() {
   return call("getNowPlaying", R"({"includeArt": true})");

@@ -16,12 +16,7 @@ namespace tapdeck::testing {
 namespace {
 
 using std::chrono::milliseconds;
-using ::testing::AllOf;
-using ::testing::Contains;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
+using namespace ::testing;
 
 /// What the interpreter prints; of a failure its message.
 std::string run(const std::string& script) {

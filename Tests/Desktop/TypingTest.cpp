@@ -25,7 +25,6 @@ struct Case {
   const char* layout;
   uint8_t group;
   bool caps;
-  /// Held while the text is typed.
   std::vector<CGKeyCode> held;
   /// What the user's own keys A, S and D give.
   const char* ownKeys = "";

@@ -35,7 +35,6 @@ class ApplicationsTest : public HostTest {
   static void keepInDock(Value::List tiles) {
     applications().propertyLists[kDock] = ValueMap{{"persistent-apps", Value(std::move(tiles))}};
   }
-  /// Puts the bundle into the folder.
   static void install(const std::string& folder, const std::string& name,
                       const std::string& bundleId) {
     applications().folders[folder].push_back(name);

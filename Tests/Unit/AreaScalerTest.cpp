@@ -73,7 +73,6 @@ TEST(AreaScalerTest, AveragesByArea) {
     scaler.scale(source.view(), result, {0, 0, to.width, to.height});
     EXPECT_GE(peakSignalToNoise(source, result), 54);
     EXPECT_EQ(result.at(to.width - 1, to.height - 1)[3], 255);
-    // white stays white
     std::memset(source.memory.get(), 255, source.bytesPerRow * from.height);
     scaler.scale(source.view(), result, {0, 0, to.width, to.height});
     EXPECT_EQ(result.at(to.width - 1, to.height - 1)[0], 255);

@@ -26,7 +26,6 @@ Bytes bytesOf(std::string_view text) {
   return {text.begin(), text.end()};
 }
 
-/// Downloads on another thread while the server is served by this one.
 std::optional<Bytes> get(const std::string& address) {
   std::optional<Bytes> data;
   std::atomic<bool> isDone = false;
@@ -48,32 +47,6 @@ TEST(CoversTest, DownloadsWhateverArrivesInTime) {
   EXPECT_EQ(get(server.address("/hangs")), std::nullopt);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
   EXPECT_EQ(downloadData({"http://127.0.0.1:1/"}), std::nullopt);
-}
-
-/// A picture of one colour.
-Bytes pictureOf(int64_t width, int64_t height) {
-  const auto bitmap = platform::createBitmap(width, height);
-  const auto dot = platform::imageFromData(bytesOf("P6 1 1 255\n\x20\x80\xE0"));
-  platform::copyOnto(*bitmap, *dot, CGRectMake(0, 0, 0, 0));
-  return platform::pngOf(*bitmap, 1).value();
-}
-
-/// What the thumbnail is, once decoded.
-CGSize thumbnailSize(const Bytes& picture) {
-  const auto text = thumbnailBase64(picture, 200);
-  if (!text) return {0, 0};
-  gsize size = 0;
-  guchar* jpeg = g_base64_decode(text->c_str(), &size);
-  const Bytes bytes(jpeg, jpeg + size);
-  g_free(jpeg);
-  EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 3), (Bytes{0xFF, 0xD8, 0xFF}));
-  return platform::sizeOf(*platform::imageFromData(bytes));
-}
-
-TEST(CoversTest, ThumbnailsAreJpegOfTheRightSize) {
-  const CGSize size = thumbnailSize(pictureOf(1000, 2));
-  EXPECT_EQ(size.width, 200);
-  EXPECT_EQ(size.height, 1);
 }
 
 TEST(CoversTest, WhatIsNoPictureGivesNone) {

@@ -14,7 +14,6 @@ TEST_F(DispatcherTest, EveryMethodHasItsReplyWithoutAWindow) {
   script().captureGrantedOnRequest = true;
   script().pasteboard = "kept";
   window.reset();
-  // all that any of them could want
   const ValueMap given{{"bundleId", Value("app")},
                        {"dx", Value(1)},
                        {"dy", Value(1)},

@@ -62,7 +62,6 @@ TEST_F(DisplayGeometryTest, PointsOffEveryDisplayGoToTheNearest) {
   EXPECT_THAT(clampToDisplays({-5, 900}), IsPoint(0, 899));
   EXPECT_THAT(clampToDisplays({1440, 10}), IsPoint(1439, 10));
 
-  // one to the left, one above, and a gap between
   script().screens.push_back(screen(2, {{-1920, 0}, {1920, 1080}}));
   script().screens.push_back(screen(3, {{0, 1000}, {1440, 900}}));
   EXPECT_THAT(clampToDisplays({-0.5, 10}), IsPoint(-0.5, 10));

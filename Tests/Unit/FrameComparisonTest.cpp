@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 #include <vector>
 
@@ -9,16 +8,6 @@
 
 namespace tapdeck {
 namespace {
-
-bool differByDefinition(const uint8_t* a, const uint8_t* b, const FrameLayout& layout) {
-  for (size_t row = 0; row < layout.rows; ++row) {
-    for (size_t i = 0; i < layout.rowBytes; ++i) {
-      const size_t at = row * layout.stride + i;
-      if (std::abs(int{a[at]} - int{b[at]}) > 4) return true;
-    }
-  }
-  return false;
-}
 
 class Random {
  public:
@@ -45,7 +34,7 @@ std::vector<uint8_t> likeness(const std::vector<uint8_t>& frame, const FrameLayo
   return copy;
 }
 
-TEST(FrameComparisonTest, SeesWhatThePlainDefinitionSees) {
+TEST(FrameComparisonTest, SeesEveryDifferenceOfMoreThanFour) {
   Random random;
   for (size_t width = 1; width <= 400; ++width) {
     const size_t rowBytes = width * 4;
@@ -61,8 +50,7 @@ TEST(FrameComparisonTest, SeesWhatThePlainDefinitionSees) {
       for (const int changed : {frame[at] + difference, frame[at] - difference}) {
         if (changed < 0 || changed > 255) continue;
         other[at] = static_cast<uint8_t>(changed);
-        ASSERT_EQ(framesDiffer(frame.data(), other.data(), layout),
-                  differByDefinition(frame.data(), other.data(), layout))
+        ASSERT_EQ(framesDiffer(frame.data(), other.data(), layout), difference > 4)
             << "width " << width << ", stride " << layout.stride << ", " << difference << " at "
             << at;
       }

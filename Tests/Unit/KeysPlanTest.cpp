@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
@@ -15,7 +14,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-/// A key of two groups with two levels each.
 KeyMapping twoGroups(Keysym first, Keysym firstShifted, Keysym second, Keysym secondShifted) {
   KeyMapping key;
   key.groupInfo = 2;

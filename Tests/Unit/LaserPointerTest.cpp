@@ -34,16 +34,5 @@ TEST_F(LaserPointerTest, IsOneDotThatFollowsThePointer) {
   EXPECT_EQ(workOf("showLaser").size(), 4U);
 }
 
-TEST_F(LaserPointerTest, ComesToNothingWithoutTheWindow) {
-  EXPECT_EQ(workOf("showLaser").size(), 4U);
-  reply("hideLaser");
-  reply("showLaser");
-  trace();
-  window.reset();
-  recording::runMainQueue();
-  recording::fireTimers();
-  EXPECT_THAT(trace(), IsEmpty());
-}
-
 }  // namespace
 }  // namespace tapdeck

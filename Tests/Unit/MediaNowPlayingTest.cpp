@@ -19,7 +19,6 @@ class MediaNowPlayingTest : public MediaTest {
     recording::runMainQueue();
     return std::get<Value>(engine->laterReplies.back());
   }
-  /// A player with a track, which answers so when it is asked for the cover.
   void plays(const std::string& player, const Child& art) {
     run({player});
     answers[{"info", player}] = {"S\tA\tB\t1000\t2\tplaying\tid"};
@@ -74,7 +73,6 @@ TEST_F(MediaNowPlayingTest, RepliesAreReadFieldByField) {
     answers[{"info", player}] = {line};
     EXPECT_EQ(nowPlaying(), value) << line;
   }
-  // minus nothing is nothing
   run({"Music"});
   answers[{"info", "Music"}] = {"S\tA\tB\t-0\t-0.0\tplaying\tid"};
   for (const char* key : {"duration", "position"}) {

@@ -12,14 +12,12 @@ using ::testing::Each;
 
 class MediaPlayersTest : public MediaTest {
  protected:
-  /// Seeks in the background and from the main queue replies; what the reply was.
   Value seek(Value position) {
     EXPECT_EQ(outcome("mediaSeek", ValueMap{{"position", std::move(position)}}), std::nullopt);
     recording::runGlobalQueues();
     recording::runMainQueue();
     return std::get<Value>(engine->laterReplies.back());
   }
-  /// The program of the seek that the position leads to.
   std::string seekProgram(Value position) {
     EXPECT_EQ(seek(std::move(position)), Value());
     Trace all = trace();

@@ -27,7 +27,6 @@ class ScreenCaptureTest : public HostTest {
   ~ScreenCaptureTest() override { reply("resetScreenCapture"); }
 
   Value capture(ValueMap arguments = {}) { return reply("captureScreen", std::move(arguments)); }
-  /// What is drawn of display 1 from now on.
   static std::vector<uint8_t>& drawn() { return script().images.displays.at(1).drawn; }
 };
 

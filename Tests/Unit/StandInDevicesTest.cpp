@@ -6,19 +6,12 @@
 namespace tapdeck {
 namespace {
 
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
-using testing::StartsWith;
+using namespace ::testing;
 
 constexpr const char* kDevices = "tapdeck.engine/devices";
 
 class StandInDevices : public StandInTest {
  protected:
-  /// What the page's next reply holds.
   Outcome ask(Page& page, const std::string& method, Value arguments = Value()) {
     const size_t before = page.messages().size();
     page.call(1, kDevices, {method, std::move(arguments)});

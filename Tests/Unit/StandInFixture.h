@@ -28,7 +28,6 @@ class RawClient {
 
   /// Writes all of it, running the main context meanwhile; false once the other side is gone.
   bool write(const std::string& bytes);
-  /// Reads what is there; false at the end.
   bool read();
   const std::string& received() const { return _received; }
 
@@ -48,12 +47,9 @@ class Page {
   void send(const codec::Bytes& message);
   void sendText(const char* text);
   void call(int64_t id, const std::string& channel, const MethodCall& call);
-  /// Runs the main context until that many messages have come.
   bool waitForMessages(size_t count) const;
-  /// The close code, 0 when it does not come.
   int waitForClose();
   void close();
-  /// Vanishes without a word.
   void vanish();
 
   const std::vector<Value>& messages() const { return _messages; }
@@ -82,7 +78,6 @@ class StandInTest : public testing::Test {
                    std::chrono::milliseconds pendingLimit = std::chrono::seconds(10));
   uint16_t port() const { return readSession().value().port; }
   std::string host() const { return "127.0.0.1:" + std::to_string(port()); }
-  /// Where a page connects to, with the token.
   std::string enginePath() const { return "/engine?token=" + readSession().value().token; }
   std::string devicesFile() const { return runtimeDirectory.path / "devices.ini"; }
   /// By the run's token where no path is given.

@@ -6,8 +6,7 @@
 namespace tapdeck::standin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using namespace ::testing;
 
 MethodCall call(const std::string& method, Value arguments = Value()) {
   return {method, std::move(arguments)};

@@ -6,11 +6,7 @@
 namespace tapdeck {
 namespace {
 
-using testing::AllOf;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
+using namespace ::testing;
 
 class StandInHttp : public StandInTest {
  protected:

@@ -5,10 +5,7 @@
 namespace tapdeck {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
-using testing::StartsWith;
+using namespace ::testing;
 
 constexpr size_t kMiB = 1024 * 1024;
 

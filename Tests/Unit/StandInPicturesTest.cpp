@@ -58,7 +58,6 @@ TEST_F(StandInPictures, EveryPageIsRightWithinOnePollAndAStillScreenIsSentOnce) 
     int64_t width;
     std::optional<int64_t> quality;
   };
-  // the same size, another size, another quality of the same size
   for (const View second : {View{800, {}}, View{400, {}}, View{800, 90}}) {
     ASSERT_TRUE(waitForPeers(0));
     const auto one = openPage(), two = openPage();

@@ -10,12 +10,7 @@
 namespace tapdeck {
 namespace {
 
-using testing::AllOf;
-using testing::Gt;
-using testing::HasSubstr;
-using testing::Lt;
-using testing::SizeIs;
-using testing::StartsWith;
+using namespace ::testing;
 
 constexpr size_t kMiB = 1024 * 1024;
 
@@ -24,7 +19,6 @@ class StandInSharing : public StandInTest {
  protected:
   static constexpr int kBusyCalls = 300;
 
-  /// Makes the control channel take 5 ms for each call.
   void takeTimeForCalls() {
     engine->setMethodCallHandler(kControl, [this](const MethodCall& call, Reply reply) {
       g_usleep(5000);

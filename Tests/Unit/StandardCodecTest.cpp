@@ -17,7 +17,6 @@ Bytes text(const std::string& content) {
   return Bytes(content.begin(), content.end());
 }
 
-/// The message has exactly these bytes, and they decode to the value.
 void expectBytes(const Value& value, const Bytes& bytes) {
   SCOPED_TRACE(testing::PrintToString(bytes));
   EXPECT_EQ(encodeMessage(value), bytes);
@@ -179,7 +178,6 @@ Bytes mapOf(const Entries& entries) {
   return bytes;
 }
 
-/// The entries of the map that the bytes decode to.
 Entries entriesOf(const Bytes& bytes) {
   const Value value = decodeMessage(bytes).value();
   const ValueMap map = *value.getIf<ValueMap>();
@@ -199,7 +197,6 @@ TEST(StandardCodecTest, LastOfEqualKeysCounts) {
         entriesOf(mapOf({{first, Value("old")}, {Value(9), Value()}, {second, Value("new")}})),
         (Entries{{first, Value("new")}, {Value(9), Value()}}));
   }
-  // The same integer in its short and its long form; the two zeros.
   EXPECT_EQ(entriesOf({13, 2, 3, 5, 0, 0, 0, 1, 4, 5, 0, 0, 0, 0, 0, 0, 0, 2}),
             (Entries{{Value(5), Value(false)}}));
   const Bytes zeros = Bytes{13, 2, 6} + Bytes(13, 0) + Bytes{1, 6} + Bytes(13, 0) + Bytes{0x80, 2};

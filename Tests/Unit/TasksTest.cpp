@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <glib.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cerrno>
@@ -26,12 +25,9 @@
 namespace tapdeck {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::StartsWith;
+using namespace ::testing;
 namespace fs = std::filesystem;
 
-/// What the host has logged. Any thread.
 struct Log {
   static void listen() { g_log_set_writer_func(write, nullptr, nullptr); }
   static std::vector<std::string> take() {

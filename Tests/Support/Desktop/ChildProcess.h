@@ -31,7 +31,6 @@ class ChildProcess {
   int status();
   /// Runs the main loop until it has written a line; false when it ends before.
   bool awaitLine() const;
-  /// What it wrote so far.
   std::string output() const;
   std::string errors() const;
 

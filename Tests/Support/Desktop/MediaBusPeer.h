@@ -62,7 +62,6 @@ class ScriptedPlayer {
   void change(const std::string& status);
   /// How long it says that is, in microseconds.
   void setLength(uint64_t length);
-  /// From now on it answers nothing.
   void hang();
   /// It is gone after so many more answers.
   void vanishAfter(int answers);

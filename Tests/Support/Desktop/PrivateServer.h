@@ -12,7 +12,6 @@ class PrivateServer : public ChildProcess {
  public:
   explicit PrivateServer(const std::vector<std::string>& options);
 
-  /// Such as ":7".
   const std::string& display() const { return _display; }
 
  private:

@@ -26,18 +26,15 @@ class TypingKeyboard {
   State state();
   /// How many there are, those of borrowed keys included.
   int groups();
-  /// Which keycodes are pressed, in order.
   std::string pressedKeys();
   /// Presses and releases the keys themselves, as the user does.
   void tapKeys(const std::vector<uint8_t>& codes);
-  /// All of the map, as text.
   static std::string dump();
 
  private:
   Observer& _observer;
 };
 
-/// Posts a key event by its virtual key code.
 void postKey(CGKeyCode code, bool down, CGEventFlags flags = 0);
 
 }  // namespace tapdeck::testing

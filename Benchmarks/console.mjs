@@ -1,11 +1,11 @@
 // What the page does over a line that is far away: moves and pictures a second, and how soon it is there.
-// usage: bench.js (on a desktop of its own; ./tapdeck bench console does all of it)
+// usage: console.mjs (on a desktop of its own; ./tapdeck bench console does all of it)
 
 import { spawn } from "node:child_process";
 import { setTimeout as sleep } from "node:timers/promises";
 
-import { decodeMessage, decodeMethodCall } from "../../Console/connection/codec.js";
-import { CONNECTED, Fingers, go, Host, launchBrowser, LongLine, openPhone } from "./desktop.js";
+import { decodeMessage, decodeMethodCall } from "../Console/connection/codec.js";
+import { CONNECTED, Fingers, go, Host, launchBrowser, LongLine, openPhone } from "../Tests/Browser/desktop.js";
 
 const SECONDS = 5;
 

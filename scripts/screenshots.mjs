@@ -1,5 +1,5 @@
 // Pictures of every place of the page in the four sizes, light and dark, for people to look at.
-// usage: screenshots.js FOLDER (on a desktop of its own; ./tapdeck screenshots does all of it)
+// usage: screenshots.mjs FOLDER (on a desktop of its own; ./tapdeck screenshots does all of it)
 
 import { spawn } from "node:child_process";
 import { mkdir, readFile } from "node:fs/promises";
@@ -7,8 +7,9 @@ import { join } from "node:path";
 import { setTimeout as sleep } from "node:timers/promises";
 import { fileURLToPath } from "node:url";
 
-import { CONNECTED, eventually, Fingers, go, Host, launchBrowser, openPhone, PLACES } from "./desktop.js";
-import { StandIn } from "./standin.js";
+import { CONNECTED, eventually, Fingers, go, Host, launchBrowser, openPhone, PLACES }
+  from "../Tests/Browser/desktop.js";
+import { StandIn } from "../Tests/Browser/standin.js";
 
 const SIZES = [[390, 844], [844, 390], [768, 1024], [1440, 900]];
 const SONG = { title: "A song with a longer name", artist: "The band", album: "The album", duration: 215,
@@ -19,7 +20,7 @@ const only = process.argv[3];
 const host = await Host.start();
 const browser = await launchBrowser();
 const shows = (file, ...options) => spawn("xterm", [...options, "-e", "sh", "-c",
-  `fold -s -w 84 '${fileURLToPath(new URL(`../../${file}`, import.meta.url))}' | head -44; sleep 900`],
+  `fold -s -w 84 '${fileURLToPath(new URL(`../${file}`, import.meta.url))}' | head -44; sleep 900`],
   { stdio: "ignore" });
 const windows = [
   shows("README.md", "-geometry", "86x46+40+40", "-bg", "#10151f", "-fg", "#d7e0f0"),

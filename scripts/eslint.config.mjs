@@ -1,4 +1,6 @@
-import js from "@eslint/js";
+import { createRequire } from "node:module";
+
+const js = createRequire(new URL("../Tests/Browser/package.json", import.meta.url))("@eslint/js");
 
 const globals = (...names) => Object.fromEntries(names.map((name) => [name, "readonly"]));
 
@@ -23,12 +25,12 @@ export default [
     languageOptions: { globals: globals("process", "console", "Buffer", "setInterval", "clearInterval") },
   },
   {
-    files: ["Tests/Browser/**"],
+    files: ["Tests/Browser/**", "Benchmarks/**", "scripts/**"],
     languageOptions: {
       globals: globals("process", "console", "Buffer", "URL", "setTimeout", "clearTimeout", "performance",
         "document", "window", "navigator", "location", "innerWidth", "innerHeight", "Event",
         "screenX", "screenY", "outerWidth", "outerHeight", "CanvasRenderingContext2D", "getComputedStyle",
-        "localStorage", "PointerEvent", "structuredClone", "WebSocket"),
+        "addEventListener", "localStorage", "PointerEvent", "structuredClone", "WebSocket"),
     },
   },
 ];
