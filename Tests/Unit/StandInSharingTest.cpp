@@ -74,6 +74,8 @@ TEST_F(StandInSharing, HalfOpenConnectionsEnd) {
 }
 
 TEST_F(StandInSharing, ListensAgainWhenDescriptorsAreFreeAgain) {
+  // a sanitizer needs descriptors where it sees a type for the first time
+  openPage();
   std::vector<std::unique_ptr<RawClient>> clients;
   for (int i = 0; i < 4; ++i) clients.push_back(std::make_unique<RawClient>(port()));
   rlimit usual{};
