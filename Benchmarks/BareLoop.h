@@ -41,25 +41,25 @@ class BareLoop {
     return true;
   }
 
-  const quartz::PixelBuffer& current() const { return _current; }
+  const pixels::PixelBuffer& current() const { return _current; }
   /// Of the last frame encoded, in bytes.
   size_t size() const { return _size; }
 
  private:
-  quartz::PixelBuffer allocate() const {
-    return quartz::allocatePixels(_whole.width, _whole.height,
-                                  quartz::alignedBytesPerRow(_whole.width));
+  pixels::PixelBuffer allocate() const {
+    return pixels::allocatePixels(_whole.width, _whole.height,
+                                  pixels::alignedBytesPerRow(_whole.width));
   }
 
-  quartz::Connection _connection;
-  quartz::Area _screen;
-  quartz::Area _whole;
-  quartz::ScreenGrab _grab;
-  quartz::AreaScaler _scaler;
-  quartz::JpegEncoder _encoder;
-  quartz::PixelBuffer _picture;
-  quartz::PixelBuffer _current;
-  quartz::PixelBuffer _previous;
+  x11::Connection _connection;
+  pixels::Area _screen;
+  pixels::Area _whole;
+  x11::ScreenGrab _grab;
+  pixels::AreaScaler _scaler;
+  pixels::JpegEncoder _encoder;
+  pixels::PixelBuffer _picture;
+  pixels::PixelBuffer _current;
+  pixels::PixelBuffer _previous;
   size_t _size = 0;
 };
 

@@ -198,12 +198,12 @@ void use(const Result& result) {
   asm volatile("" : : "r"(&result) : "memory");
 }
 
-void measureComparison(const quartz::PixelBuffer& frame) {
+void measureComparison(const pixels::PixelBuffer& frame) {
   const size_t bytes = frame.bytesPerRow * static_cast<size_t>(frame.height);
   const FrameLayout layout{static_cast<size_t>(frame.width) * 4, frame.bytesPerRow,
                            static_cast<size_t>(frame.height)};
   const uint8_t* a = frame.memory.get();
-  const auto copy = quartz::allocatePixels(frame.width, frame.height, frame.bytesPerRow);
+  const auto copy = pixels::allocatePixels(frame.width, frame.height, frame.bytesPerRow);
   uint8_t* b = copy.memory.get();
   std::memcpy(b, a, bytes);
   Samples byMemcmp, byUs;
@@ -227,7 +227,7 @@ void measureComparison(const quartz::PixelBuffer& frame) {
 }
 
 void measure(int width, int height) {
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   const auto host = std::make_shared<Host>();
   const auto window = std::make_shared<MainFlutterWindow>();
   wakeMainWindow(window, host);

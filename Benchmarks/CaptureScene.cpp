@@ -13,7 +13,7 @@
 namespace tapdeck::benchmarks {
 namespace {
 
-using quartz::Received;
+using x11::Received;
 
 constexpr int kSteps = 32;
 constexpr int kStepPixels = 23;

@@ -37,13 +37,13 @@ class CaptureScene {
   void drawText(int left, int width);
   uint32_t* row(int y) { return reinterpret_cast<uint32_t*>(_canvas->memory.get()) + y * _width; }
 
-  quartz::Connection _connection;
-  quartz::SegmentPool _segments;
+  x11::Connection _connection;
+  x11::SegmentPool _segments;
   int _width;
   int _height;
   int _canvasHeight;
   /// Higher than the screen, so that it can be scrolled by.
-  std::optional<quartz::Segment> _canvas;
+  std::optional<x11::Segment> _canvas;
   xcb_window_t _window;
   xcb_gcontext_t _context;
   int _scrolled = 0;

@@ -90,9 +90,9 @@ int main(int argc, char** argv) {
                       observer);
   std::printf("%-9s %-8s ", argv[1], argv[2]);
   if (std::string(argv[3]) == "tapdeck") {
-    quartz::connectToWindowServer();
+    x11::connectToWindowServer();
     measure("tapdeck", text, client, [&] { typeUnicodeText(text); });
-    quartz::letGo();
+    x11::letGo();
   } else {
     const std::string delay = argc > 4 ? argv[4] : "12";
     measure("xdotool, " + delay + " ms", text, client, [&] { typeByXdotool(text, delay); });

@@ -10,7 +10,7 @@
 #include "Platform/Linux/X11/Keyboard/Keymap.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  using namespace tapdeck::quartz;
+  using namespace tapdeck::x11;
   const std::vector<uint8_t> bytes(data, data + size);
   if (const auto map = readKeymap(bytes.data(), bytes.size())) {
     spareKeysOf(*map);

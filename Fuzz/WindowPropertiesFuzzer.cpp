@@ -8,7 +8,7 @@
 #include "Platform/Linux/X11/WindowManager.h"
 #include "Platform/Linux/X11/WorkArea.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 constexpr int kWidth = 3840, kHeight = 1200;
@@ -28,10 +28,10 @@ void check(const Monitor& monitor, const std::vector<int>& lengths) {
 }
 
 }  // namespace
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  using namespace tapdeck::quartz;
+  using namespace tapdeck::x11;
   const auto lengths = lengthsIn(std::vector<uint8_t>(data, data + size));
   check({1, "left", 0, 0, 1920, 1080}, lengths);
   check({2, "right", 1920, 120, 1920, 1080}, lengths);

@@ -8,7 +8,7 @@
 #include "Platform/Linux/X11/XSettings.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const auto settings = tapdeck::quartz::parseSettings(std::vector<uint8_t>(data, data + size));
+  const auto settings = tapdeck::x11::parseSettings(std::vector<uint8_t>(data, data + size));
   for (const auto& [name, value] : settings) {
     tapdeck::require(name.size() <= size, "a name is part of the property");
   }

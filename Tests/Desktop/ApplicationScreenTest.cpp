@@ -17,7 +17,7 @@ using ::testing::Contains;
 
 class ScreenTest : public ::testing::Test {
  protected:
-  ScreenTest() { quartz::connectToWindowServer(); }
+  ScreenTest() { x11::connectToWindowServer(); }
 
   Observer observer;
   std::shared_ptr<MainFlutterWindow> host = std::make_shared<MainFlutterWindow>();
@@ -76,7 +76,7 @@ TEST(DotShapeTest, IsATranslucentDiscInAGlow) {
   style.layerShadow = {1, 0, 0, 1};
   style.shadowOpacity = 0.9F;
   style.shadowRadius = 5;
-  const auto pixels = quartz::layerPixels(style, 52, 2);
+  const auto pixels = layerPixels(style, 52, 2);
   EXPECT_EQ(pixels[26 * 52 + 26], 0xd9a90000U);
   EXPECT_EQ(pixels[26 * 52 + 1], 0xd9a90000U);
   EXPECT_GT(pixels[0] >> 24, 10U) << "no glow";

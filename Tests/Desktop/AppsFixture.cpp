@@ -76,7 +76,7 @@ class Environment : public ::testing::Environment, AppsTest {
     setenv("XDG_CURRENT_DESKTOP", "GNOME", 1);
     ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
     Gtk::Main::init_gtkmm_internals();
-    quartz::connectToWindowServer();
+    x11::connectToWindowServer();
   }
 
  private:

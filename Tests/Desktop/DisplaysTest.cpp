@@ -25,7 +25,7 @@ std::string text(CGRect rect) {
 
 class DisplaysTest : public ::testing::Test {
  protected:
-  DisplaysTest() { quartz::connectToWindowServer(); }
+  DisplaysTest() { x11::connectToWindowServer(); }
   ~DisplaysTest() override {
     for (const auto* name : {"Main", "Left", "Above"}) observer.deleteMonitor(name);
   }
@@ -108,7 +108,7 @@ TEST_F(DisplaysTest, TellsEveryChangeOnce) {
 TEST_F(DisplaysTest, KeepsThePointerWhenTheLastDisplayGoes) {
   const PrivateServer server({});
   const DisplayVariable variable(server.display().c_str());
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   int changes = 0;
   platform::observeScreenParameters([&changes] { ++changes; });
   EXPECT_EQ(text(CGDisplayBounds(CGMainDisplayID())), "0 0 640 480");
@@ -139,12 +139,12 @@ TEST_F(DisplaysTest, CountsInPointsOfTheDesktopsScale) {
 
   for (const auto& [variable, scale] : {std::pair{"4", 4}, {"nonsense", 1}}) {
     const EnvironmentVariable set("GDK_SCALE", variable);
-    EXPECT_EQ(quartz::pixelsPerPoint(), scale) << variable;
+    EXPECT_EQ(x11::pixelsPerPoint(), scale) << variable;
   }
 
   for (size_t length = 0; length < settings.size(); ++length) {
     observer.publishSettings({settings.data(), settings.data() + length});
-    EXPECT_EQ(quartz::pixelsPerPoint(), 1) << length;
+    EXPECT_EQ(x11::pixelsPerPoint(), 1) << length;
   }
 }
 

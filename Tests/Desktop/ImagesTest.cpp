@@ -59,11 +59,11 @@ Pixels pixelsOf(CGImageRef image) {
   return drawn(image, CGImageGetWidth(image), CGImageGetHeight(image));
 }
 
-Pixels scaled(const Pixels& pixels, const quartz::Monitor& monitor, int width, int height) {
-  const auto target = quartz::allocatePixels(width, height, quartz::alignedBytesPerRow(width));
-  const quartz::PixelView source{reinterpret_cast<const uint8_t*>(pixels.data()), monitor.width,
+Pixels scaled(const Pixels& pixels, const x11::Monitor& monitor, int width, int height) {
+  const auto target = pixels::allocatePixels(width, height, pixels::alignedBytesPerRow(width));
+  const pixels::PixelView source{reinterpret_cast<const uint8_t*>(pixels.data()), monitor.width,
                                  monitor.height, size_t{4} * monitor.width};
-  quartz::AreaScaler({monitor.width, monitor.height}, {width, height})
+  pixels::AreaScaler({monitor.width, monitor.height}, {width, height})
       .scale(source, target, {0, 0, width, height});
   return tight(target.memory.get(), target.bytesPerRow, target.width, target.height);
 }
@@ -90,8 +90,8 @@ class Comparison {
 
  private:
   void check(bool isStill) {
-    const auto monitors = quartz::monitors();
-    const quartz::Monitor& monitor = monitors[_random() % monitors.size()];
+    const auto monitors = x11::monitors();
+    const x11::Monitor& monitor = monitors[_random() % monitors.size()];
     const auto image = capture(monitor.number);
     ASSERT_TRUE(image);
     const int width = monitor.width * 5 / 9;
@@ -122,7 +122,7 @@ void expectNoChangeMissed(const std::vector<std::string>& serverOptions, int cha
                           const std::string& host = {}) {
   const PrivateServer server(serverOptions);
   const DisplayVariable variable((host + server.display()).c_str());
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   Observer observer;
   observer.setMonitor("Left", "251/60x300/80+0+0", "screen");
   observer.setMonitor("Right", "149/40x257/60+251+43");
@@ -146,7 +146,7 @@ TEST(ImagesTest, WorkOnEveryServer) {
 
   const PrivateServer poor({"-screen", "0", "400x300x16"});
   const DisplayVariable variable(poor.display().c_str());
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   EXPECT_FALSE(capture(CGMainDisplayID()));
 }
 
@@ -154,7 +154,7 @@ TEST(ImagesTest, WorkOnEveryServer) {
 class TwoMonitorsTest : public ::testing::Test {
  protected:
   TwoMonitorsTest() {
-    quartz::connectToWindowServer();
+    x11::connectToWindowServer();
     observer.coverScreen();
     observer.setMonitor("Left", "1000/250x800/200+0+400", "screen");
     observer.setMonitor("*Right", "1400/350x800/200+1000+300");

@@ -128,7 +128,7 @@ void postMouse(CGEventType type, double x, double y, CGMouseButton button = kCGM
 
 /// Presses and releases at random, and then ends in an orderly way or is killed.
 int holdAtRandom(unsigned seed, const std::string& end) {
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   // to start is all that the next one need do
   if (end == "nothing") return 0;
   const auto names = namedKeys();
@@ -158,7 +158,7 @@ int holdAtRandom(unsigned seed, const std::string& end) {
   Observer observer;
   eventually([&] { return observer.pointer().x == place; });
   if (end == "killed") ::raise(SIGKILL);
-  quartz::letGo();
+  x11::letGo();
   return 0;
 }
 
@@ -167,7 +167,7 @@ int typeOnFullDisk() {
   ::signal(SIGXFSZ, SIG_IGN);
   const rlimit nothing{0, RLIM_INFINITY};
   ::setrlimit(RLIMIT_FSIZE, &nothing);
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   typeUnicodeText("aB\u0436");
   postMouse(kCGEventMouseMoved, 77, 55);
   Observer observer;
@@ -229,14 +229,14 @@ TEST(HeldTest, AFullDiskLeavesTheKeymapAlone) {
 class KeysTest : public ::testing::Test {
  protected:
   ~KeysTest() override {
-    quartz::letGo();
+    x11::letGo();
     keyboard.setLayout("us");
   }
 
   void connect(const std::string& layout, uint8_t group = 0) {
     keyboard.setLayout(layout);
     keyboard.lockGroup(group);
-    quartz::connectToWindowServer();
+    x11::connectToWindowServer();
     permissions::setGranted(permissions::Permission::control, true);
   }
   static void press(const char* name, CGEventFlags flags = 0) {
@@ -396,28 +396,28 @@ TEST_F(KeysTest, ALatchedGroupDoesNotChangeWhichKeyIsMeant) {
 TEST_F(KeysTest, BorrowedKeysAreGivenBackWhenNobodyNeedsThem) {
   using namespace std::chrono_literals;
   constexpr auto idleTime = 300ms;
-  quartz::Connection connection;
+  x11::Connection connection;
   keyboard.setLayout("us,ru");
   {
-    quartz::StepQueue queue(connection, idleTime);
-    queue.add(quartz::TextStep{{quartz::Keysym{0x1000416}}});
+    x11::StepQueue queue(connection, idleTime);
+    queue.add(x11::TextStep{{x11::Keysym{0x1000416}}});
     listener.heard(2);
     // as a person's key for the next layout may do, while there are four
     keyboard.lockGroup(3);
     int16_t place = 100;
     EXPECT_TRUE(eventually([&] {
-      queue.add(quartz::MotionStep{{++place, 100}});
+      queue.add(x11::MotionStep{{++place, 100}});
       return keyboard.groups() == 2;
     }));
     EXPECT_EQ(keyboard.state().group, 1U);
   }
   keyboard.setLayout("ru");
-  quartz::StepQueue queue(connection, idleTime);
-  queue.add(quartz::KeyStep{{'c', 'C'}, true, 0});
+  x11::StepQueue queue(connection, idleTime);
+  queue.add(x11::KeyStep{{'c', 'C'}, true, 0});
   listener.heard(1);
   std::this_thread::sleep_for(4 * idleTime);
   EXPECT_GT(keyboard.groups(), 1) << "a key that is pressed was given back";
-  queue.add(quartz::KeyStep{{'c', 'C'}, false, 0});
+  queue.add(x11::KeyStep{{'c', 'C'}, false, 0});
   EXPECT_TRUE(eventually([&] { return keyboard.groups() == 1; }));
 }
 
@@ -431,7 +431,7 @@ TEST_F(KeysTest, AnotherLayoutMeanwhileStaysInForce) {
   EXPECT_THAT(listener.heard(4), ElementsAre("down eacute", "up eacute", "down z", "up z"));
   tap("z");
   EXPECT_THAT(listener.heard(2), ElementsAre("down z", "up z"));
-  quartz::letGo();
+  x11::letGo();
   EXPECT_TRUE(TypingKeyboard::dump() == keymap);
 }
 

@@ -42,6 +42,6 @@ int main(int argc, char** argv) {
   tapdeck::testing::interpreterProgram = argv[3];
   if (gtk_init_check(nullptr, nullptr) == FALSE) return EXIT_FAILURE;
   Gtk::Main::init_gtkmm_internals();
-  tapdeck::quartz::connectToWindowServer();
+  tapdeck::x11::connectToWindowServer();
   return RUN_ALL_TESTS();
 }

@@ -18,14 +18,14 @@ using permissions::Permission;
 class PointerTest : public ::testing::Test {
  protected:
   PointerTest() {
-    quartz::connectToWindowServer();
+    x11::connectToWindowServer();
     permissions::setGranted(Permission::control, true);
     observer.coverScreen();
     post(kCGEventMouseMoved, 50, 50);
     observer.heard();
   }
   ~PointerTest() override {
-    quartz::letGo();
+    x11::letGo();
     permissions::setGranted(Permission::control, true);
   }
 
@@ -140,14 +140,14 @@ TEST_F(PointerTest, LetsGoOfWhatItHoldsAlsoWhenTheConnectionEnds) {
   post(kCGEventLeftMouseDown, 60, 60);
   post(kCGEventOtherMouseDown, 60, 60, kCGMouseButtonCenter);
   EXPECT_EQ(observer.pointer().buttons, 0b011U);
-  quartz::letGo();
+  x11::letGo();
   EXPECT_EQ(observer.pointer().buttons, 0U);
   observer.heard();
-  quartz::letGo();
+  x11::letGo();
   EXPECT_EQ(observer.heard(), Lines{});
 
   post(kCGEventRightMouseDown, 60, 60);
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   EXPECT_EQ(observer.pointer().buttons, 0U);
 }
 

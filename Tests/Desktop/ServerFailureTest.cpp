@@ -22,8 +22,8 @@ namespace {
 std::string connectError(const char* display) {
   const DisplayVariable variable(display);
   try {
-    quartz::connectToWindowServer();
-  } catch (const quartz::WindowServerError& error) {
+    x11::connectToWindowServer();
+  } catch (const x11::WindowServerError& error) {
     return error.what();
   }
   return "connected";
@@ -48,7 +48,7 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
   PrivateServer server({});
   {
     const DisplayVariable variable(server.display().c_str());
-    quartz::connectToWindowServer();
+    x11::connectToWindowServer();
     platform::observeScreenParameters([&changes] { ++changes; });
   }
   ASSERT_EQ(platform::screens().size(), 1U);
@@ -82,20 +82,20 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
   EXPECT_TRUE(platform::screens().empty());
   EXPECT_FALSE(platform::mainScreen().has_value());
   EXPECT_EQ(platform::mouseLocation().x, 0);
-  EXPECT_EQ(quartz::pixelsPerPoint(), 1);
-  quartz::letGo();
+  EXPECT_EQ(x11::pixelsPerPoint(), 1);
+  x11::letGo();
   // the watch on the dead connection ends too: the loop runs dry instead of turning for ever
   runFor(std::chrono::milliseconds(100));
   EXPECT_TRUE(eventually([] { return g_main_context_pending(nullptr) == FALSE; }));
   EXPECT_EQ(changes, 0);
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   EXPECT_EQ(platform::screens().size(), 1U);
 }
 
 TEST(ServerFailureTest, WithoutAWindowManagerNoWindowHasTheFocus) {
   const PrivateServer server({});
   const DisplayVariable variable(server.display().c_str());
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   const Owned application(AXUIElementCreateApplication(::getpid()));
   const Owned attribute(
       CFStringCreateWithCString(nullptr, "AXFocusedWindow", kCFStringEncodingUTF8));
@@ -135,7 +135,7 @@ TEST(CursorTest, ShowsAgainAfterAsManyShowsAsHides) {
   // whose root window, unlike a modern one's, has a cursor
   const PrivateServer server({"-retro", "-fbdir", screen.path});
   const DisplayVariable variable(server.display().c_str());
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   Observer observer;
   observer.coverScreen();
   CGWarpMouseCursorPosition(CGPointMake(100, 100));
@@ -149,14 +149,14 @@ TEST(CursorTest, ShowsAgainAfterAsManyShowsAsHides) {
   CGDisplayHideCursor(0);
   CGDisplayShowCursor(0);
   // the server draws the cursor when it has run out of requests, so before it takes the second
-  for (int i = 0; i < 2; ++i) quartz::pointerPixel();
+  for (int i = 0; i < 2; ++i) x11::pointerPixel();
   EXPECT_TRUE(isHidden());
   CGDisplayShowCursor(0);
   EXPECT_TRUE(eventually(isShown));
 
   CGDisplayHideCursor(0);
   EXPECT_TRUE(eventually(isHidden));
-  quartz::letGo();
+  x11::letGo();
   EXPECT_TRUE(eventually(isShown));
 }
 

@@ -33,7 +33,7 @@ struct Case {
 class TypingTest : public ::testing::Test {
  protected:
   ~TypingTest() override {
-    quartz::letGo();
+    x11::letGo();
     keyboard.setLayout("us");
   }
 
@@ -73,7 +73,7 @@ class TypingTest : public ::testing::Test {
 };
 
 TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   const std::string whole = longText();
   ASSERT_GE(graphemeClusters(whole).size(), 2000U);
   // more characters than there are keys to borrow, each once
@@ -100,7 +100,7 @@ TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
     postKey(kShift, false);
     expectExact(Case{each.layout, each.group, false, {}}, sample);
     keyboard.lockGroup(each.group);
-    quartz::letGo();
+    x11::letGo();
     EXPECT_TRUE(TypingKeyboard::dump() == keymap) << "the keymap stays changed: " << each.layout;
     keyboard.tapKeys({38, 39, 40});
     EXPECT_EQ(client.received(each.ownKeys), each.ownKeys);

@@ -8,7 +8,7 @@
 #include "Platform/Linux/Pixels/AreaScaler.h"
 #include "Tests/Support/Seed.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 namespace {
 
 using Size = AreaScaler::Size;
@@ -104,4 +104,4 @@ TEST(AreaScalerTest, ScalesPartsAsTheWhole) {
 }
 
 }  // namespace
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

@@ -9,7 +9,7 @@
 #include "Platform/Linux/X11/Keyboard/TextPlan.h"
 #include "Tests/Support/Surroundings.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 using ::testing::ElementsAre;
@@ -123,4 +123,4 @@ TEST(KeymapTest, AReplyThatDoesNotHoldTogetherIsRefused) {
 }
 
 }  // namespace
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

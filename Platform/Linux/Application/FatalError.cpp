@@ -31,8 +31,8 @@ void sayWhy() {
   std::set_terminate(std::abort);
   alarm(kPatienceSeconds);
   sayWhy();
-  quartz::beginToEnd();
-  quartz::letGo();
+  x11::beginToEnd();
+  x11::letGo();
   removeSession(getpid());
   _exit(EXIT_FAILURE);
 }

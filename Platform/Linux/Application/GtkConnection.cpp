@@ -28,7 +28,7 @@ void connectGtk() {
   // What the host does it does through X11, also where a desktop offers Wayland beside it.
   gdk_set_allowed_backends("x11");
   if (!gtk_init_check(nullptr, nullptr)) {
-    throw quartz::WindowServerError(
+    throw x11::WindowServerError(
         "GTK cannot use the X server of $DISPLAY; is GDK_BACKEND set to something else than x11?");
   }
   XSetIOErrorHandler(dieWithServer);

@@ -4,7 +4,7 @@ namespace tapdeck {
 
 /// Connects GTK to the X server of $DISPLAY. Should the server go away later, the process ends at
 /// once with a message, exit status 1 and its session file removed. Throws
-/// quartz::WindowServerError.
+/// x11::WindowServerError.
 void connectGtk();
 
 }  // namespace tapdeck

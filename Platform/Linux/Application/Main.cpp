@@ -93,7 +93,7 @@ void serve(const Options& options) {
   // Before the engine writes the session file, which a signal must not leave behind. None is heard
   // until the loop runs, and then there is a window.
   const EndSignals end([loop] {
-    quartz::beginToEnd();
+    x11::beginToEnd();
     loop->quit();
   });
   const SignalSource show(SIGUSR1, [&mainWindow] { mainWindow->bringForward(); });
@@ -115,13 +115,13 @@ void serve(const Options& options) {
   loop->run();
   engine->stop();
   // while the signals are still heard: a second one must not end the process before this is done
-  quartz::letGo();
+  x11::letGo();
 }
 
 int run(const Options& options) {
   endCleanlyOnFatalError();
   raiseDescriptorLimit();
-  quartz::connectToWindowServer();
+  x11::connectToWindowServer();
   connectGtk();
   Gtk::Main::init_gtkmm_internals();
   if (!claimDisplay()) {

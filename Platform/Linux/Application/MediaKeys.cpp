@@ -25,14 +25,14 @@ const char* playerMethodOf(uint32_t keyType) {
 }  // namespace
 
 MediaKeys::MediaKeys() {
-  quartz::offerMediaKeys([this](uint32_t keyType) {
+  x11::offerMediaKeys([this](uint32_t keyType) {
     const char* method = playerMethodOf(keyType);
     return method != nullptr && _player.send(method);
   });
 }
 
 MediaKeys::~MediaKeys() {
-  quartz::offerMediaKeys(nullptr);
+  x11::offerMediaKeys(nullptr);
 }
 
 }  // namespace tapdeck

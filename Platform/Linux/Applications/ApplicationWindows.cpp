@@ -9,8 +9,8 @@
 namespace tapdeck::applications {
 namespace {
 
-using quartz::Connection;
-using quartz::hasAnyAtom;
+using x11::Connection;
+using x11::hasAnyAtom;
 
 /// A property of text up to its first NUL, of either type that applications give it.
 std::string text(Connection& connection, xcb_window_t window, const char* name) {
@@ -42,7 +42,7 @@ ApplicationWindow describe(Connection& connection, xcb_window_t window) {
   readClassHint(connection, described);
   described.gtkApplicationId = text(connection, window, "_GTK_APPLICATION_ID");
   described.desktopFileHint = text(connection, window, "_BAMF_DESKTOP_FILE");
-  described.processId = quartz::processOf(connection, window);
+  described.processId = x11::processOf(connection, window);
   described.isOrdinary = isOrdinary(connection, window);
   return described;
 }
@@ -51,9 +51,9 @@ ApplicationWindow describe(Connection& connection, xcb_window_t window) {
 
 std::vector<ApplicationWindow> applicationWindows() {
   std::vector<ApplicationWindow> windows;
-  if (quartz::session() == nullptr) return windows;
-  Connection& connection = quartz::session()->connection;
-  for (const xcb_window_t window : quartz::managedClients(connection)) {
+  if (x11::session() == nullptr) return windows;
+  Connection& connection = x11::session()->connection;
+  for (const xcb_window_t window : x11::managedClients(connection)) {
     windows.push_back(describe(connection, window));
   }
   return windows;
@@ -68,15 +68,15 @@ const DesktopEntry* entryOf(const ApplicationWindow& window, const DesktopEntrie
 }
 
 std::optional<ApplicationWindow> activeApplicationWindow() {
-  if (quartz::session() == nullptr) return std::nullopt;
-  Connection& connection = quartz::session()->connection;
-  const xcb_window_t window = quartz::activeWindow(connection);
+  if (x11::session() == nullptr) return std::nullopt;
+  Connection& connection = x11::session()->connection;
+  const xcb_window_t window = x11::activeWindow(connection);
   return window != XCB_WINDOW_NONE ? std::optional(describe(connection, window)) : std::nullopt;
 }
 
 void activate(const ApplicationWindow& window) {
-  quartz::sendToWindowManager(quartz::session()->connection, window.window, "_NET_ACTIVE_WINDOW",
-                              {quartz::kFromPager, XCB_CURRENT_TIME, 0, 0, 0});
+  x11::sendToWindowManager(x11::session()->connection, window.window, "_NET_ACTIVE_WINDOW",
+                           {x11::kFromPager, XCB_CURRENT_TIME, 0, 0, 0});
 }
 
 }  // namespace tapdeck::applications

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace tapdeck::quartz {
+namespace tapdeck::platform {
 namespace {
 
 constexpr double kFull = 255;
@@ -67,4 +67,4 @@ std::vector<xcb_rectangle_t> discRows(int side) {
   return rows;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::platform

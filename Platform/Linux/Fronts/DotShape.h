@@ -7,7 +7,7 @@
 
 #include "Platform/OverlayWindow.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::platform {
 
 // How a layer with rounded corners and a shadow looks in pixels. Pure functions.
 
@@ -19,4 +19,4 @@ std::vector<uint32_t> layerPixels(const platform::OverlayStyle& style, int side,
 /// The rows of a disc `side` pixels wide.
 std::vector<xcb_rectangle_t> discRows(int side);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::platform

@@ -14,10 +14,10 @@ constexpr CGFloat kHeightOfNoScreen = 1080;
 }  // namespace
 
 CGPoint mouseLocation() {
-  const auto pointer = quartz::pointerPixel();
+  const auto pointer = x11::pointerPixel();
   if (!pointer) return CGPointMake(0, 0);
-  const auto monitors = quartz::monitors();
-  const quartz::PointSpace space(monitors, quartz::pixelsPerPoint());
+  const auto monitors = x11::monitors();
+  const x11::PointSpace space(monitors, x11::pixelsPerPoint());
   const CGFloat primaryHeight =
       monitors.empty() ? kHeightOfNoScreen : CGRectGetHeight(space.rectOf(monitors.front()));
   const CGPoint fromTop = space.pointAt(pointer->x, pointer->y);
@@ -26,7 +26,7 @@ CGPoint mouseLocation() {
 
 double doubleClickInterval() {
   constexpr int32_t toolkitDefault = 400;
-  auto* session = quartz::session();
+  auto* session = x11::session();
   if (session == nullptr) return toolkitDefault / 1000.0;
   return session->state.setting("Net/DoubleClickTime").value_or(toolkitDefault) / 1000.0;
 }

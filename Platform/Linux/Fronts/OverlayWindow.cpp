@@ -13,7 +13,7 @@
 namespace tapdeck::platform {
 namespace {
 
-using quartz::Connection;
+using x11::Connection;
 
 // of the SHAPE extension, whose own header is needed for nothing else
 constexpr xcb_shape_kind_t kBounding = 0;
@@ -48,11 +48,11 @@ uint16_t on16Bits(double component) {
 /// looks as the style says; else it is a disc of the layer's colour.
 struct OverlayWindow::Window {
   explicit Window(const OverlayStyle& style)
-      : session(quartz::session()), size(style.contentRect.size) {
+      : session(x11::session()), size(style.contentRect.size) {
     origin = style.contentRect.origin;
     if (!isReachable()) return;
     Connection& connection = session->connection;
-    side = static_cast<int>(std::lround(size.width * quartz::pixelsPerPoint()));
+    side = static_cast<int>(std::lround(size.width * x11::pixelsPerPoint()));
     const auto visual = isComposited(connection) ? argbVisual(connection) : std::nullopt;
     visual ? createTranslucent(connection, *visual, style) : createDisc(connection, style);
     if (style.ignoresMouseEvents) setShape(connection, kInput, {});
@@ -67,14 +67,14 @@ struct OverlayWindow::Window {
   }
 
   /// False once the session that the window was made in has ended, and the window with it.
-  bool isReachable() const { return session != nullptr && session == quartz::session(); }
+  bool isReachable() const { return session != nullptr && session == x11::session(); }
 
   void createTranslucent(Connection& connection, xcb_visualid_t visual, const OverlayStyle& style) {
     xcb_connection_t* server = connection.get();
     const auto extent = static_cast<uint16_t>(side);
     colours = xcb_generate_id(server);
     xcb_create_colormap(server, XCB_COLORMAP_ALLOC_NONE, colours, connection.root(), visual);
-    const auto pixels = quartz::layerPixels(style, side, side / size.width);
+    const auto pixels = layerPixels(style, side, side / size.width);
     const xcb_pixmap_t pixmap = xcb_generate_id(server);
     xcb_create_pixmap(server, kArgbDepth, pixmap, connection.root(), extent, extent);
     const xcb_gcontext_t context = xcb_generate_id(server);
@@ -100,7 +100,7 @@ struct OverlayWindow::Window {
     const uint32_t values[] = {allocated != nullptr ? allocated->pixel : 0, 1};
     create(connection, XCB_COPY_FROM_PARENT, XCB_COPY_FROM_PARENT,
            XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
-    setShape(connection, kBounding, quartz::discRows(side));
+    setShape(connection, kBounding, discRows(side));
   }
 
   void create(Connection& connection, uint8_t depth, xcb_visualid_t visual, uint32_t mask,
@@ -123,9 +123,9 @@ struct OverlayWindow::Window {
   /// Moves the window to its origin and raises it above whatever was shown since, such as a
   /// full-screen window or a menu.
   void placeOnTop() const {
-    const auto monitors = quartz::monitors();
+    const auto monitors = x11::monitors();
     if (!isReachable() || monitors.empty()) return;
-    const quartz::PointSpace space(monitors, quartz::pixelsPerPoint());
+    const x11::PointSpace space(monitors, x11::pixelsPerPoint());
     const CGFloat primaryHeight = CGRectGetHeight(space.rectOf(monitors.front()));
     const auto corner =
         space.pixelAt(CGPointMake(origin.x, primaryHeight - origin.y - size.height));
@@ -138,7 +138,7 @@ struct OverlayWindow::Window {
     session->connection.flush();
   }
 
-  quartz::ServerSession* session;
+  x11::ServerSession* session;
   CGSize size;
   /// As AppKit has it: the bottom-left corner, from the primary screen's bottom-left corner.
   CGPoint origin;

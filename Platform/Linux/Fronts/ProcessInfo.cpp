@@ -15,7 +15,7 @@ std::optional<std::string> environmentVariable(const std::string& name) {
 
 void stopProcess(const std::string& message) {
   std::fprintf(stderr, "❌ %s\n", message.c_str());
-  quartz::letGo();
+  x11::letGo();
   std::abort();
 }
 

@@ -11,8 +11,8 @@
 namespace tapdeck::platform {
 namespace {
 
-using quartz::Connection;
-using quartz::Monitor;
+using x11::Connection;
+using x11::Monitor;
 
 struct Position {
   int x, y;
@@ -20,7 +20,7 @@ struct Position {
 
 /// In pixels of the root window.
 std::optional<Position> centreOfActiveWindow(Connection& connection) {
-  const xcb_window_t window = quartz::activeWindow(connection);
+  const xcb_window_t window = x11::activeWindow(connection);
   if (window == XCB_WINDOW_NONE) return std::nullopt;
   const auto geometry =
       connection.wait(xcb_get_geometry(connection.get(), window), xcb_get_geometry_reply);
@@ -41,8 +41,8 @@ bool contains(const Monitor& monitor, Position position) {
 
 std::vector<Screen> screensOf(const std::vector<Monitor>& monitors) {
   if (monitors.empty()) return {};
-  const double scale = quartz::pixelsPerPoint();
-  const quartz::PointSpace space(monitors, scale);
+  const double scale = x11::pixelsPerPoint();
+  const x11::PointSpace space(monitors, scale);
   const CGFloat primaryHeight = CGRectGetHeight(space.rectOf(monitors.front()));
   std::vector<Screen> screens;
   for (const Monitor& monitor : monitors) {
@@ -56,14 +56,14 @@ std::vector<Screen> screensOf(const std::vector<Monitor>& monitors) {
 }  // namespace
 
 std::vector<Screen> screens() {
-  return screensOf(quartz::monitors());
+  return screensOf(x11::monitors());
 }
 
 std::optional<Screen> mainScreen() {
-  const auto monitors = quartz::monitors();
+  const auto monitors = x11::monitors();
   if (monitors.empty()) return std::nullopt;
   auto main = monitors.begin();
-  if (const auto centre = centreOfActiveWindow(quartz::session()->connection)) {
+  if (const auto centre = centreOfActiveWindow(x11::session()->connection)) {
     main = std::find_if(monitors.begin(), monitors.end(),
                         [&](const Monitor& monitor) { return contains(monitor, *centre); });
   }
@@ -72,17 +72,17 @@ std::optional<Screen> mainScreen() {
 }
 
 std::string localizedName(const Screen& screen) {
-  const auto monitors = quartz::monitors();
+  const auto monitors = x11::monitors();
   const auto monitor = std::ranges::find(monitors, screen.number, &Monitor::number);
   return monitor != monitors.end() ? monitor->name : "";
 }
 
 CGRect visibleFrame(const Screen& screen) {
-  const auto monitors = quartz::monitors();
+  const auto monitors = x11::monitors();
   const auto monitor = std::ranges::find(monitors, screen.number, &Monitor::number);
   if (monitor == monitors.end()) return screen.frame;
-  const auto area = quartz::workArea(quartz::session()->connection, *monitor, monitors.size() == 1);
-  const double scale = quartz::pixelsPerPoint();
+  const auto area = x11::workArea(x11::session()->connection, *monitor, monitors.size() == 1);
+  const double scale = x11::pixelsPerPoint();
   const double fromLeft = (area.left - monitor->x) / scale;
   const double fromBottom = (monitor->y + monitor->height - area.bottom) / scale;
   return CGRectMake(screen.frame.origin.x + fromLeft, screen.frame.origin.y + fromBottom,
@@ -90,7 +90,7 @@ CGRect visibleFrame(const Screen& screen) {
 }
 
 void observeScreenParameters(std::function<void()> changed) {
-  quartz::observeMonitors(std::move(changed));
+  x11::observeMonitors(std::move(changed));
 }
 
 }  // namespace tapdeck::platform

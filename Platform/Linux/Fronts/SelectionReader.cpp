@@ -19,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 /// Beyond the longest text by as much as shows that there is more, in whole words.
 constexpr std::size_t kMaxRead = kMaxSelectionText + 4;
 
-using quartz::Received;
+using x11::Received;
 
 /// A property's bytes as they came.
 struct Property {
@@ -215,7 +215,7 @@ class SelectionReader {
     return std::nullopt;
   }
 
-  quartz::OpenConnection _connection;
+  x11::OpenConnection _connection;
   std::chrono::milliseconds _silence;
   Clock::time_point _end;
   bool _gaveUp = false;

@@ -4,7 +4,7 @@
 
 #include "Platform/Linux/Pixels/ScalerKernels.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 namespace {
 
 // A byte times all weights of its target pixel must just fit into 16 bits.
@@ -100,4 +100,4 @@ void AreaScaler::scale(const PixelView& source, const PixelBuffer& target, const
   }
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

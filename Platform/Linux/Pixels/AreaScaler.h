@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/Pixels/Pixels.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 
 /// Scales pictures of one size to another: each target pixel is the mean of the part of the source
 /// that it covers, weighted by area, so that every source pixel counts and small text stays
@@ -49,4 +49,4 @@ class AreaScaler {
   std::vector<uint16_t> _blended;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 namespace {
 
 // About a word of a line of text.
@@ -96,4 +96,4 @@ std::vector<Area> DirtyTiles::areas() const {
   return found;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

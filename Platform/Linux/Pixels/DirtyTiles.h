@@ -6,7 +6,7 @@
 
 #include "Platform/Linux/Pixels/Pixels.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 
 /// Which parts of a picture are out of date, kept by tiles, so that its size and the number of
 /// areas are bounded, however much is added.
@@ -35,4 +35,4 @@ class DirtyTiles {
   int _dirtyCount = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

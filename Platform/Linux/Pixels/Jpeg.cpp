@@ -2,7 +2,7 @@
 
 #include <turbojpeg.h>
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 
 void JpegEncoder::Destroy::operator()(void* compressor) const {
   tjDestroy(compressor);
@@ -32,4 +32,4 @@ std::span<const uint8_t> JpegEncoder::encode(const PixelView& picture, int quali
   return {file, size};
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

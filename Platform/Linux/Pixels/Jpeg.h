@@ -6,7 +6,7 @@
 
 #include "Platform/Linux/Pixels/Pixels.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 
 /// Writes JPEG files, colour at half resolution (4:2:0). Keeps its memory from one file to the
 /// next.
@@ -29,4 +29,4 @@ class JpegEncoder {
   size_t _capacity = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

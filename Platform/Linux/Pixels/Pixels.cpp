@@ -4,7 +4,7 @@
 #include <cstring>
 #include <new>
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 namespace {
 
 constexpr size_t kCacheLine = 64;
@@ -58,4 +58,4 @@ void copyOpaque(const PixelView& source, const PixelBuffer& target, const Area& 
   }
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <memory>
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 
 /// A rectangle of pixels, origin at the top-left corner.
 struct Area {
@@ -56,4 +56,4 @@ bool fits(size_t width, size_t height, size_t bytesPerRow);
 /// whatever it was.
 void copyOpaque(const PixelView& source, const PixelBuffer& target, const Area& area);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

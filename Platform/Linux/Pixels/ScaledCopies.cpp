@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 namespace {
 
 // Two phones may have screens of two widths.
@@ -78,4 +78,4 @@ void ScaledCopies::markAllDirty() {
   for (Copy& copy : _copies) copy.dirty.addAll();
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

@@ -8,7 +8,7 @@
 #include "Platform/Linux/Pixels/DirtyTiles.h"
 #include "Platform/Linux/Pixels/Pixels.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::pixels {
 
 /// A cache of one picture drawn at other sizes: only the parts that have changed are drawn again.
 class ScaledCopies {
@@ -46,4 +46,4 @@ class ScaledCopies {
   std::vector<Copy> _copies;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::pixels

@@ -12,7 +12,7 @@
 #endif
 #define TAPDECK_INLINE inline __attribute__((always_inline))
 
-namespace tapdeck::quartz::kernels {
+namespace tapdeck::pixels::kernels {
 namespace {
 
 constexpr int kLanes = 4 * kTapsAtOnce;
@@ -157,4 +157,4 @@ void joinColumns(const WeightedColumns& columns, const uint16_t* blended, uint8_
   joinAny(columns, blended, target, targetWidth);
 }
 
-}  // namespace tapdeck::quartz::kernels
+}  // namespace tapdeck::pixels::kernels

@@ -5,7 +5,7 @@
 
 /// The two inner loops of AreaScaler, each for the vector unit that the processor turns out to
 /// have.
-namespace tapdeck::quartz::kernels {
+namespace tapdeck::pixels::kernels {
 
 inline constexpr int kRowsAtOnce = 4;
 inline constexpr int kTapsAtOnce = 2;
@@ -31,4 +31,4 @@ struct WeightedColumns {
 void joinColumns(const WeightedColumns& columns, const uint16_t* blended, uint8_t* target,
                  int targetWidth);
 
-}  // namespace tapdeck::quartz::kernels
+}  // namespace tapdeck::pixels::kernels

@@ -6,7 +6,7 @@
 #include "Platform/Linux/X11/Session/ServerSession.h"
 #include "Platform/Linux/X11/WindowManager.h"
 
-namespace quartz = tapdeck::quartz;
+namespace x11 = tapdeck::x11;
 using tapdeck::cf::Object;
 
 struct __AXUIElement final : Object {
@@ -31,21 +31,21 @@ bool names(CFStringRef attribute, const char* name) {
   return same;
 }
 
-AXError copyFocusedWindow(quartz::Connection& connection, pid_t process, CFTypeRef* value) {
-  const xcb_window_t window = quartz::activeWindow(connection);
-  if (window == XCB_WINDOW_NONE || quartz::processOf(connection, window) != process) {
+AXError copyFocusedWindow(x11::Connection& connection, pid_t process, CFTypeRef* value) {
+  const xcb_window_t window = x11::activeWindow(connection);
+  if (window == XCB_WINDOW_NONE || x11::processOf(connection, window) != process) {
     return kAXErrorNoValue;
   }
   *value = new __AXUIElement(window);
   return kAXErrorSuccess;
 }
 
-AXError setPosition(quartz::Connection& connection, xcb_window_t window, CFTypeRef value) {
+AXError setPosition(x11::Connection& connection, xcb_window_t window, CFTypeRef value) {
   const auto* position = dynamic_cast<const __AXValue*>(static_cast<const Object*>(value));
   const auto pixel =
-      position != nullptr ? quartz::currentPointSpace().pixelAt(position->point) : std::nullopt;
+      position != nullptr ? x11::currentPointSpace().pixelAt(position->point) : std::nullopt;
   if (!pixel) return kAXErrorIllegalArgument;
-  quartz::moveVisibleCorner(connection, window, *pixel);
+  x11::moveVisibleCorner(connection, window, *pixel);
   return kAXErrorSuccess;
 }
 
@@ -58,29 +58,29 @@ AXUIElementRef AXUIElementCreateApplication(pid_t process) {
 AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                       CFTypeRef* value) {
   if (AXIsProcessTrusted() == 0) return kAXErrorAPIDisabled;
-  quartz::Connection& connection = quartz::session()->connection;
+  x11::Connection& connection = x11::session()->connection;
   if (element->window == XCB_WINDOW_NONE) {
     return names(attribute, "AXFocusedWindow")
                ? copyFocusedWindow(connection, element->process, value)
                : kAXErrorAttributeUnsupported;
   }
-  if (!quartz::exists(connection, element->window)) return kAXErrorInvalidUIElement;
+  if (!x11::exists(connection, element->window)) return kAXErrorInvalidUIElement;
   if (!names(attribute, "AXFullScreen")) return kAXErrorAttributeUnsupported;
-  *value = CFRetain(quartz::isFullScreen(connection, element->window) ? kCFBooleanTrue
-                                                                      : kCFBooleanFalse);
+  *value =
+      CFRetain(x11::isFullScreen(connection, element->window) ? kCFBooleanTrue : kCFBooleanFalse);
   return kAXErrorSuccess;
 }
 
 AXError AXUIElementSetAttributeValue(AXUIElementRef element, CFStringRef attribute,
                                      CFTypeRef value) {
   if (AXIsProcessTrusted() == 0) return kAXErrorAPIDisabled;
-  quartz::Connection& connection = quartz::session()->connection;
+  x11::Connection& connection = x11::session()->connection;
   if (element->window == XCB_WINDOW_NONE) return kAXErrorAttributeUnsupported;
-  if (!quartz::exists(connection, element->window)) return kAXErrorInvalidUIElement;
+  if (!x11::exists(connection, element->window)) return kAXErrorInvalidUIElement;
   if (names(attribute, "AXPosition")) return setPosition(connection, element->window, value);
   if (!names(attribute, "AXFullScreen")) return kAXErrorAttributeUnsupported;
   if (value != kCFBooleanTrue && value != kCFBooleanFalse) return kAXErrorIllegalArgument;
-  quartz::setFullScreen(connection, element->window, value == kCFBooleanTrue);
+  x11::setFullScreen(connection, element->window, value == kCFBooleanTrue);
   return kAXErrorSuccess;
 }
 

@@ -6,7 +6,7 @@
 #include "Platform/Linux/X11/Capture/Context.h"
 #include "Platform/Linux/X11/Capture/Image.h"
 
-using tapdeck::quartz::PixelBuffer;
+using tapdeck::pixels::PixelBuffer;
 
 struct CGColorSpace final : tapdeck::cf::Object {};
 
@@ -16,7 +16,7 @@ namespace {
 const PixelBuffer& pixelsOf(CGContext& context) {
   if (!context.pixels) {
     const auto& [width, height, bytesPerRow] = context.shape;
-    context.pixels = tapdeck::quartz::allocatePixels(width, height, bytesPerRow);
+    context.pixels = tapdeck::pixels::allocatePixels(width, height, bytesPerRow);
     if (context.pixels) {
       std::memset(context.pixels.memory.get(), 0, bytesPerRow * static_cast<size_t>(height));
     }
@@ -44,11 +44,11 @@ CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size
   if (data != nullptr || bitsPerComponent != 8 || space == nullptr || bitmapInfo != offered) {
     return nullptr;
   }
-  if (!tapdeck::quartz::fits(width, height, bytesPerRow != 0 ? bytesPerRow : width * 4)) {
+  if (!tapdeck::pixels::fits(width, height, bytesPerRow != 0 ? bytesPerRow : width * 4)) {
     return nullptr;
   }
   const int columns = static_cast<int>(width);
-  if (bytesPerRow == 0) bytesPerRow = tapdeck::quartz::alignedBytesPerRow(columns);
+  if (bytesPerRow == 0) bytesPerRow = tapdeck::pixels::alignedBytesPerRow(columns);
   return new CGContext({columns, static_cast<int>(height), bytesPerRow});
 }
 

@@ -3,19 +3,19 @@
 #include "Platform/Linux/X11/PointSpace.h"
 #include "Platform/Linux/X11/Session/ServerSession.h"
 
-using tapdeck::quartz::PointSpace;
-using tapdeck::quartz::session;
+using tapdeck::x11::PointSpace;
+using tapdeck::x11::session;
 
 CGDirectDisplayID CGMainDisplayID() {
-  const auto monitors = tapdeck::quartz::monitors();
+  const auto monitors = tapdeck::x11::monitors();
   return monitors.empty() ? kCGNullDirectDisplay : monitors.front().number;
 }
 
 CGRect CGDisplayBounds(CGDirectDisplayID display) {
-  const auto monitors = tapdeck::quartz::monitors();
+  const auto monitors = tapdeck::x11::monitors();
   for (const auto& monitor : monitors) {
     if (monitor.number != display) continue;
-    return PointSpace(monitors, tapdeck::quartz::pixelsPerPoint()).rectOf(monitor);
+    return PointSpace(monitors, tapdeck::x11::pixelsPerPoint()).rectOf(monitor);
   }
   return CGRectMake(0, 0, 0, 0);
 }
@@ -34,7 +34,7 @@ CGError CGDisplayShowCursor(CGDirectDisplayID) {
 
 CGError CGWarpMouseCursorPosition(CGPoint position) {
   if (session() == nullptr) return kCGErrorFailure;
-  const auto pixel = tapdeck::quartz::currentPointSpace().pixelAt(position);
+  const auto pixel = tapdeck::x11::currentPointSpace().pixelAt(position);
   if (!pixel) return kCGErrorIllegalArgument;
   session()->poster.warp(*pixel);
   return session()->connection.isAlive() ? kCGErrorSuccess : kCGErrorFailure;

@@ -3,7 +3,7 @@
 #include "Platform/Linux/X11/PointSpace.h"
 #include "Platform/Linux/X11/Session/ServerSession.h"
 
-using tapdeck::quartz::session;
+using tapdeck::x11::session;
 
 struct __CGEventSource final : tapdeck::cf::Object {};
 
@@ -51,10 +51,10 @@ CGEventSourceRef CGEventSourceCreate(CGEventSourceStateID) {
 }
 
 CGEventRef CGEventCreate(CGEventSourceRef) {
-  const auto pointer = tapdeck::quartz::pointerPixel();
+  const auto pointer = tapdeck::x11::pointerPixel();
   if (!pointer) return nullptr;
   auto* event = new __CGEvent(kCGEventNull);
-  event->location = tapdeck::quartz::currentPointSpace().pointAt(pointer->x, pointer->y);
+  event->location = tapdeck::x11::currentPointSpace().pointAt(pointer->x, pointer->y);
   return event;
 }
 
@@ -68,7 +68,7 @@ CGEventRef CGEventCreateMouseEvent(CGEventSourceRef, CGEventType type, CGPoint p
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode key, bool keyDown) {
-  if (tapdeck::quartz::endOfPatience()) return nullptr;
+  if (tapdeck::x11::endOfPatience()) return nullptr;
   auto* event = new __CGEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp);
   event->keyCode = key;
   return event;

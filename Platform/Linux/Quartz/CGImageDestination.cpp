@@ -65,7 +65,7 @@ void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef im
 
 bool CGImageDestinationFinalize(CGImageDestinationRef destination) {
   if (destination == nullptr || destination->image == nullptr) return false;
-  static tapdeck::quartz::JpegEncoder encoder;
+  static tapdeck::pixels::JpegEncoder encoder;
   const auto file =
       encoder.encode(destination->image->pixels.view(), encoderQuality(destination->quality));
   CFDataAppendBytes(destination->data, file.data(), static_cast<CFIndex>(file.size()));

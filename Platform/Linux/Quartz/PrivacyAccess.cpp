@@ -11,7 +11,7 @@ const CFStringRef kAXTrustedCheckOptionPrompt =
 namespace {
 
 bool isPermitted(Permission permission) {
-  const auto* session = tapdeck::quartz::session();
+  const auto* session = tapdeck::x11::session();
   return session != nullptr && session->connection.isAlive() &&
          tapdeck::permissions::isGranted(permission);
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 void sendClientMessage(const Connection& connection, xcb_window_t window, xcb_atom_t type,
                        const std::array<uint32_t, 5>& data, xcb_window_t destination,
@@ -16,4 +16,4 @@ void sendClientMessage(const Connection& connection, xcb_window_t window, xcb_at
   xcb_send_event(connection.get(), 0, destination, mask, reinterpret_cast<const char*>(&message));
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Puts a ClientMessage event about `window`, with five numbers of 32 bits, into the connection's
 /// buffer; the caller flushes. It goes to those clients that have selected one of the events in
@@ -16,4 +16,4 @@ void sendClientMessage(const Connection& connection, xcb_window_t window, xcb_at
                        const std::array<uint32_t, 5>& data, xcb_window_t destination,
                        uint32_t mask);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

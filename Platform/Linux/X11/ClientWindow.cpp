@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/WindowManager.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 using std::chrono::milliseconds;
@@ -107,4 +107,4 @@ void moveVisibleCorner(Connection& connection, xcb_window_t window, Pixel corner
   moveFrame(connection, window, corner.x - shadow.left, corner.y - shadow.top);
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -7,7 +7,7 @@
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/PointSpace.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 // One window of another application, as its window manager keeps it (EWMH). Main thread only.
 
@@ -24,4 +24,4 @@ void setFullScreen(Connection& connection, xcb_window_t window, bool wanted);
 /// A window that is maximised is restored first, for which this waits half a second at the most.
 void moveVisibleCorner(Connection& connection, xcb_window_t window, Pixel corner);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

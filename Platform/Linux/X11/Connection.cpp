@@ -6,7 +6,7 @@
 
 #include "Platform/Linux/X11/WindowServerError.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 std::string displayName() {
@@ -113,4 +113,4 @@ std::vector<uint8_t> Connection::property(xcb_window_t window, xcb_atom_t name,
   return {bytes, bytes + xcb_get_property_value_length(reply.get())};
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

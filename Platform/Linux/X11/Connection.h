@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 struct Free {
   void operator()(void* memory) const { std::free(memory); }
@@ -76,4 +76,4 @@ class Connection {
   std::unordered_map<xcb_atom_t, std::string> _atomNames;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -2,7 +2,7 @@
 
 #include <xcb/xfixes.h>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 void Cursor::hide() {
   if (_hides++ > 0) return;
@@ -22,4 +22,4 @@ void Cursor::showAtOnce() {
   show();
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

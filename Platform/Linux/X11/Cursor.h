@@ -2,7 +2,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The cursor's visibility on the whole X screen (XFIXES). Hides are counted: as many shows bring
 /// the cursor back, and one too many is ignored, which the server itself would take for an error.
@@ -24,4 +24,4 @@ class Cursor {
   uint64_t _hides = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -2,7 +2,7 @@
 
 #include <atomic>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -24,4 +24,4 @@ std::optional<Clock::time_point> endOfPatience() {
   return Clock::time_point(Clock::duration(time));
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

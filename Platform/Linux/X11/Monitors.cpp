@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 std::vector<Monitor> queryMonitors(Connection& connection) {
   const auto reply = connection.wait(xcb_randr_get_monitors(connection.get(), connection.root(), 1),
@@ -28,4 +28,4 @@ std::vector<Monitor> queryMonitors(Connection& connection) {
   return found;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

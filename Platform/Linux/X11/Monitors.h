@@ -6,7 +6,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// One RandR 1.5 monitor.
 struct Monitor {
@@ -22,4 +22,4 @@ struct Monitor {
 /// the server's order. Empty when there is none or the server is gone.
 std::vector<Monitor> queryMonitors(Connection& connection);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 int16_t nearestCoordinate(double pixel) {
@@ -38,4 +38,4 @@ std::optional<Pixel> PointSpace::pixelAt(CGPoint point) const {
                nearestCoordinate(point.y * _pixelsPerPoint + _originY)};
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

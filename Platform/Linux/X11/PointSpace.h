@@ -8,7 +8,7 @@
 
 #include "Platform/Linux/X11/Monitors.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// A pixel of the root window.
 struct Pixel {
@@ -33,4 +33,4 @@ class PointSpace {
   double _pixelsPerPoint;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <utility>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 // One rearrangement takes the server and its clients several steps, and what they are at after the
@@ -154,4 +154,4 @@ gboolean ServerState::onQuiet(gpointer self) noexcept {
   return G_SOURCE_REMOVE;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

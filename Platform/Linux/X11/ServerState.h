@@ -12,7 +12,7 @@
 #include "Platform/Linux/X11/PointSpace.h"
 #include "Platform/Linux/X11/XSettings.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// A cache of what the X server sends an event about when it changes: the monitors, the desktop's
 /// settings, the order of the pointer's buttons. Each is queried once, and again after an event
@@ -71,4 +71,4 @@ class ServerState {
   guint _quietSource = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

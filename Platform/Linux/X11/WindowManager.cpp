@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/X11/ClientMessage.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 std::vector<uint32_t> numbersIn(const std::vector<uint8_t>& bytes) {
@@ -66,4 +66,4 @@ void sendToWindowManager(Connection& connection, xcb_window_t window, const char
   connection.flush();
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 // What the window manager tells every client, and the messages that it takes (EWMH). Main thread
 // only.
@@ -49,4 +49,4 @@ void sendToWindowManager(Connection& connection, xcb_window_t window, const char
 /// the user had made it.
 inline constexpr uint32_t kFromPager = 2;
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The X server cannot be used; the text says why and what to do.
 class WindowServerError : public std::runtime_error {
@@ -10,4 +10,4 @@ class WindowServerError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/X11/WindowManager.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 constexpr size_t kPartialStrutLength = 12;
@@ -104,4 +104,4 @@ Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonito
   return isEmpty ? areaOf(monitor) : area;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

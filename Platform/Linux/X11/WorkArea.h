@@ -6,7 +6,7 @@
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Monitors.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// A rectangle by its edges, in pixels of the root window; the right and bottom edges are the first
 /// ones outside.
@@ -43,4 +43,4 @@ Edges withinWorkArea(const Edges& area, const std::vector<int>& lengths);
 /// monitor when nothing would be left. Main thread only.
 Edges workArea(Connection& connection, const Monitor& monitor, bool isOnlyMonitor);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/Support/ByteReader.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 enum class Kind : uint8_t { integer = 0, text = 1, color = 2 };
@@ -67,4 +67,4 @@ IntegerSettings parseSettings(const std::vector<uint8_t>& bytes) {
   return settings;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

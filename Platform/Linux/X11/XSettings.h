@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The desktop's whole-number settings (the XSETTINGS protocol) by their names, such as
 /// "Gdk/WindowScalingFactor".
@@ -22,4 +22,4 @@ IntegerSettings querySettings(Connection& connection, xcb_window_t owner);
 /// Reads the property's bytes as far as they are well formed.
 IntegerSettings parseSettings(const std::vector<uint8_t>& bytes);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -27,8 +27,8 @@ class ScreenPainter {
   void paintByRender(xcb_drawable_t on, const xcb_rectangle_t& area);
   void putShared(xcb_drawable_t on, const xcb_rectangle_t& area);
 
-  quartz::Connection _server;
-  quartz::SegmentPool _segments{_server};
+  x11::Connection _server;
+  x11::SegmentPool _segments{_server};
   xcb_screen_t* _screen;
   std::mt19937 _random;
   xcb_gcontext_t _context;

@@ -3,7 +3,7 @@
 #include <xcb/damage.h>
 #include <xcb/xfixes.h>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 bool hasDamage(const Connection& connection) {
@@ -13,8 +13,8 @@ bool hasDamage(const Connection& connection) {
                          xcb_damage_query_version_reply) != nullptr;
 }
 
-std::vector<Area> areasIn(const xcb_xfixes_fetch_region_reply_t& region) {
-  std::vector<Area> areas;
+std::vector<pixels::Area> areasIn(const xcb_xfixes_fetch_region_reply_t& region) {
+  std::vector<pixels::Area> areas;
   areas.reserve(static_cast<size_t>(xcb_xfixes_fetch_region_rectangles_length(&region)));
   const auto* rectangles = xcb_xfixes_fetch_region_rectangles(&region);
   const int count = xcb_xfixes_fetch_region_rectangles_length(&region);
@@ -44,7 +44,7 @@ Damage::~Damage() {
   _connection.flush();
 }
 
-std::optional<std::vector<Area>> Damage::take() {
+std::optional<std::vector<pixels::Area>> Damage::take() {
   if (_damage == XCB_NONE) return std::nullopt;
   xcb_connection_t* server = _connection.get();
   // one round trip for all three
@@ -62,4 +62,4 @@ std::optional<std::vector<Area>> Damage::take() {
   return areasIn(*region);
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -8,7 +8,7 @@
 #include "Platform/Linux/Pixels/Pixels.h"
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// What has been painted on the root window and its descendants (the DAMAGE extension).
 class Damage {
@@ -21,7 +21,7 @@ class Damage {
   /// The areas painted since the last call. What is painted between this and the grab that follows
   /// is grabbed already and in the next call's areas too. Absent when anything may have changed:
   /// the server has no DAMAGE extension, is gone, or has resized the screen.
-  std::optional<std::vector<Area>> take();
+  std::optional<std::vector<pixels::Area>> take();
 
  private:
   Connection& _connection;
@@ -31,4 +31,4 @@ class Damage {
   uint16_t _rootHeight = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

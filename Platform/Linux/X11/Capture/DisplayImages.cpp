@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 // The phone asks several times a second while its user looks at the screen.
@@ -68,7 +68,7 @@ void DisplayImages::takeDamage() {
       cached.dirty.addAll();
       continue;
     }
-    for (const Area& area : *damage) {
+    for (const pixels::Area& area : *damage) {
       cached.dirty.add(
           {area.x - cached.monitor.x, area.y - cached.monitor.y, area.width, area.height});
     }
@@ -101,7 +101,7 @@ bool DisplayImages::grab(CachedImage& cached) {
   if (cached.image != nullptr && cached.image->retainCount() > 1) cached.image.reset();
   // so that its memory can be used for the new picture
   if (cached.image != nullptr) cached.image->pixels = {};
-  PixelBuffer pixels = _grab->grab(cached.area());
+  pixels::PixelBuffer pixels = _grab->grab(cached.area());
   if (!pixels) return false;
   if (cached.image == nullptr) {
     cached.image.reset(new CGImage(std::move(pixels)));
@@ -120,4 +120,4 @@ gboolean DisplayImages::onTick(gpointer self) noexcept {
   return G_SOURCE_REMOVE;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -13,7 +13,7 @@
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Monitors.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The displays' pictures. The last one of each is kept, and for the next one only the parts that
 /// were painted since are grabbed. When no picture was taken for ten seconds, all memory is given
@@ -37,11 +37,11 @@ class DisplayImages {
   };
   struct CachedImage {
     explicit CachedImage(const Monitor& shown) : monitor(shown), dirty(shown.width, shown.height) {}
-    Area area() const { return {monitor.x, monitor.y, monitor.width, monitor.height}; }
+    pixels::Area area() const { return {monitor.x, monitor.y, monitor.width, monitor.height}; }
     Monitor monitor;
     std::unique_ptr<CGImage, Release> image;
     /// The parts of the monitor that have been painted since `image` was grabbed.
-    DirtyTiles dirty;
+    pixels::DirtyTiles dirty;
   };
 
   void start();
@@ -62,4 +62,4 @@ class DisplayImages {
   bool _isInUse = false;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -10,7 +10,7 @@
 
 /// A picture. It never changes while anybody but DisplayImages holds it.
 struct CGImage final : tapdeck::cf::Object {
-  explicit CGImage(tapdeck::quartz::PixelBuffer content) : pixels(std::move(content)) {}
-  tapdeck::quartz::PixelBuffer pixels;
-  tapdeck::quartz::ScaledCopies copies;
+  explicit CGImage(tapdeck::pixels::PixelBuffer content) : pixels(std::move(content)) {}
+  tapdeck::pixels::PixelBuffer pixels;
+  tapdeck::pixels::ScaledCopies copies;
 };

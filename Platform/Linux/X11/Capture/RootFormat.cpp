@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstring>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 const xcb_visualtype_t* rootVisual(const xcb_screen_t& screen) {
@@ -68,4 +68,4 @@ void RootFormat::convert(const uint8_t* from, uint8_t* to, int count) const {
   }
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -8,7 +8,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// How the X screen keeps its pixels: four bytes each, blue, green and red of 8 bits or more
 /// (depth 24 and depth 30).
@@ -29,4 +29,4 @@ class RootFormat {
   int _redShift, _greenShift, _blueShift;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -10,7 +10,7 @@
 
 #include "Platform/Linux/Support/FileDescriptor.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 constexpr size_t kHugePage = size_t{2} << 20;
@@ -105,4 +105,4 @@ void SegmentPool::dropUnheld() {
   });
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

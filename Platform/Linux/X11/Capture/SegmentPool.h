@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Memory that this process and the X server both see.
 struct Segment {
@@ -40,4 +40,4 @@ class SegmentPool {
   std::vector<Segment> _segments;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -10,7 +10,7 @@
 #include "Platform/Linux/X11/Keyboard/KeyPlan.h"
 #include "Platform/Linux/X11/Keyboard/TextPlan.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 // the core protocol's buttons
@@ -147,4 +147,4 @@ void EventPoster::turnWheel(int steps, uint8_t positive, uint8_t negative) {
   if (physical) _queue.add(WheelStep{*physical, std::abs(steps)});
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

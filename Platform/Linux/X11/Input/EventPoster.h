@@ -13,7 +13,7 @@
 #include "Platform/Linux/X11/PointSpace.h"
 #include "Platform/Linux/X11/ServerState.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Carries events out. Every event goes through here, so that they arrive in the order of posting.
 class EventPoster {
@@ -59,4 +59,4 @@ class EventPoster {
   StepQueue _queue;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

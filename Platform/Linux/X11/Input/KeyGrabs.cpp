@@ -4,7 +4,7 @@
 
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 // Nobody can ask who has grabbed a key, but only one client can: who tries learns of the other.
@@ -52,4 +52,4 @@ bool isKeyGrabbed(const Connection& connection, Keycode code) {
          hasInputExtensionGrab(connection, code, state->grabMods);
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

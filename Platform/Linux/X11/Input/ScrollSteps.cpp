@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 int ScrollSteps::addPixels(int32_t pixels) {
   const bool turned = (pixels > 0 && _left < 0) || (pixels < 0 && _left > 0);
@@ -11,4 +11,4 @@ int ScrollSteps::addPixels(int32_t pixels) {
   return static_cast<int>(std::clamp<int64_t>(total / kPixelsPerStep, -kMaxSteps, kMaxSteps));
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

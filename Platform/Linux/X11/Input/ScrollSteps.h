@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Turns an amount of scrolling into turns of a wheel, on one axis: X has no finer wheel that other
 /// programs may turn. What is left of a step counts towards the next, until the direction turns.
@@ -20,4 +20,4 @@ class ScrollSteps {
   int64_t _left = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

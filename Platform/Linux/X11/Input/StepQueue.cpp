@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/X11/Ending.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -142,4 +142,4 @@ void StepQueue::gather(Lock& lock) {
   }
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

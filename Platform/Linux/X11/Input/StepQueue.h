@@ -9,7 +9,7 @@
 
 #include "Platform/Linux/X11/Keyboard/LiveKeyboard.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Keeps steps in order. A step that needs no change of the keymap is sent at once by the caller's
 /// thread; one that does, and all that follow it, are sent by the queue's own thread, so that one
@@ -48,4 +48,4 @@ class StepQueue {
   std::thread _thread;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

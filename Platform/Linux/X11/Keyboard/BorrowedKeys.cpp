@@ -10,7 +10,7 @@
 #include "Platform/Linux/X11/Keyboard/TextPlan.h"
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 /// Grabs the server, so that no client sees the keymap half changed.
@@ -270,4 +270,4 @@ void BorrowedKeys::forget() {
   _layout = _now;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -13,7 +13,7 @@
 #include "Platform/Linux/X11/Keyboard/KeymapChange.h"
 #include "Platform/Linux/X11/Keyboard/SlotPool.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The keycodes that this program remaps for a while: spare ones, to which the characters of typed
 /// text are assigned, and those of US keys that the user's layout lacks, which get one group more.
@@ -93,4 +93,4 @@ class BorrowedKeys {
   uint64_t _time = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

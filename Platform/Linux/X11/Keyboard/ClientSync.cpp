@@ -10,7 +10,7 @@
 
 #include "Platform/Linux/X11/Ending.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 using std::chrono::milliseconds;
@@ -205,4 +205,4 @@ bool ClientSync::waitForEvent(Matches matches, Deadline deadline) {
   return false;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

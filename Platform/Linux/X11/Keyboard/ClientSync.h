@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/X11/Connection.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Waits, by a question that an application answers (_NET_WM_PING, Editres), until applications
 /// have read what they were sent before. An application that does not answer holds nothing up for
@@ -49,4 +49,4 @@ class ClientSync {
   uint32_t _number = 0;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

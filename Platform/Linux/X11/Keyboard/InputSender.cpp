@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 // A button is pressed again after so long at the earliest, as no hand can do it sooner. Chromium
@@ -132,4 +132,4 @@ void InputSender::fake(uint8_t type, uint8_t detail, Pixel pixel, uint32_t delay
                       0);
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

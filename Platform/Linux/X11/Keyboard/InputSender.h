@@ -10,7 +10,7 @@
 #include "Platform/Linux/X11/Keyboard/PressedInput.h"
 #include "Platform/Linux/X11/PointSpace.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Sends input by XTEST and keeps the account of what is pressed, on disk too: the server keeps
 /// pressed what a client pressed even after that client is gone. The caller flushes. One thread at
@@ -81,4 +81,4 @@ class InputSender {
   InputRecord _leftOver;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -12,7 +12,7 @@
 #include <cstring>
 #include <utility>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 namespace fs = std::filesystem;
@@ -196,4 +196,4 @@ void Journal::write(const InputRecord& record) {
   _holdsNothing = content.empty() && written == static_cast<ssize_t>(writer.bytes.size());
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

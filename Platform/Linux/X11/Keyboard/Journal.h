@@ -9,7 +9,7 @@
 
 #include "Platform/Linux/X11/Keyboard/KeymapChange.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// What this process has to give back at the X server, which keeps it when the process ends.
 struct InputRecord {
@@ -54,4 +54,4 @@ class Journal {
   bool _holdsNothing = true;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -6,7 +6,7 @@
 #include "Platform/Linux/X11/Keyboard/Keysyms.h"
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 // the first four key types are the same on every X server
@@ -318,4 +318,4 @@ SpareKeys spareKeysOf(const Keymap& map) {
   return spare;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/Keyboard/Keymap.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// A key of the US keyboard by its keysyms without and with Shift; `shifted` is 0 where the key is
 /// none for text.
@@ -70,4 +70,4 @@ struct SpareKeys {
 };
 SpareKeys spareKeysOf(const Keymap& map);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

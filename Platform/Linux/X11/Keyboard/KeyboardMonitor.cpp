@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 bool useKeyboardExtension(const Connection& connection) {
@@ -117,4 +117,4 @@ void KeyboardMonitor::note(const xcb_generic_event_t& event) {
   }
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

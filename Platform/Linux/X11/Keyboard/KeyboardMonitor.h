@@ -6,7 +6,7 @@
 #include "Platform/Linux/X11/Connection.h"
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The part of the XKB state that keys are chosen by.
 struct KeyboardState {
@@ -58,4 +58,4 @@ class KeyboardMonitor {
   bool _isLatched = false;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

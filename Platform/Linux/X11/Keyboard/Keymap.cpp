@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 constexpr uint16_t kParts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_KEY_ACTIONS |
@@ -164,4 +164,4 @@ std::optional<Keymap> fetchKeymap(xcb_connection_t* connection) {
                     fixedSize + size_t{reply->length} * 4);
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

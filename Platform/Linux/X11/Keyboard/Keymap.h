@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// X's numbers: keycodes are 8 to 255, keysyms as in keysymdef.h.
 using Keycode = uint8_t;
@@ -61,4 +61,4 @@ std::optional<Keymap> fetchKeymap(xcb_connection_t* connection);
 /// hold together.
 std::optional<Keymap> readKeymap(const uint8_t* reply, size_t size);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -4,7 +4,7 @@
 
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 /// Lays the request's parts out one after the other.
@@ -93,4 +93,4 @@ void sendActions(xcb_connection_t* connection, Keymap& now, const KeyMappings& m
                   0, 0, 0, 0, 0, values.data());
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

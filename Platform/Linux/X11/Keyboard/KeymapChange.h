@@ -6,7 +6,7 @@
 
 #include "Platform/Linux/X11/Keyboard/Keymap.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// New mappings for some keys.
 using KeyMappings = std::map<Keycode, KeyMapping>;
@@ -26,4 +26,4 @@ void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMappings& m
                  ToldAs toldAs = ToldAs::change);
 void sendActions(xcb_connection_t* connection, Keymap& now, const KeyMappings& mappings);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -4,7 +4,7 @@
 
 /// The keysyms that the keyboard part names, by X's own names and numbers (keysymdef.h,
 /// XF86keysym.h).
-namespace tapdeck::quartz::keysyms {
+namespace tapdeck::x11::keysyms {
 
 inline constexpr Keysym BackSpace = 0xff08;
 inline constexpr Keysym Tab = 0xff09;
@@ -31,4 +31,4 @@ inline constexpr Keysym XF86AudioPlay = 0x1008ff14;
 inline constexpr Keysym XF86AudioPrev = 0x1008ff16;
 inline constexpr Keysym XF86AudioNext = 0x1008ff17;
 
-}  // namespace tapdeck::quartz::keysyms
+}  // namespace tapdeck::x11::keysyms

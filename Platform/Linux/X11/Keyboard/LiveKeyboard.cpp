@@ -9,7 +9,7 @@
 #include "Platform/Linux/X11/Keyboard/TextKeys.h"
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -316,4 +316,4 @@ void LiveKeyboard::releaseAll() {
   _sender.releaseAll();
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -12,7 +12,7 @@
 #include "Platform/Linux/X11/Keyboard/InputSender.h"
 #include "Platform/Linux/X11/Keyboard/KeyboardMonitor.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 // Input to be sent to the server, in order.
 struct MotionStep {
@@ -135,4 +135,4 @@ class LiveKeyboard {
   std::chrono::steady_clock::time_point _lastNeed;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

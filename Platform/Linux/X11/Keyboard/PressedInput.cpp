@@ -1,6 +1,6 @@
 #include "Platform/Linux/X11/Keyboard/PressedInput.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 std::bitset<256> PressedInput::keycodes() const {
   std::bitset<256> codes;
@@ -17,4 +17,4 @@ std::bitset<256> PressedInput::physicalButtons() const {
   return physical;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

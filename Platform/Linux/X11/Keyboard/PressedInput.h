@@ -7,7 +7,7 @@
 
 #include "Platform/Linux/X11/Keyboard/KeyPlan.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The platform's one account of what this process holds pressed at the X server.
 struct PressedInput {
@@ -25,4 +25,4 @@ struct PressedInput {
   std::bitset<256> physicalButtons() const;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

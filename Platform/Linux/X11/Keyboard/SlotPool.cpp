@@ -1,6 +1,6 @@
 #include "Platform/Linux/X11/Keyboard/SlotPool.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 std::optional<size_t> SlotPool::find(Keysym keysym) const {
   const auto found = _places.find(keysym);
@@ -32,4 +32,4 @@ std::optional<size_t> SlotPool::fill(std::optional<size_t> slot, Keysym keysym) 
   return slot;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

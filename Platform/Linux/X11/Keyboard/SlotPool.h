@@ -9,7 +9,7 @@
 
 #include "Platform/Linux/X11/Keyboard/Keymap.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Which keysym each group of each spare key (a slot) is assigned to: a cache that evicts the least
 /// recently used. Only what every application has read may be evicted, because an application looks
@@ -42,4 +42,4 @@ class SlotPool {
   std::unordered_map<Keysym, size_t> _places;
 };
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -4,7 +4,7 @@
 
 #include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 constexpr uint8_t kEveryModifier = 0xff;
@@ -39,4 +39,4 @@ bool isTextKey(const KeyMapping& key) {
          std::all_of(key.actions.begin(), key.actions.end(), redirects);
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

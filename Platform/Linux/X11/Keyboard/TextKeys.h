@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/X11/Keyboard/Keymap.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 // A text key is a keycode with four characters of typed text, one in each group. No modifier
 // chooses among them. Its action (RedirectKey) has the server deliver the key without any modifier:
@@ -27,4 +27,4 @@ KeyMapping textKey(Keycode code, const std::array<TextGroup, kTextGroups>& group
 /// Whether `key` is what textKey makes: a process before this one may have left it.
 bool isTextKey(const KeyMapping& key);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/X11/Keyboard/Keysyms.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 constexpr Keysym kUnicode = 0x01000000;
@@ -108,4 +108,4 @@ std::vector<Keysym> companionsOf(Keysym keysym) {
   return companions;
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -6,7 +6,7 @@
 
 #include "Platform/Linux/X11/Keyboard/Keymap.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// The keysyms, one for each press and release, that bring the text (UTF-16) into an application:
 /// a line end of any kind is Return, and what is no character to type is left out.
@@ -19,4 +19,4 @@ Keysym keysymForCharacter(char32_t character);
 /// Itself alone where it belongs to none, or to one too large.
 std::vector<Keysym> companionsOf(Keysym keysym);
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -5,7 +5,7 @@
 
 #include "Platform/Linux/X11/Session/WindowServer.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 namespace {
 
 std::unique_ptr<ServerSession>& current() {
@@ -62,4 +62,4 @@ std::optional<Pixel> pointerPixel() {
   return Pixel{pointer->root_x, pointer->root_y};
 }
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

@@ -9,7 +9,7 @@
 #include "Platform/Linux/X11/Input/EventPoster.h"
 #include "Platform/Linux/X11/ServerState.h"
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// All that uses the connection to the X server. Its end releases every key and button that it
 /// holds pressed, and shows the cursor.
@@ -39,4 +39,4 @@ PointSpace currentPointSpace();
 /// server is gone. One round trip.
 std::optional<Pixel> pointerPixel();
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11

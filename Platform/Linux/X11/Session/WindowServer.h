@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-namespace tapdeck::quartz {
+namespace tapdeck::x11 {
 
 /// Opens the connection to the X server of $DISPLAY and checks the extensions that the host needs
 /// (XTEST, XFIXES, RANDR 1.5). Until this is called, everything of Quartz behaves as if the server
@@ -24,4 +24,4 @@ void offerMediaKeys(std::function<bool(uint32_t keyType)> take);
 /// Returns when the server has done so. The end of the process by exit does it too.
 void letGo();
 
-}  // namespace tapdeck::quartz
+}  // namespace tapdeck::x11
