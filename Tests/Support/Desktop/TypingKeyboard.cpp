@@ -14,6 +14,13 @@ namespace {
 
 constexpr auto owned = [](auto* packet) { return Observer::owned(packet); };
 
+/// Waits until every client of the server has been sent what this one's requests brought about: the
+/// first answer may overtake other clients' events, the second one comes after them.
+void syncAllClients(Observer& observer) {
+  observer.sync();
+  observer.sync();
+}
+
 }  // namespace
 
 TypingKeyboard::TypingKeyboard(Observer& observer) : _observer(observer) {
@@ -30,13 +37,13 @@ void TypingKeyboard::setLayout(const std::string& layout) {
 
 void TypingKeyboard::lockGroup(uint8_t group) {
   xcb_xkb_latch_lock_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
-  _observer.sync();
+  syncAllClients(_observer);
 }
 
 void TypingKeyboard::lockCaps(bool locked) {
   xcb_xkb_latch_lock_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD, XCB_MOD_MASK_LOCK,
                            locked ? XCB_MOD_MASK_LOCK : 0, 0, 0, 0, 0, 0);
-  _observer.sync();
+  syncAllClients(_observer);
 }
 
 TypingKeyboard::State TypingKeyboard::state() {
