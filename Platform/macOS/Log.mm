@@ -8,8 +8,8 @@
 namespace tapdeck::platform {
 
 void logError(const char* subsystem, const char* category, const std::string& message) {
-  // the same pair gives the same log each time; a string is private unless it is said to be public
-  os_log_error(os_log_create(subsystem, category), "%{public}s", message.c_str());
+  // the same pair gives the same log each time; a text is private unless it is said to be public
+  os_log_error(os_log_create(subsystem, category), "%{public}@", stringFromUtf8(message));
 }
 
 void logLine(const std::string& line) {
