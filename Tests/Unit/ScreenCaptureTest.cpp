@@ -8,7 +8,7 @@ namespace {
 const Value kUnchanged(ValueMap{{"unchanged", Value(true)}});
 
 Value frame(int width, int height) {
-  return Value(ValueMap{{"jpeg", Value(Value::Bytes{0xff, 0xd8, 0xff, 0xd9})},
+  return Value(ValueMap{{"jpeg", Value(std::vector<uint8_t>{0xff, 0xd8, 0xff, 0xd9})},
                         {"w", Value(width)},
                         {"h", Value(height)}});
 }
