@@ -31,7 +31,11 @@ class ScreenCaptureTest : public HostTest {
 };
 
 TEST_F(ScreenCaptureTest, TakesTheStepsInOrder) {
-  EXPECT_EQ(capture(), frame(1280, 800));
+  const Value answer = capture();
+  EXPECT_EQ(answer, frame(1280, 800));
+  EXPECT_EQ(answer.getIf<ValueMap>()->find("jpeg")->getIf<Value::Bytes>()->data(),
+            script().images.encoded)
+      << "a copy of the encoder's file";
   EXPECT_THAT(trace(),
               ElementsAre("image of display 1", "context 1280x800 of 8 bits, row 0, format 0x2006",
                           "interpolation 2", "draw into (0,0) 1280x800", "image of context",
