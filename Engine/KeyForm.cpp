@@ -12,7 +12,7 @@ constexpr Tag tagOfList() {
   if constexpr (std::is_floating_point_v<T>) {
     return sizeof(T) == 4 ? Tag::float32List : Tag::float64List;
   } else {
-    return sizeof(T) == 1 ? Tag::bytes : sizeof(T) == 4 ? Tag::int32List : Tag::int64List;
+    return sizeof(T) == 4 ? Tag::int32List : Tag::int64List;
   }
 }
 
@@ -89,6 +89,12 @@ void KeyForm::content(const std::string& value) {
   tag(Tag::string);
   size(value.size());
   append(std::string_view(value));
+}
+
+void KeyForm::content(const Value::Bytes& value) {
+  tag(Tag::bytes);
+  size(value.size());
+  append(std::string_view(reinterpret_cast<const char*>(value.data()), value.size()));
 }
 
 template <typename T>

@@ -43,6 +43,7 @@ class KeyForm {
   void content(int64_t value);
   void content(double value);
   void content(const std::string& value);
+  void content(const Value::Bytes& value);
   template <typename T>
   void content(const std::vector<T>& list);
   void content(const Value::List&);

@@ -120,7 +120,9 @@ void Writer::content(const std::string& value) {
 }
 
 void Writer::content(const Value::Bytes& value) {
-  typedList(Tag::bytes, value);
+  tag(Tag::bytes);
+  size(value.size());
+  raw(value.data(), value.size());
 }
 
 void Writer::content(const Value::Int32List& value) {

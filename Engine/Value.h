@@ -9,6 +9,8 @@
 #include <variant>
 #include <vector>
 
+#include "Engine/SharedBytes.h"
+
 namespace tapdeck {
 
 class Value;
@@ -45,7 +47,7 @@ class ValueMap {
 /// A plain value type without a thread of its own; strings are UTF-8.
 class Value {
  public:
-  using Bytes = std::vector<uint8_t>;
+  using Bytes = SharedBytes;
   using Int32List = std::vector<int32_t>;
   using Int64List = std::vector<int64_t>;
   using Float32List = std::vector<float>;

@@ -70,13 +70,22 @@ struct FlutterFromContent {
     return [NSData dataWithBytes:elements.data() length:elements.size() * sizeof(Element)];
   }
 
+  // a block keeps a copy of a variable, but only the address of what a reference names
+  static NSData* sharedData(Value::Bytes bytes) {
+    return [[NSData alloc] initWithBytesNoCopy:const_cast<uint8_t*>(bytes.data())
+                                        length:bytes.size()
+                                   deallocator:^(void*, NSUInteger) {
+                                     (void)bytes;
+                                   }];
+  }
+
   id operator()(std::monostate) const { return nil; }
   id operator()(bool value) const { return [NSNumber numberWithBool:value]; }
   id operator()(int64_t value) const { return [NSNumber numberWithLongLong:value]; }
   id operator()(double value) const { return [NSNumber numberWithDouble:value]; }
   id operator()(const std::string& text) const { return stringFromUtf8(text); }
   id operator()(const Value::Bytes& bytes) const {
-    return [FlutterStandardTypedData typedDataWithBytes:data(bytes)];
+    return [FlutterStandardTypedData typedDataWithBytes:sharedData(bytes)];
   }
   id operator()(const Value::Int32List& list) const {
     return [FlutterStandardTypedData typedDataWithInt32:data(list)];

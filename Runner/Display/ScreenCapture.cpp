@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <new>
+#include <span>
 #include <utility>
 
 #include "Platform/PixelsVersion.h"
@@ -128,9 +130,9 @@ Owned<CFDictionaryRef> propertiesFor(int64_t quality) {
                                   &kCFTypeDictionaryValueCallBacks));
 }
 
-/// Empty when the encoder fails.
+/// In the memory of the data object that the encoder filled. Empty when the encoder fails.
 Value::Bytes jpegOf(CGImageRef image, int64_t quality) {
-  const Owned<CFMutableDataRef> data(CFDataCreateMutable(nullptr, 0));
+  Owned<CFMutableDataRef> data(CFDataCreateMutable(nullptr, 0));
   const Owned<CFStringRef> type(
       CFStringCreateWithCString(nullptr, "public.jpeg", kCFStringEncodingUTF8));
   const Owned<CGImageDestinationRef> destination(
@@ -139,8 +141,9 @@ Value::Bytes jpegOf(CGImageRef image, int64_t quality) {
   const Owned<CFDictionaryRef> properties = propertiesFor(quality);
   CGImageDestinationAddImage(destination.get(), image, properties.get());
   if (!CGImageDestinationFinalize(destination.get())) return {};
-  const UInt8* bytes = CFDataGetBytePtr(data.get());
-  return {bytes, bytes + CFDataGetLength(data.get())};
+  const std::span bytes(CFDataGetBytePtr(data.get()),
+                        static_cast<size_t>(CFDataGetLength(data.get())));
+  return {std::make_shared<const Owned<CFMutableDataRef>>(std::move(data)), bytes};
 }
 
 }  // namespace
@@ -155,14 +158,11 @@ ValueMap captureScreen(MainFlutterWindow& window, const CaptureRequest& request)
   if (!keepAsLast(window, *frame)) return failure("capture_failed");
   const Owned<CGImageRef> image(CGBitmapContextCreateImage(frame->context.get()));
   if (!image) return failure("capture_failed");
-  Value::Bytes jpeg = jpegOf(image.get(), request.quality);
+  const Value::Bytes jpeg = jpegOf(image.get(), request.quality);
   if (jpeg.empty()) return failure("encode_failed");
-  ValueMap answer;
-  // moved in: a braced list would copy it
-  answer.set(Value("jpeg"), Value(std::move(jpeg)));
-  answer.set(Value("w"), Value(static_cast<int64_t>(frame->width)));
-  answer.set(Value("h"), Value(static_cast<int64_t>(frame->height)));
-  return answer;
+  return ValueMap{{"jpeg", Value(jpeg)},
+                  {"w", Value(static_cast<int64_t>(frame->width))},
+                  {"h", Value(static_cast<int64_t>(frame->height))}};
 }
 
 void resetScreenCapture(MainFlutterWindow& window) {

@@ -36,7 +36,7 @@ TEST(CallJsonTest, PrintsReplies) {
   EXPECT_EQ(line(Value(Value::List{Value(), Value(true), Value(3), Value(3.0), Value("é\n")})),
             R"([null,true,3,3.0,"é\n"])");
   EXPECT_EQ(line(Value(std::numeric_limits<double>::infinity())), "null");
-  EXPECT_EQ(line(Value(Value::Bytes{0, 255, 62})), R"({"base64":"AP8+"})");
+  EXPECT_EQ(line(Value(std::vector<uint8_t>{0, 255, 62})), R"({"base64":"AP8+"})");
   EXPECT_EQ(line(Value(Value::Int32List{1, -2})), "[1,-2]");
   EXPECT_EQ(line(Value(Value::Float32List{1.5f, std::numeric_limits<float>::quiet_NaN()})),
             "[1.5,null]");
@@ -46,7 +46,7 @@ TEST(CallJsonTest, PrintsReplies) {
   map.set(Value(), Value(Value::List{}));
   EXPECT_EQ(line(Value(map)), R"({"z":1,"a":2,"7":null,"null":[]})");
 
-  EXPECT_EQ(line(MethodError{"C", "m", Value(Value::Bytes{0})}),
+  EXPECT_EQ(line(MethodError{"C", "m", Value(std::vector<uint8_t>{0})}),
             R"({"error":{"code":"C","message":"m","details":{"base64":"AA=="}}})");
   EXPECT_EQ(line(NotImplemented{}), R"({"notImplemented":true})");
 }

@@ -8,7 +8,7 @@ namespace {
 const Value kUnchanged(ValueMap{{"unchanged", Value(true)}});
 
 Value frame(int width, int height) {
-  return Value(ValueMap{{"jpeg", Value(Value::Bytes{0xff, 0xd8, 0xff, 0xd9})},
+  return Value(ValueMap{{"jpeg", Value(std::vector<uint8_t>{0xff, 0xd8, 0xff, 0xd9})},
                         {"w", Value(width)},
                         {"h", Value(height)}});
 }
@@ -31,7 +31,11 @@ class ScreenCaptureTest : public HostTest {
 };
 
 TEST_F(ScreenCaptureTest, TakesTheStepsInOrder) {
-  EXPECT_EQ(capture(), frame(1280, 800));
+  const Value answer = capture();
+  EXPECT_EQ(answer, frame(1280, 800));
+  EXPECT_EQ(answer.getIf<ValueMap>()->find("jpeg")->getIf<Value::Bytes>()->data(),
+            script().images.encoded)
+      << "a copy of the encoder's file";
   EXPECT_THAT(trace(),
               ElementsAre("image of display 1", "context 1280x800 of 8 bits, row 0, format 0x2006",
                           "interpolation 2", "draw into (0,0) 1280x800", "image of context",

@@ -175,7 +175,7 @@ TEST_F(StandInHttp, EncryptsForTheNetwork) {
   // more than one TLS record, both ways
   guest.call(1, kControl, {"x", Value(ValueMap{{"text", Value(std::string(100'000, 'x'))}})});
   EXPECT_TRUE(guest.waitForMessages(1));
-  engine->invokeMethod("c", "m", Value(Value::Bytes(3'000'000, 'x')));
+  engine->invokeMethod("c", "m", Value(codec::Bytes(3'000'000, 'x')));
   EXPECT_TRUE(guest.waitForMessages(2));
   EXPECT_FALSE(Page("ws://" + there + enginePath()).isOpen());
   const auto addresses = engine->pageAddresses();

@@ -79,7 +79,7 @@ TEST_F(StandInLimits, SlowReader) {
   const auto client = openRawWithoutHolding();
 
   // Below the bound everything arrives, however late.
-  const Value mebibyte(Value::Bytes(kMiB, 'x'));
+  const Value mebibyte(codec::Bytes(kMiB, 'x'));
   for (int i = 0; i < 24; ++i) engine->invokeMethod("c", "m", mebibyte);
   engine->invokeMethod("c", "m", Value("the end"));
   ASSERT_THAT(engine->peers(), SizeIs(1));

@@ -29,7 +29,7 @@ class StandInPictures : public StandInTest {
     }
     last = frame;
     const auto level = static_cast<uint8_t>(quality != nullptr ? *quality->getIf<int64_t>() : 60);
-    return Value(ValueMap{{"jpeg", Value(Value::Bytes{level, screen})}, {"w", Value(width)}});
+    return Value(ValueMap{{"jpeg", Value(codec::Bytes{level, screen})}, {"w", Value(width)}});
   }
 
   /// What the page gets: "unchanged", or what the picture shows and at which quality.
@@ -46,7 +46,7 @@ class StandInPictures : public StandInTest {
     const auto& reply = *std::get<Value>(outcome).getIf<Value::Map>();
     if (reply.find("unchanged") != nullptr) return "unchanged";
     const auto& jpeg = *reply.find("jpeg")->getIf<Value::Bytes>();
-    return std::string(1, static_cast<char>(jpeg[1])) + "@" + std::to_string(jpeg[0]);
+    return std::string(1, static_cast<char>(jpeg.data()[1])) + "@" + std::to_string(jpeg.data()[0]);
   }
 
   uint8_t screen = 'a';

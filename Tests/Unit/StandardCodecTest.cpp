@@ -56,7 +56,7 @@ TEST(StandardCodecTest, ScalarsHaveTheirExactBytes) {
 }
 
 TEST(StandardCodecTest, ListsAndMapsHaveTheirExactBytes) {
-  expectBytes(Value(Value::Bytes{1, 254, 255}), {8, 3, 1, 254, 255});
+  expectBytes(Value(Bytes{1, 254, 255}), {8, 3, 1, 254, 255});
   expectBytes(Value(Value::Int32List{1, -1}), {9, 2, 0, 0, 1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF});
   expectBytes(Value(Value::Int64List{-2}),
               {10, 1, 0, 0, 0, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});
@@ -74,7 +74,7 @@ TEST(StandardCodecTest, ListsAndMapsHaveTheirExactBytes) {
 TEST(StandardCodecTest, SizesTakeOneTwoOrFourBytes) {
   const auto expectPrefix = [](size_t size, const Bytes& prefix) {
     expectBytes(Value(std::string(size, 'a')), Bytes{7} + prefix + Bytes(size, 'a'));
-    expectBytes(Value(Value::Bytes(size, 9)), Bytes{8} + prefix + Bytes(size, 9));
+    expectBytes(Value(Bytes(size, 9)), Bytes{8} + prefix + Bytes(size, 9));
     expectBytes(Value(Value::List(size, Value(true))), Bytes{12} + prefix + Bytes(size, 1));
   };
   expectPrefix(253, {253});
@@ -121,7 +121,7 @@ TEST(StandardCodecTest, EnvelopesRoundTrip) {
 TEST(StandardCodecTest, RefusesWhatIsCutShortOrGoesOn) {
   const Value everything = list(
       {Value(), Value(true), Value(1), Value(INT64_MAX), Value(2.5), Value(std::string(300, 'x')),
-       Value(Value::Bytes{1, 2, 3}), Value(Value::Int32List{1, 2}), Value(Value::Int64List{1, 2}),
+       Value(Bytes{1, 2, 3}), Value(Value::Int32List{1, 2}), Value(Value::Int64List{1, 2}),
        Value(Value::Float32List{1, 2}), Value(ValueMap{{"a", Value(Value::Float64List{1, 2})}})});
   const Bytes bytes = encodeMessage(everything);
   ASSERT_EQ(decodeMessage(bytes), everything);
@@ -208,10 +208,10 @@ TEST(StandardCodecTest, KeepsKeysThatDiffer) {
   oneTwo.set(Value(1), Value(2));
   twoThree.set(Value(2), Value(3));
   Entries entries;
-  for (const Value& key : {Value("1"), Value(1), Value(true), Value(Value::Bytes{1}),
-                           list({Value(1)}), Value(ValueMap{{"1", Value(1)}}),
-                           list({Value("a"), Value("b")}), list({Value("ab"), Value("")}),
-                           list({Value(oneTwo), Value(3)}), list({Value(1), Value(twoThree)})}) {
+  for (const Value& key : {Value("1"), Value(1), Value(true), Value(Bytes{1}), list({Value(1)}),
+                           Value(ValueMap{{"1", Value(1)}}), list({Value("a"), Value("b")}),
+                           list({Value("ab"), Value("")}), list({Value(oneTwo), Value(3)}),
+                           list({Value(1), Value(twoThree)})}) {
     entries.emplace_back(key, Value());
   }
   EXPECT_EQ(entriesOf(mapOf(entries)), entries) << "in their order";

@@ -33,7 +33,7 @@ enum class Refusal : uint16_t { protocolError = 1002, badData = 1007 };
 struct Frame {
   int64_t id;
   std::string channel;
-  std::optional<codec::Bytes> payload;
+  std::optional<Value::Bytes> payload;
 };
 
 /// The id of a call from the host.

@@ -74,6 +74,8 @@ struct ScreenImages {
   std::string failing;
   /// What every image is encoded as.
   std::vector<uint8_t> jpeg = {0xff, 0xd8, 0xff, 0xd9};
+  /// Where the last one stands, in the data object that it was written to. Set by the platform.
+  const uint8_t* encoded = nullptr;
 };
 
 /// How a child process behaves.

@@ -148,7 +148,8 @@ void CGImageDestinationAddImage(CGImageDestinationRef, CGImageRef image,
 bool CGImageDestinationFinalize(CGImageDestinationRef destination) {
   record("finalise");
   if (fails("CGImageDestinationFinalize")) return false;
-  CFDataAppendBytes(contentOf<DestinationRecord>(destination).data, images().jpeg.data(),
-                    static_cast<CFIndex>(images().jpeg.size()));
+  CFMutableDataRef data = contentOf<DestinationRecord>(destination).data;
+  CFDataAppendBytes(data, images().jpeg.data(), static_cast<CFIndex>(images().jpeg.size()));
+  images().encoded = CFDataGetBytePtr(data);
   return true;
 }
