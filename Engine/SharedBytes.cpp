@@ -15,7 +15,7 @@ SharedBytes::SharedBytes(std::shared_ptr<const void> owner, std::span<const uint
     : _owner(std::move(owner)), _bytes(bytes) {}
 
 bool operator==(const SharedBytes& a, const SharedBytes& b) {
-  return std::ranges::equal(a._bytes, b._bytes);
+  return std::ranges::equal(a, b);
 }
 
 }  // namespace tapdeck
