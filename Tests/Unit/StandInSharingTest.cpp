@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "Platform/Linux/StandInEngine/WrongSecrets.h"
+#include "Platform/Linux/StandInEngine/FailedLogins.h"
 #include "Tests/Unit/StandInFixture.h"
 
 namespace tapdeck {
@@ -155,18 +155,18 @@ TEST_F(StandInSharing, WrongTokensAreCountedAndSlowed) {
   for (int i = 0; i < 4; ++i) {
     EXPECT_THAT(exchange("GET /engine?token=0", headers), StartsWith("HTTP/1.1 403"));
   }
-  EXPECT_EQ(engine->wrongSecrets(), 4u);
+  EXPECT_EQ(engine->failedLogins(), 4u);
   {
     // who does not wait for the answer
     RawClient client(port());
     ASSERT_TRUE(client.write("GET /engine?token=1 HTTP/1.1\r\n" + headers + "\r\n"));
-    ASSERT_TRUE(eventually([&] { return engine->wrongSecrets() == 5; }));
+    ASSERT_TRUE(eventually([&] { return engine->failedLogins() == 5; }));
   }
   const auto page = openPage();
   EXPECT_TRUE(page->isOpen());
 
-  standin::WrongSecrets secrets;
-  const auto now = standin::WrongSecrets::Clock::now();
+  standin::FailedLogins secrets;
+  const auto now = standin::FailedLogins::Clock::now();
   const auto note = [&] { return secrets.note("a", now); };
   for (int i = 0; i < 3; ++i) EXPECT_EQ(note()->count(), 0);
   for (int i = 0; i < 4; ++i) EXPECT_THAT(note()->count(), Gt(0));

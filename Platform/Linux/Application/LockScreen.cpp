@@ -1,10 +1,10 @@
 #include <gio/gio.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <iterator>
 
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 
 namespace tapdeck::platform {
 namespace {
@@ -63,7 +63,7 @@ void callLock(GObject*, GAsyncResult* result, gpointer data) noexcept {
 void ask(const Locker* locker) {
   while (locker != std::end(kLockers) && !media::hasBus(locker->bus)) ++locker;
   if (locker == std::end(kLockers)) {
-    std::fputs("tapdeck: nothing on this desktop locks the screen.\n", stderr);
+    warn("nothing on this desktop locks the screen.");
     return;
   }
   g_bus_get(locker->bus, nullptr, callLock, const_cast<Locker*>(locker));

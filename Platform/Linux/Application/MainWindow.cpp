@@ -160,7 +160,7 @@ void MainWindow::buildContents() {
   _peersView.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
   _peersView.add(_peers);
   addSection("Devices", _peersView);
-  for (Gtk::Label* label : {&_wrongSecrets, &_failure}) {
+  for (Gtk::Label* label : {&_failedLogins, &_failure}) {
     label->set_no_show_all();
     label->set_line_wrap();
     label->set_xalign(0);
@@ -253,10 +253,10 @@ void MainWindow::refreshConnections() {
   int natural = 0;
   _peers.get_preferred_height(minimum, natural);
   _peersView.set_min_content_height(std::min(natural, kMaxListHeight));
-  const auto wrong = _engine->wrongSecrets();
-  _wrongSecrets.set_text(
+  const auto wrong = _engine->failedLogins();
+  _failedLogins.set_text(
       Glib::ustring::compose("Refused for a wrong code since the start: %1", wrong));
-  _wrongSecrets.set_visible(wrong > 0);
+  _failedLogins.set_visible(wrong > 0);
   _address.setAddresses(_engine->pageAddresses());
   _lan.setOn(_engine->address() != kThisComputer);
   _tls.setOn(_engine->isEncrypted());

@@ -68,7 +68,7 @@ class MainWindow : public Gtk::Window {
   Gtk::Label _nobody;
   Gtk::ListBox _peers;
   Gtk::ScrolledWindow _peersView;
-  Gtk::Label _wrongSecrets;
+  Gtk::Label _failedLogins;
   Gtk::Label _failure;
   Gtk::Box _network{Gtk::ORIENTATION_VERTICAL};
   SwitchRow _lan;

@@ -11,6 +11,7 @@
 #include "Platform/Linux/Call/CommandLine.h"
 #include "Platform/Linux/Call/HostConnection.h"
 #include "Platform/Linux/EngineProtocol/Protocol.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 
 namespace tapdeck {
 namespace {
@@ -22,6 +23,7 @@ constexpr int kWrongUsage = 64;
 constexpr std::chrono::seconds kPatience{30};
 /// Any number above 0 will do: this connection makes one call.
 constexpr int64_t kCallId = 1;
+
 void printLine(const nlohmann::ordered_json& json) {
   std::printf("%s\n", lineOf(json).c_str());
   std::fflush(stdout);
@@ -76,7 +78,8 @@ int run(const std::vector<std::string>& words) {
   try {
     line = parseCommandLine(words);
   } catch (const std::invalid_argument& error) {
-    std::fprintf(stderr, "%s\n%s", error.what(), kUsage);
+    warn(error.what());
+    std::fputs(kUsage, stderr);
     return kWrongUsage;
   }
   if (line.help) {
@@ -86,7 +89,7 @@ int run(const std::vector<std::string>& words) {
   try {
     return line.listen ? listen() : call(line);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    warn(error.what());
     return kNoAnswer;
   }
 }

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "Engine/Channels.h"
+
 namespace tapdeck::standin {
 
 bool BackgroundCalls::isOne(const Request& request) {

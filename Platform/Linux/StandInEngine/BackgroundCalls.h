@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "Platform/Linux/EngineProtocol/Protocol.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 
 namespace tapdeck::standin {
 
@@ -14,7 +15,6 @@ namespace tapdeck::standin {
 /// connection. Main thread only.
 class BackgroundCalls {
  public:
-  using ConnectionNumber = uint64_t;
   static constexpr size_t kMaxRunning = 2;
   static constexpr size_t kMaxWaiting = 32;
   enum class Admission { starts, waits, refused };

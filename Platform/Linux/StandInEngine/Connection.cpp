@@ -13,6 +13,8 @@
 namespace tapdeck::standin {
 namespace {
 
+using glib::Object;
+
 /// Room for the frame headers of a message in fragments.
 constexpr StreamBounds kBounds = {kMaxMessage + (size_t{64} << 10), kMaxUnsent};
 constexpr int kSilentTicksAllowed = 5;
@@ -90,7 +92,7 @@ void Connection::connectSignals() {
   const auto pong = +[](SoupWebsocketConnection*, GByteArray* payload, gpointer self) noexcept {
     auto* connection = static_cast<Connection*>(self);
     connection->_silentTicks = 0;
-    receivedBeside(connection->_stream.get(), kControlFrameHeader + payload->len);
+    discountControlFrame(connection->_stream.get(), kControlFrameHeader + payload->len);
   };
   const auto error = +[](SoupWebsocketConnection*, GError* problem, gpointer self) noexcept {
     const auto connection = static_cast<Connection*>(self)->shared_from_this();
@@ -202,7 +204,7 @@ void Connection::end() {
   if (_events.ended) _events.ended(*this);
 }
 
-void noticeDeadPeer(GSocket* socket) {
+void enableTcpKeepalive(GSocket* socket) {
   const auto set = [socket](int level, int option, int value) {
     g_socket_set_option(socket, level, option, value, nullptr);
   };

@@ -15,6 +15,9 @@ class StandInEngineError : public std::runtime_error {
 
 namespace standin {
 
+/// Tells a connection from every other one of the process.
+using ConnectionNumber = uint64_t;
+
 /// How the engine is to listen.
 struct EngineOptions {
   /// The IP address to listen on.
@@ -36,7 +39,7 @@ struct EnginePeer {
   std::string address;
   std::string userAgent;
   /// For disconnect().
-  uint64_t connection;
+  ConnectionNumber connection;
   /// Then it is one of devices().
   bool isPaired;
 };

@@ -60,8 +60,8 @@ std::vector<StandInEngine::Peer> StandInEngine::peers() const {
   return _server->peers();
 }
 
-size_t StandInEngine::wrongSecrets() const {
-  return _server->wrongSecrets();
+size_t StandInEngine::failedLogins() const {
+  return _server->failedLogins();
 }
 
 void StandInEngine::observePeers(std::function<void()> changed) {
@@ -72,7 +72,7 @@ std::vector<StandInEngine::Device> StandInEngine::devices() const {
   return _server->devices();
 }
 
-void StandInEngine::disconnect(uint64_t connection) {
+void StandInEngine::disconnect(standin::ConnectionNumber connection) {
   _server->disconnect(connection);
 }
 

@@ -1,4 +1,4 @@
-#include "Platform/Linux/StandInEngine/WrongSecrets.h"
+#include "Platform/Linux/StandInEngine/FailedLogins.h"
 
 #include <algorithm>
 
@@ -18,7 +18,7 @@ constexpr size_t kMaxRecords = 1024;
 
 }  // namespace
 
-std::optional<milliseconds> WrongSecrets::note(const std::string& address, Clock::time_point now) {
+std::optional<milliseconds> FailedLogins::note(const std::string& address, Clock::time_point now) {
   ++_total;
   forgetOld(now);
   Record& record = _records[address];
@@ -31,12 +31,12 @@ std::optional<milliseconds> WrongSecrets::note(const std::string& address, Clock
   return std::min(kFirstDelay * (1 << doublings), kMaxDelay);
 }
 
-void WrongSecrets::answered(const std::string& address) {
+void FailedLogins::answered(const std::string& address) {
   const auto found = _records.find(address);
   if (found != _records.end() && found->second.waiting > 0) --found->second.waiting;
 }
 
-void WrongSecrets::forgetOld(Clock::time_point now) {
+void FailedLogins::forgetOld(Clock::time_point now) {
   std::erase_if(_records, [&](const auto& each) {
     return each.second.waiting == 0 && now - each.second.last > kMemory;
   });

@@ -1,4 +1,4 @@
-#include "Platform/Linux/Application/OnlyHost.h"
+#include "Platform/Linux/Application/SingleInstance.h"
 
 #include <X11/Xlib.h>
 #include <gdk/gdkx.h>

@@ -9,7 +9,7 @@ namespace tapdeck::standin {
 
 /// Counts wrong tokens and secrets by the address that they came from, and says how long the answer
 /// to the next one is to wait. Right ones are never asked about here. Main thread only.
-class WrongSecrets {
+class FailedLogins {
  public:
   using Clock = std::chrono::steady_clock;
 
