@@ -13,6 +13,9 @@
 namespace tapdeck::applescript {
 namespace {
 
+using media::PlaybackStatus;
+using media::Track;
+
 constexpr double kMicroseconds = 1000000;
 /// In characters; a script writes several texts into one pipe, which holds 64 KiB.
 constexpr glong kMaxTextLength = 2000;
@@ -91,6 +94,11 @@ Value durationOf(Application application, const Track& track) {
   }
 }
 
+Constant constantOf(PlaybackStatus status) {
+  if (status == PlaybackStatus::playing) return Constant::playing;
+  return status == PlaybackStatus::paused ? Constant::paused : Constant::stopped;
+}
+
 Object trackOf(Application application, const PlayerState& state) {
   return {application, Object::Kind::track, std::make_shared<const Track>(*state.track)};
 }
@@ -129,9 +137,9 @@ Found playerProperty(Player& player, Application application, Property property)
     case Property::currentItem:
       return state.track ? Found(trackOf(application, state)) : std::nullopt;
     case Property::playerState:
-      return state.status;
+      return constantOf(state.status);
     case Property::isPlaying:
-      return state.status == Constant::playing;
+      return state.status == PlaybackStatus::playing;
     case Property::playerPosition:
       return static_cast<double>(state.position) / kMicroseconds;
     case Property::currentTime:
