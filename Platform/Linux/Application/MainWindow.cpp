@@ -110,13 +110,13 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
   buildContents();
   refreshConnections();
   watchSettings();
-  _engine->observePeers([this] { refreshConnections(); });
+  _engine->observe([this] { refreshConnections(); });
   permissions::setPromptHandler([this](permissions::Permission permission) { ask(permission); });
 }
 
 MainWindow::~MainWindow() {
   permissions::setPromptHandler({});
-  _engine->observePeers({});
+  _engine->observe({});
   // The children go before the window, which must not look for its focus among them then.
   unset_focus();
 }

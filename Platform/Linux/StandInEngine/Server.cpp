@@ -144,12 +144,23 @@ void Server::start() {
         if (const auto self = static_cast<Weak*>(data)->lock()) self->serve(message, query);
       },
       owner(), disown);
+  watchNetwork();
   try {
     writeSessionFile();
   } catch (const std::runtime_error& error) {
     stop();
     throw StandInEngineError(error.what());
   }
+}
+
+/// The addresses at which the page is reached come and go with the network's interfaces.
+void Server::watchNetwork() {
+  const auto changed = +[](GNetworkMonitor*, gboolean, gpointer self) noexcept {
+    const auto server = static_cast<Server*>(self)->shared_from_this();
+    server->notifyObserver();
+  };
+  _networkSignal = g_signal_connect(g_network_monitor_get_default(), "network-changed",
+                                    G_CALLBACK(changed), this);
 }
 
 void Server::writeSessionFile() const {
@@ -178,7 +189,7 @@ void Server::listenOn(const std::string& address) {
       connection->close(kNetworkOff, "the network was switched off");
     }
   }
-  peersChanged();
+  notifyObserver();
 }
 
 void Server::useCertificate() {
@@ -203,7 +214,7 @@ void Server::setEncrypted(bool isEncrypted) {
       connection->close(kNetworkOff, "encryption was switched");
     }
   }
-  peersChanged();
+  notifyObserver();
 }
 
 std::string Server::fingerprint() const {
@@ -263,6 +274,7 @@ void Server::stop() {
   // A later engine's file stays.
   const auto session = readSession();
   if (session && session->token == _token) removeSession(getpid());
+  g_signal_handler_disconnect(g_network_monitor_get_default(), _networkSignal);
   _listener.reset();
   soup_server_disconnect(_http.get());
   _http.reset();
@@ -379,7 +391,7 @@ void Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
 void Server::delayRefusal(SoupServerMessage* message) {
   const std::string address = peerOf(message).address;
   const auto delay = _failedLogins.note(address, FailedLogins::Clock::now());
-  peersChanged();
+  notifyObserver();
   if (!delay) {
     soup_message_headers_replace(soup_server_message_get_response_headers(message), "Retry-After",
                                  "2");
@@ -433,7 +445,7 @@ void Server::completeUpgrade(SoupServerMessage* message,
       Connection::open(std::move(line), std::move(peer), _options.silenceLimit, std::move(events)));
   _clients.add(_connections.back()->number(), device);
   if (device) _devices.noteSeen(device->id);
-  peersChanged();
+  notifyObserver();
 }
 
 std::shared_ptr<standin::Connection> Server::connectionOf(ConnectionNumber number) const {
@@ -542,7 +554,7 @@ void Server::forget(const Connection& connection) {
   _pictures.reset(connection.number());
   releaseHolds(connection);
   sendCount();
-  peersChanged();
+  notifyObserver();
 }
 
 void Server::releaseHolds(const Connection& connection) {
@@ -585,11 +597,11 @@ std::vector<EnginePeer> Server::peers() const {
   return peers;
 }
 
-void Server::observePeers(std::function<void()> changed) {
+void Server::observe(std::function<void()> changed) {
   _observer = std::move(changed);
 }
 
-void Server::peersChanged() {
+void Server::notifyObserver() {
   const auto changed = _observer;  // the observer may replace itself
   if (changed) changed();
 }

@@ -46,7 +46,7 @@ class Server : public std::enable_shared_from_this<Server> {
   std::vector<std::string> pageAddresses() const;
   std::vector<EnginePeer> peers() const;
   size_t failedLogins() const { return _failedLogins.total(); }
-  void observePeers(std::function<void()> changed);
+  void observe(std::function<void()> changed);
   std::vector<EngineDevice> devices() const;
   void disconnect(ConnectionNumber connection);
   void disconnectDevice(const std::string& device);
@@ -95,7 +95,8 @@ class Server : public std::enable_shared_from_this<Server> {
   Reply replyTo(const std::shared_ptr<Connection>& connection, const Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
-  void peersChanged();
+  void notifyObserver();
+  void watchNetwork();
 
   EngineOptions _options;
   std::string _token;
@@ -117,6 +118,8 @@ class Server : public std::enable_shared_from_this<Server> {
   Clients _clients;
   size_t _sentCount = 0;
   std::function<void()> _observer;
+  /// Of the network monitor.
+  gulong _networkSignal = 0;
 };
 
 }  // namespace tapdeck::standin

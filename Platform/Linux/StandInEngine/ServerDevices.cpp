@@ -90,7 +90,7 @@ void Server::pair(const Connection& connection, Clients::Client& client, const M
     return;
   }
   sendCount();
-  peersChanged();
+  notifyObserver();
 }
 
 void Server::sendCount() {
@@ -133,7 +133,7 @@ void Server::disconnectDevice(const std::string& device) {
 void Server::forgetDevice(const std::string& device) {
   _devices.forget(device);
   endConnections(_clients.of(device), kForgotten, "forgotten at the computer");
-  peersChanged();
+  notifyObserver();
 }
 
 }  // namespace tapdeck::standin

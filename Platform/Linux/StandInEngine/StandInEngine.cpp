@@ -64,8 +64,8 @@ size_t StandInEngine::failedLogins() const {
   return _server->failedLogins();
 }
 
-void StandInEngine::observePeers(std::function<void()> changed) {
-  _server->observePeers(std::move(changed));
+void StandInEngine::observe(std::function<void()> changed) {
+  _server->observe(std::move(changed));
 }
 
 std::vector<StandInEngine::Device> StandInEngine::devices() const {

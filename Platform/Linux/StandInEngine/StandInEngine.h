@@ -52,9 +52,10 @@ class StandInEngine final : public UIEngine {
   std::vector<Peer> peers() const;
   /// How many attempts to connect had a wrong token, since the start.
   size_t failedLogins() const;
-  /// Calls `changed` after each connect, disconnect and attempt with a wrong token, in the place of
-  /// what was set before; an empty one ends it.
-  void observePeers(std::function<void()> changed);
+  /// Calls `changed` when what the functions above and below tell may have changed: after each
+  /// connect, disconnect and attempt with a wrong token, after each change of the engine's settings
+  /// and of this computer's network. Replaces what was set before; an empty one ends it.
+  void observe(std::function<void()> changed);
 
   /// In the order of pairing.
   std::vector<Device> devices() const;
