@@ -22,8 +22,8 @@ constexpr glong kMaxTextLength = 2000;
 constexpr gunichar kLineSeparator = 0x2028;
 constexpr gunichar kParagraphSeparator = 0x2029;
 
-/// The text in one line: control characters become spaces.
-std::string line(const std::string& text) {
+/// The text cut to kMaxTextLength, with spaces for control characters and line breaks.
+std::string singleLine(const std::string& text) {
   std::string clean;
   glong length = 0;
   for (const char* at = text.c_str(); *at != '\0' && length < kMaxTextLength; ++length) {
@@ -110,21 +110,21 @@ Found trackProperty(const Object& object, Property property) {
   const Track& track = *object.track;
   switch (property) {
     case Property::name:
-      return line(titleOf(track));
+      return singleLine(titleOf(track));
     case Property::artist:
-      return line(track.artist);
+      return singleLine(track.artist);
     case Property::album:
-      return line(track.album);
+      return singleLine(track.album);
     case Property::duration:
       return durationOf(object.application, track);
     case Property::persistentId:
       return persistentId(track);
     case Property::id:
-      return line(spotifyId(track));
+      return singleLine(spotifyId(track));
     case Property::artworkUrl:
-      return line(track.artUrl);
+      return singleLine(track.artUrl);
     case Property::path:
-      return line(pathOf(track));
+      return singleLine(pathOf(track));
     default:
       return std::nullopt;
   }

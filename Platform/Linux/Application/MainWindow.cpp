@@ -36,7 +36,7 @@ list.card { background-color: @theme_base_color; }
 .padded { padding: 14px; }
 .row { padding: 10px 14px; transition: background-color 400ms; }
 .row + .row { border-top: 1px solid @borders; }
-.pointed-out { background-color: alpha(@theme_selected_bg_color, 0.35); }
+.highlighted { background-color: alpha(@theme_selected_bg_color, 0.35); }
 )";
 
 /// Of the list of devices, in points; four rows.
@@ -111,7 +111,8 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
   refreshConnections();
   watchSettings();
   _engine->observe([this] { refreshConnections(); });
-  permissions::setPromptHandler([this](permissions::Permission permission) { ask(permission); });
+  permissions::setPromptHandler(
+      [this](permissions::Permission permission) { promptFor(permission); });
 }
 
 MainWindow::~MainWindow() {
@@ -168,8 +169,8 @@ void MainWindow::buildContents() {
     _contents.pack_start(*label, Gtk::PACK_SHRINK);
   }
 
-  _lan.onDecided([this](bool isAllowed) { allowNetwork(isAllowed); });
-  _tls.onDecided([this](bool isEncrypted) { encryptNetwork(isEncrypted); });
+  _lan.onToggled([this](bool isAllowed) { allowNetwork(isAllowed); });
+  _tls.onToggled([this](bool isEncrypted) { encryptNetwork(isEncrypted); });
   _network.pack_start(_lan, Gtk::PACK_SHRINK);
   _network.pack_start(_tls, Gtk::PACK_SHRINK);
   _fingerprint.set_no_show_all();
@@ -182,9 +183,9 @@ void MainWindow::buildContents() {
   _network.pack_start(_fingerprint, Gtk::PACK_SHRINK);
   addSection("Network", _network);
 
-  _control.onDecided(
+  _control.onToggled(
       [](bool isGranted) { permissions::setGranted(permissions::Permission::control, isGranted); });
-  _screen.onDecided([](bool isGranted) {
+  _screen.onToggled([](bool isGranted) {
     permissions::setGranted(permissions::Permission::screenCapture, isGranted);
   });
   refreshPermissions();
@@ -290,9 +291,9 @@ void MainWindow::attempt(const std::function<void()>& action) {
   }
 }
 
-void MainWindow::ask(permissions::Permission permission) {
+void MainWindow::promptFor(permissions::Permission permission) {
   bringForward();
-  (permission == permissions::Permission::control ? _control : _screen).pointOut();
+  (permission == permissions::Permission::control ? _control : _screen).highlight();
 }
 
 void MainWindow::becameKey() {

@@ -46,7 +46,7 @@ class MainWindow : public Gtk::Window {
   void encryptNetwork(bool isEncrypted);
   /// Does what may fail, and says so on the window.
   void attempt(const std::function<void()>& action);
-  void ask(permissions::Permission permission);
+  void promptFor(permissions::Permission permission);
   void becameKey();
 
   bool on_delete_event(GdkEventAny* event) override;

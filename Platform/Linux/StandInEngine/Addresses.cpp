@@ -76,8 +76,9 @@ void putRoutedFirst(std::vector<Object<GInetAddress>>& addresses, GSocketFamily 
 }  // namespace
 
 bool isEncryptedAt(GInetAddress* local) {
-  const Object<GInetAddress> usual(g_inet_address_new_loopback(g_inet_address_get_family(local)));
-  return g_inet_address_equal(local, usual.get()) == FALSE;
+  const Object<GInetAddress> loopback(
+      g_inet_address_new_loopback(g_inet_address_get_family(local)));
+  return g_inet_address_equal(local, loopback.get()) == FALSE;
 }
 
 std::vector<std::string> originsFor(const std::string& address, uint16_t port, bool isEncrypted) {

@@ -6,7 +6,7 @@
 
 namespace tapdeck::standin {
 
-bool BackgroundCalls::isOne(const Request& request) {
+bool BackgroundCalls::includes(const Request& request) {
   return request.channel == kControlChannel &&
          (request.call.method == "getNowPlaying" || request.call.method == "mediaSeek");
 }

@@ -48,24 +48,24 @@ void releaseOnceClosed(Object<SoupWebsocketConnection> socket) {
 
 }  // namespace
 
-std::shared_ptr<Connection> Connection::open(Line line, EnginePeer peer,
+std::shared_ptr<Connection> Connection::open(Upgraded upgraded, EnginePeer peer,
                                              std::chrono::milliseconds silenceLimit,
                                              Events events) {
   std::shared_ptr<Connection> connection(
-      new Connection(std::move(line), std::move(peer), silenceLimit, std::move(events)));
+      new Connection(std::move(upgraded), std::move(peer), silenceLimit, std::move(events)));
   connection->watchSilence();
   return connection;
 }
 
-Connection::Connection(Line line, EnginePeer peer, std::chrono::milliseconds silenceLimit,
+Connection::Connection(Upgraded upgraded, EnginePeer peer, std::chrono::milliseconds silenceLimit,
                        Events events)
     : _number(nextNumber()),
       _peer(std::move(peer)),
       _silenceLimit(silenceLimit),
       _events(std::move(events)),
-      _tcp(std::move(line.socket)),
-      _stream(newBoundedStream(line.stream.get(), kBounds)),
-      _socket(soup_websocket_connection_new(_stream.get(), line.uri,
+      _tcp(std::move(upgraded.socket)),
+      _stream(newBoundedStream(upgraded.stream.get(), kBounds)),
+      _socket(soup_websocket_connection_new(_stream.get(), upgraded.uri,
                                             SOUP_WEBSOCKET_CONNECTION_SERVER, nullptr, kSubprotocol,
                                             nullptr)) {
   soup_websocket_connection_set_max_incoming_payload_size(_socket.get(), kMaxMessage);

@@ -31,14 +31,14 @@ class Connection : public std::enable_shared_from_this<Connection> {
   };
 
   /// An upgraded HTTP connection.
-  struct Line {
+  struct Upgraded {
     glib::Object<GIOStream> stream;
     glib::Object<GSocket> socket;
     GUri* uri;
   };
 
   /// Takes the connection over. `silenceLimit`: see EngineOptions.
-  static std::shared_ptr<Connection> open(Line line, EnginePeer peer,
+  static std::shared_ptr<Connection> open(Upgraded upgraded, EnginePeer peer,
                                           std::chrono::milliseconds silenceLimit, Events events);
   ~Connection();
 
@@ -61,7 +61,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void close(uint16_t code, const char* reason);
 
  private:
-  Connection(Line line, EnginePeer peer, std::chrono::milliseconds silenceLimit, Events events);
+  Connection(Upgraded upgraded, EnginePeer peer, std::chrono::milliseconds silenceLimit,
+             Events events);
   void connectSignals();
   void watchSilence();
   void takeMessage(SoupWebsocketDataType type, GBytes* message);

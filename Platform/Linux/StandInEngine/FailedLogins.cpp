@@ -7,8 +7,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Somebody may have two old pages open.
-constexpr int kFree = 3;
+/// Refused at once: somebody may have two old pages open.
+constexpr int kFreeAttempts = 3;
 constexpr milliseconds kFirstDelay{250};
 constexpr milliseconds kMaxDelay{2000};
 constexpr int kMaxDoublings = 3;
@@ -24,10 +24,10 @@ std::optional<milliseconds> FailedLogins::note(const std::string& address, Clock
   Record& record = _records[address];
   ++record.recent;
   record.last = now;
-  if (record.recent <= kFree) return milliseconds(0);
+  if (record.recent <= kFreeAttempts) return milliseconds(0);
   if (record.waiting >= kMaxWaiting) return std::nullopt;
   ++record.waiting;
-  const int doublings = std::min(record.recent - kFree - 1, kMaxDoublings);
+  const int doublings = std::min(record.recent - kFreeAttempts - 1, kMaxDoublings);
   return std::min(kFirstDelay * (1 << doublings), kMaxDelay);
 }
 
@@ -40,7 +40,7 @@ void FailedLogins::forgetOld(Clock::time_point now) {
   std::erase_if(_records, [&](const auto& each) {
     return each.second.waiting == 0 && now - each.second.last > kMemory;
   });
-  // addresses are cheap for who has a network of them
+  // whoever has a whole network of addresses must not fill the memory
   if (_records.size() >= kMaxRecords) _records.clear();
 }
 

@@ -425,10 +425,11 @@ void Server::completeUpgrade(SoupServerMessage* message,
                              const std::optional<standin::Device>& device) {
   const Object<SoupServerMessage> keep(SOUP_SERVER_MESSAGE(g_object_ref(message)));
   EnginePeer peer = peerOf(message);
-  Connection::Line line{Object<GIOStream>(soup_server_message_steal_connection(message)),
-                        _pending.take(soup_server_message_get_remote_address(message)),
-                        soup_server_message_get_uri(message)};
-  if (!line.stream || !line.socket || !_http || _connections.size() >= kMaxConnections) return;
+  Connection::Upgraded upgraded{Object<GIOStream>(soup_server_message_steal_connection(message)),
+                                _pending.take(soup_server_message_get_remote_address(message)),
+                                soup_server_message_get_uri(message)};
+  if (!upgraded.stream || !upgraded.socket || !_http || _connections.size() >= kMaxConnections)
+    return;
   Connection::Events events;
   events.request = [weak = weak_from_this()](Connection& connection, Request request, size_t size) {
     const auto self = weak.lock();
@@ -441,8 +442,8 @@ void Server::completeUpgrade(SoupServerMessage* message,
   events.ended = [weak = weak_from_this()](Connection& connection) {
     if (const auto self = weak.lock()) self->forget(connection);
   };
-  _connections.push_back(
-      Connection::open(std::move(line), std::move(peer), _options.silenceLimit, std::move(events)));
+  _connections.push_back(Connection::open(std::move(upgraded), std::move(peer),
+                                          _options.silenceLimit, std::move(events)));
   _clients.add(_connections.back()->number(), device);
   if (device) _devices.noteSeen(device->id);
   notifyObserver();
@@ -457,7 +458,7 @@ std::shared_ptr<standin::Connection> Server::connectionOf(ConnectionNumber numbe
 void Server::carryOut(ConnectionNumber number, const Request& request) {
   const auto connection = connectionOf(number);
   if (!connection || connection->endIfPeerIsGone()) return;
-  if (BackgroundCalls::isOne(request)) {
+  if (BackgroundCalls::includes(request)) {
     const auto admission = _background.admit(number, request);
     if (admission == BackgroundCalls::Admission::refused) {
       connection->send(
@@ -472,7 +473,7 @@ void Server::carryOut(ConnectionNumber number, const Request& request) {
 Reply Server::replyTo(const std::shared_ptr<Connection>& connection, const Request& request) {
   return Reply([weak = std::weak_ptr(connection), server = weak_from_this(), id = request.id,
                 channel = request.channel,
-                isBackground = BackgroundCalls::isOne(request)](const Outcome& outcome) {
+                isBackground = BackgroundCalls::includes(request)](const Outcome& outcome) {
     const auto asking = weak.lock();
     if (!asking) return;
     asking->send(encodeBoundedReply(id, channel, outcome));
