@@ -20,7 +20,7 @@ constexpr int kErrorReply = 1;
 constexpr int kNotImplemented = 2;
 constexpr int kNoAnswer = 3;
 constexpr int kWrongUsage = 64;
-constexpr std::chrono::seconds kPatience{30};
+constexpr std::chrono::seconds kTimeout{30};
 /// Any number above 0 will do: this connection makes one call.
 constexpr int64_t kCallId = 1;
 
@@ -43,13 +43,13 @@ Outcome awaitReply(HostConnection& host, HostConnection::Deadline deadline) {
     if (!outcome) throw ConnectionError("The host's reply cannot be read.");
     return *outcome;
   }
-  throw ConnectionError("No answer within " + std::to_string(kPatience.count()) +
+  throw ConnectionError("No answer within " + std::to_string(kTimeout.count()) +
                         " seconds. The host is busy or hangs; try again, or start it anew with "
                         "./tapdeck run.");
 }
 
 int call(const CommandLine& line) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  const auto deadline = std::chrono::steady_clock::now() + kTimeout;
   HostConnection host(currentSession(), deadline);
   host.send(standin::encodeCall(kCallId, line.channel, {line.method, line.arguments}));
   const Outcome outcome = awaitReply(host, deadline);
@@ -59,7 +59,7 @@ int call(const CommandLine& line) {
 }
 
 int listen() {
-  HostConnection host(currentSession(), std::chrono::steady_clock::now() + kPatience);
+  HostConnection host(currentSession(), std::chrono::steady_clock::now() + kTimeout);
   std::fputs("Listening; Ctrl-C ends it.\n", stderr);
   while (const auto message = host.receive(std::nullopt)) {
     const auto frame = standin::decodeFrame(*message);
