@@ -12,6 +12,7 @@
 #include "Benchmarks/CaptureScene.h"
 #include "Benchmarks/Measuring.h"
 #include "Benchmarks/OtherPrograms.h"
+#include "Engine/Channels.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Waking.h"
 
@@ -36,7 +37,7 @@ class Host : public UIEngine {
   void capture(int width, const char* key) {
     Value answer;
     const ValueMap arguments{{"maxWidth", Value(width)}, {"quality", Value(kQuality)}};
-    _handlers.at("com.tapdeck/control")(
+    _handlers.at(kControlChannel)(
         {"captureScreen", Value(arguments)},
         Reply([&answer](Outcome outcome) { answer = std::get<Value>(std::move(outcome)); }));
     const auto* map = answer.getIf<ValueMap>();

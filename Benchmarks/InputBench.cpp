@@ -11,6 +11,7 @@
 #include "Benchmarks/DelayingDisplay.h"
 #include "Benchmarks/EchoServer.h"
 #include "Benchmarks/Measuring.h"
+#include "Engine/Channels.h"
 #include "Platform/Linux/Call/HostConnection.h"
 #include "Platform/Linux/EngineProtocol/Protocol.h"
 #include "Tests/Support/Desktop/ChildProcess.h"
@@ -57,7 +58,7 @@ class Client {
   explicit Client(const Session& session) : _connection(session, inTime()) {}
 
   double call(const MethodCall& call) {
-    const auto message = standin::encodeCall(++_lastId, "com.tapdeck/control", call);
+    const auto message = standin::encodeCall(++_lastId, kControlChannel, call);
     return millisecondsOf([&] {
       _connection.send(message);
       if (!_connection.receive(inTime())) throw std::runtime_error("no answer");

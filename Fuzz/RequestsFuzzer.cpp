@@ -10,6 +10,7 @@
 #include <string>
 #include <variant>
 
+#include "Engine/Channels.h"
 #include "Fuzz/Require.h"
 #include "Platform/Linux/EngineProtocol/Protocol.h"
 #include "Platform/Linux/StandInEngine/Holds.h"
@@ -21,11 +22,11 @@
 namespace tapdeck {
 namespace {
 
+using standin::ConnectionNumber;
 using standin::Holds;
 
-constexpr const char* kControl = "com.tapdeck/control";
 constexpr const char* kLogin = "launch_at_startup";
-constexpr Holds::Connection kConnections = 4;
+constexpr ConnectionNumber kConnections = 4;
 
 /// The buttons and keys that are down after these events, told by their trace.
 std::set<std::string> heldAfter(const std::vector<std::string>& trace) {
@@ -68,7 +69,7 @@ class Phones {
     wakeMainWindow(_window, _engine);
   }
 
-  void send(Holds::Connection connection, std::span<const uint8_t> message) {
+  void send(ConnectionNumber connection, std::span<const uint8_t> message) {
     const auto parsed = standin::parseRequest(message);
     if (const auto* request = std::get_if<standin::Request>(&parsed)) {
       take(connection, *request);
@@ -78,21 +79,21 @@ class Phones {
   }
 
   /// What the host made of its own parts must be read back as it was.
-  void call(Holds::Connection connection, const MethodCall& call) {
-    const auto message = standin::encodeCall(1, kControl, call);
+  void call(ConnectionNumber connection, const MethodCall& call) {
+    const auto message = standin::encodeCall(1, kControlChannel, call);
     const auto parsed = standin::parseRequest(message);
     const auto* request = std::get_if<standin::Request>(&parsed);
     require(request != nullptr && request->call.method == call.method, "a call reads back");
     take(connection, *request);
   }
 
-  void end(Holds::Connection connection) {
-    for (const MethodCall& call : _holds.end(connection)) dispatch(kControl, call);
+  void end(ConnectionNumber connection) {
+    for (const MethodCall& call : _holds.end(connection)) dispatch(kControlChannel, call);
   }
 
   /// All phones leave: every call has been answered, nothing is held.
   void finish() {
-    for (Holds::Connection connection = 0; connection < kConnections; ++connection) {
+    for (ConnectionNumber connection = 0; connection < kConnections; ++connection) {
       end(connection);
     }
     for (int turn = 0; turn < 8; ++turn) {
@@ -107,9 +108,9 @@ class Phones {
   }
 
  private:
-  void take(Holds::Connection connection, const standin::Request& request) {
-    if (request.channel != kControl && request.channel != kLogin) return;
-    if (request.channel == kControl && !_holds.note(connection, request.call)) {
+  void take(ConnectionNumber connection, const standin::Request& request) {
+    if (request.channel != kControlChannel && request.channel != kLogin) return;
+    if (request.channel == kControlChannel && !_holds.note(connection, request.call)) {
       end(connection);
       return;
     }
@@ -125,7 +126,7 @@ class Phones {
   }
 
   static void checkReply(const Outcome& outcome) {
-    const auto message = standin::encodeReply(1, kControl, outcome);
+    const auto message = standin::encodeReply(1, kControlChannel, outcome);
     require(standin::decodeFrame(message).has_value(), "a reply reads back");
   }
 
@@ -140,7 +141,7 @@ class Phones {
 struct Step {
   enum Kind : uint8_t { message, call, end, screens };
   Kind kind;
-  Holds::Connection connection;
+  ConnectionNumber connection;
   std::span<const uint8_t> bytes;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Engine/Channels.h"
 #include "Runner/Display/DisplayGeometry.h"
 #include "Runner/MethodTable.h"
 
@@ -48,7 +49,7 @@ void handleControlCall(const std::weak_ptr<MainFlutterWindow>& window, const Met
 void installControlChannel(const std::shared_ptr<MainFlutterWindow>& window,
                            const std::shared_ptr<UIEngine>& engine,
                            const std::shared_ptr<ChannelActivity>& activity) {
-  auto channel = std::make_unique<MethodChannel>(kControlChannelName, engine);
+  auto channel = std::make_unique<MethodChannel>(kControlChannel, engine);
   channel->setMethodCallHandler(
       [weak = std::weak_ptr(window), activity](const MethodCall& call, Reply reply) {
         activity->noteCall();

@@ -10,8 +10,6 @@
 
 namespace tapdeck {
 
-inline constexpr const char* kControlChannelName = "com.tapdeck/control";
-
 /// Answers one call of the control channel: looks the method up in the method table, by exact name,
 /// and runs its row. Replies before it returns, but for "getNowPlaying" and "mediaSeek", which work
 /// on a background queue and reply from the main one. Main thread only.

@@ -55,6 +55,7 @@ export class Keyboard {
       impatient: () => modifiers.command,
       changed: () => this.#show(),
     });
+    this.#fillBar();
     this.#listen();
     this.#show();
   }
@@ -77,6 +78,12 @@ export class Keyboard {
   /** A page of a talk, say: a key with nothing around it. @param {string} key */
   press(key) {
     this.#press(key);
+  }
+
+  /** The bar's further keys are those of the keyboard's own place. */
+  #fillBar() {
+    const same = all(this.#panel, ".function-keys, .shortcuts").map((keys) => keys.cloneNode(true));
+    one(this.#bar, ".bar-more").prepend(...same);
   }
 
   #listen() {

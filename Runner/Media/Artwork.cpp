@@ -13,7 +13,7 @@
 namespace tapdeck {
 namespace {
 
-constexpr int64_t kLargestSide = 200;
+constexpr int64_t kMaxSide = 200;
 constexpr double kAddressTimeLimit = 2.0;
 constexpr double kFileTimeLimit = 3.0;
 
@@ -41,7 +41,7 @@ std::optional<Bytes> writtenCover(const std::string& player) {
 std::optional<std::string> fetchArtwork(const std::string& player) {
   if (player == kVlc) return std::nullopt;
   const auto bytes = player == kSpotify ? downloadedCover() : writtenCover(player);
-  return bytes ? thumbnailBase64(*bytes, kLargestSide) : std::nullopt;
+  return bytes ? thumbnailBase64(*bytes, kMaxSide) : std::nullopt;
 }
 
 }  // namespace tapdeck

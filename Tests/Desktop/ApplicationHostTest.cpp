@@ -156,7 +156,7 @@ TEST(FatalErrorDeathTest, SaysWhyAndEnds) {
         endCleanlyOnFatalError();
         fail();
       },
-      ::testing::ExitedWithCode(1), "tapdeck-host: ended by an error: vector");
+      ::testing::ExitedWithCode(1), "tapdeck: ended by an error: vector");
 }
 
 }  // namespace

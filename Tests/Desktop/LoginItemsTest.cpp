@@ -101,7 +101,7 @@ std::string isEnabled() {
 
 TEST_F(LoginItemsTest, TheHostStartsAgainFromItsEntry) {
   const TemporaryFolder folder;
-  const fs::path odd = folder.path / "an \"odd\" $HOME `folder` \\ d\u00e9j\u00e0 vu";
+  const fs::path odd = folder.path / "100% \"odd\" '$HOME' `folder` %f \\ d\u00e9j\u00e0 vu";
   fs::create_directory(odd);
   const fs::path program = odd / "tapdeck-host";
   fs::copy_file(hostProgram, program);

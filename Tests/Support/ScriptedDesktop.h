@@ -59,15 +59,15 @@ class ScriptedDesktop : public Desktop {
 };
 
 /// A player with a track that has everything.
-inline PlayerState playing(Constant status = Constant::playing) {
+inline PlayerState playing(media::PlaybackStatus status = media::PlaybackStatus::playing) {
   return {.status = status,
-          .track = Track{.title = "Song",
-                         .artist = "Artist",
-                         .album = "Album",
-                         .id = "/com/spotify/track/4uLU6",
-                         .url = "file:///music/a%20song.ogg",
-                         .artUrl = "file:///cover.jpg",
-                         .length = 215000000},
+          .track = media::Track{.title = "Song",
+                                .artist = "Artist",
+                                .album = "Album",
+                                .id = "/com/spotify/track/4uLU6",
+                                .url = "file:///music/a%20song.ogg",
+                                .artUrl = "file:///cover.jpg",
+                                .length = 215000000},
           .position = 12500000};
 }
 

@@ -36,7 +36,7 @@ TEST_F(AppleScriptProgramsTest, TellWhatPlaysInEachApplicationsUnits) {
 
 TEST_F(AppleScriptProgramsTest, TellWhatIsKnownAndNothingElse) {
   for (const Application player : kPlayers) {
-    PlayerState state = playing(Constant::paused);
+    PlayerState state = playing(media::PlaybackStatus::paused);
     *state.track = {.title = {},
                     .artist =
                         "a\tb\nc\x7F\xC2\x85"
@@ -66,7 +66,7 @@ TEST_F(AppleScriptProgramsTest, TellWhatIsKnownAndNothingElse) {
 TEST_F(AppleScriptProgramsTest, AskForStateAndTrack) {
   const std::tuple<PlayerState, const char*, const char*> cases[] = {
       {playing(), "true", "true"},
-      {playing(Constant::paused), "false", "true"},
+      {playing(media::PlaybackStatus::paused), "false", "true"},
       {PlayerState(), "false", "false"}};
   for (const char* name : {"Music", "Spotify", "VLC"}) {
     const auto expectAll = [&](const char* isPlaying, const char* hasTrack, const char* what) {

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "Engine/Channels.h"
 #include "Engine/StandardCodec.h"
 #include "Platform/Linux/Call/CallJson.h"
 #include "Platform/Linux/Call/CommandLine.h"
@@ -53,7 +54,7 @@ TEST(CallJsonTest, PrintsReplies) {
 
 TEST(CallJsonTest, ReadsCommandLine) {
   const auto plain = parseCommandLine({"scroll", "-3"});
-  EXPECT_EQ(plain.channel, "com.tapdeck/control");
+  EXPECT_EQ(plain.channel, kControlChannel);
   EXPECT_EQ(plain.method, "scroll");
   EXPECT_EQ(plain.arguments, Value(-3));
   EXPECT_EQ(parseCommandLine({"--channel=other", "--", "--m"}).method, "--m");

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Engine/Channels.h"
 #include "Runner/MainFlutterWindow.h"
 #include "Runner/Waking.h"
 #include "Tests/Support/Recording/Recording.h"
@@ -76,7 +77,7 @@ class HostTest : public ::testing::Test {
   }
 
   std::optional<Outcome> outcome(const std::string& method, Value arguments = Value()) {
-    return engine->call("com.tapdeck/control", method, std::move(arguments));
+    return engine->call(kControlChannel, method, std::move(arguments));
   }
   std::optional<Outcome> outcome(const std::string& method, ValueMap arguments) {
     return outcome(method, Value(std::move(arguments)));

@@ -58,7 +58,7 @@ TEST_F(StandInChannel, HostCallsReachEveryPage) {
 
 TEST_F(StandInChannel, PeersAreSeenToComeAndGo) {
   std::vector<size_t> counts;
-  engine->observePeers([&] { counts.push_back(engine->peers().size()); });
+  engine->observe([&] { counts.push_back(engine->peers().size()); });
   auto page = openPage();
   EXPECT_EQ(engine->peers().front().address, "127.0.0.1");
   auto other = openPage();
@@ -67,6 +67,19 @@ TEST_F(StandInChannel, PeersAreSeenToComeAndGo) {
   other->vanish();
   ASSERT_TRUE(waitForPeers(0));
   EXPECT_THAT(counts, ElementsAre(1, 2, 1, 0));
+}
+
+TEST_F(StandInChannel, AChangeOfTheNetworkIsToldToo) {
+  int told = 0;
+  engine->observe([&told] { ++told; });
+  const auto changeNetwork = [] {
+    g_signal_emit_by_name(g_network_monitor_get_default(), "network-changed", TRUE);
+  };
+  changeNetwork();
+  EXPECT_EQ(told, 1);
+  engine->stop();
+  changeNetwork();
+  EXPECT_EQ(told, 1);
 }
 
 TEST_F(StandInChannel, BrokenProtocolEndsOnlyThatConnection) {

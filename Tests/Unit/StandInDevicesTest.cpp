@@ -74,7 +74,7 @@ TEST_F(StandInDevices, SaysWhyAPageIsRefused) {
   EXPECT_THAT(
       exchange("GET /engine?device=" + wrong, "Host: " + host() + "\r\n" + kUpgrade + kProtocol),
       StartsWith("HTTP/1.1 403"));
-  EXPECT_EQ(engine->wrongSecrets(), 3u);
+  EXPECT_EQ(engine->failedLogins(), 3u);
 }
 
 TEST_F(StandInDevices, PagesHearHowManyDevicesThereAre) {

@@ -54,14 +54,13 @@ Value requestMessage(int64_t id, const std::string& channel, const MethodCall& c
 Page::Page(const std::string& url, std::string fingerprint)
     : _fingerprint(std::move(fingerprint)),
       _session(SOUP_SESSION(g_object_new(SOUP_TYPE_SESSION, "proxy-resolver", nullptr, nullptr))) {
-  const standin::Object<SoupMessage> message(soup_message_new("GET", url.c_str()));
+  const glib::Object<SoupMessage> message(soup_message_new("GET", url.c_str()));
   const auto accept = +[](SoupMessage*, GTlsCertificate* certificate, GTlsCertificateFlags,
                           gpointer data) -> gboolean {
     return standin::fingerprintOf(certificate) == static_cast<Page*>(data)->_fingerprint;
   };
   g_signal_connect(message.get(), "accept-certificate", G_CALLBACK(accept), this);
-  char subprotocol[] = "tapdeck.engine.v1";
-  char* subprotocols[] = {subprotocol, nullptr};
+  char* subprotocols[] = {const_cast<char*>(standin::kSubprotocol), nullptr};
   struct Attempt {
     SoupWebsocketConnection* socket = nullptr;
     bool done = false;

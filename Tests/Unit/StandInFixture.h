@@ -9,10 +9,12 @@
 #include <string>
 #include <vector>
 
+#include "Engine/Channels.h"
 #include "Engine/StandardCodec.h"
+#include "Platform/Linux/EngineProtocol/Protocol.h"
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
-#include "Platform/Linux/StandInEngine/Handles.h"
 #include "Platform/Linux/StandInEngine/StandInEngine.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 #include "Tests/Support/MainLoop.h"
 #include "Tests/Support/Surroundings.h"
 
@@ -56,8 +58,8 @@ class Page {
 
  private:
   std::string _fingerprint;
-  standin::Object<SoupSession> _session;
-  standin::Object<SoupWebsocketConnection> _socket;
+  glib::Object<SoupSession> _session;
+  glib::Object<SoupWebsocketConnection> _socket;
   std::vector<Value> _messages;
   bool _closed = false;
 };
@@ -65,8 +67,9 @@ class Page {
 /// An engine on a free port of 127.0.0.1, with a runtime directory of its own.
 class StandInTest : public testing::Test {
  protected:
-  static constexpr const char* kControl = "com.tapdeck/control";
-  static constexpr const char* kProtocol = "Sec-WebSocket-Protocol: tapdeck.engine.v1\r\n";
+  static constexpr const char* kControl = kControlChannel;
+  static inline const std::string kProtocol =
+      std::string("Sec-WebSocket-Protocol: ") + standin::kSubprotocol + "\r\n";
   /// The headers of a proper upgrade, but for Host and the subprotocol.
   static constexpr const char* kUpgrade =
       "Upgrade: websocket\r\nConnection: Upgrade\r\nSec-WebSocket-Version: 13\r\n"

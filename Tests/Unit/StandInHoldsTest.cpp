@@ -20,11 +20,11 @@ MethodCall button(const std::string& method, Value name) {
   return call(method, Value(ValueMap{{"button", std::move(name)}}));
 }
 
-void note(Holds& holds, Holds::Connection connection, const std::vector<MethodCall>& calls) {
+void note(Holds& holds, ConnectionNumber connection, const std::vector<MethodCall>& calls) {
   for (const auto& each : calls) EXPECT_TRUE(holds.note(connection, each)) << each.method;
 }
 
-std::vector<std::string> endOf(Holds& holds, Holds::Connection connection) {
+std::vector<std::string> endOf(Holds& holds, ConnectionNumber connection) {
   std::vector<std::string> lines;
   for (const MethodCall& each : holds.end(connection)) lines.push_back(lineOf(each));
   return lines;
@@ -77,20 +77,20 @@ TEST(StandInHolds, HidesOfTheCursorAreCounted) {
   note(holds, 5, {show, show});
   EXPECT_THAT(endOf(holds, 2), IsEmpty());
   EXPECT_THAT(endOf(holds, 3), IsEmpty());
-  for (size_t i = 0; i < Holds::kMostPerConnection; ++i) ASSERT_TRUE(holds.note(6, hide));
+  for (size_t i = 0; i < Holds::kMaxPerConnection; ++i) ASSERT_TRUE(holds.note(6, hide));
   EXPECT_FALSE(holds.note(6, hide));
 }
 
 TEST(StandInHolds, IsBounded) {
   Holds holds;
-  EXPECT_FALSE(holds.note(1, key("keyDown", std::string(Holds::kLongestName + 1, 'k'))));
-  for (size_t i = 0; i < Holds::kMostPerConnection; ++i) {
+  EXPECT_FALSE(holds.note(1, key("keyDown", std::string(Holds::kMaxNameBytes + 1, 'k'))));
+  for (size_t i = 0; i < Holds::kMaxPerConnection; ++i) {
     ASSERT_TRUE(holds.note(1, key("keyDown", std::to_string(i))));
   }
   EXPECT_FALSE(holds.note(1, key("keyDown", "more")));
   EXPECT_TRUE(holds.note(1, key("keyDown", "7")));
   EXPECT_TRUE(holds.note(2, key("keyDown", "more")));
-  EXPECT_EQ(holds.end(1).size(), Holds::kMostPerConnection);
+  EXPECT_EQ(holds.end(1).size(), Holds::kMaxPerConnection);
 }
 
 }  // namespace

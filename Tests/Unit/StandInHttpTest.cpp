@@ -79,8 +79,7 @@ TEST_F(StandInHttp, OnlyItsOwnHost) {
 
 TEST(StandInAccess, HostOfEveryKindOfAddress) {
   const auto isOwn = [](const char* host, const char* local, uint16_t port) {
-    const standin::Object<GSocketAddress> address(
-        g_inet_socket_address_new_from_string(local, port));
+    const glib::Object<GSocketAddress> address(g_inet_socket_address_new_from_string(local, port));
     return standin::isOwnHost(host, address.get());
   };
   EXPECT_TRUE(isOwn("[::1]:8420", "::1", 8420));

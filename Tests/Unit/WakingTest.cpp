@@ -18,7 +18,7 @@ TEST_F(WakingTest, GoesThroughItsStepsInOrder) {
                   "register SharePlusMacosPlugin", "register SharedPreferencesPlugin",
                   "register SystemTrayPlugin", "register TrayManagerPlugin",
                   "register UrlLauncherPlugin", "register WindowManagerPlugin",
-                  "handle com.tapdeck/control", "observe screen parameters"));
+                  std::string("handle ") + kControlChannel, "observe screen parameters"));
 }
 
 TEST_F(WakingTest, GoesOnPastAPluginThatTheBuildLacks) {
@@ -34,7 +34,7 @@ TEST_F(WakingTest, GoesOnPastAPluginThatTheBuildLacks) {
 TEST_F(WakingTest, TellsTheEngineOfEachDisplayChange) {
   attach({screen(7, {{0, 0}, {1440, 900}}, 2.0)});
   recording::notifyScreenParameters();
-  EXPECT_THAT(trace(), ElementsAre("invoke displaysChanged on com.tapdeck/control"));
+  EXPECT_THAT(trace(), ElementsAre(std::string("invoke displaysChanged on ") + kControlChannel));
   EXPECT_EQ(engine->lastInvocation, reply("getDisplays"));
 
   window->_controlChannel.reset();

@@ -1,36 +1,15 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 #include "Platform/Linux/AppleScript/Terms.h"
+#include "Platform/Linux/Media/MediaState.h"
 
 namespace tapdeck::applescript {
 
-/// What a player has loaded. Texts as the player gives them, empty where it gives none.
-struct Track {
-  std::string title;
-  std::string artist;
-  std::string album;
-  /// The player's own name for it (MPRIS's mpris:trackid).
-  std::string id;
-  std::string url;
-  std::string artUrl;
-  /// In microseconds.
-  std::optional<int64_t> length;
-
-  bool operator==(const Track&) const = default;
-};
-
-/// A player at one moment.
-struct PlayerState {
-  Constant status = Constant::stopped;
-  /// None when it is stopped.
-  std::optional<Track> track;
-  /// In microseconds from the start of the track.
-  int64_t position = 0;
-};
+using media::PlayerState;
+using media::Volume;
 
 /// One media player. Every call throws ScriptError when it fails or its reply does not come in
 /// time.
@@ -42,13 +21,6 @@ class Player {
   virtual void perform(Command command) = 0;
   /// Goes to the position, in microseconds from the start of the track.
   virtual void seek(int64_t position) = 0;
-};
-
-/// The sound output, as far as it is known.
-struct Volume {
-  /// 0 to 100.
-  std::optional<int> level;
-  std::optional<bool> muted;
 };
 
 /// What scripts act upon: players, the sound output, the machine. The language knows no more of

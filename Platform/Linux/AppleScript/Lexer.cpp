@@ -1,9 +1,9 @@
 #include "Platform/Linux/AppleScript/Lexer.h"
 
-#include <glib.h>
-
 #include <charconv>
 #include <utility>
+
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::applescript {
 namespace {
@@ -104,10 +104,8 @@ class Lexer {
   void readWord() {
     const size_t start = _place;
     const std::string word = takeWhile([](gunichar c) { return startsWord(c) || isDigit(c); });
-    char* lower = g_utf8_strdown(word.c_str(), static_cast<gssize>(word.size()));
-    std::string text = lower;
-    g_free(lower);
-    add(Token::Kind::word, start, std::move(text));
+    const glib::Text lower(g_utf8_strdown(word.c_str(), static_cast<gssize>(word.size())));
+    add(Token::Kind::word, start, lower.get());
   }
 
   void readNumber() {

@@ -13,14 +13,17 @@
 namespace tapdeck::applescript {
 namespace {
 
+using media::PlaybackStatus;
+using media::Track;
+
 constexpr double kMicroseconds = 1000000;
 /// In characters; a script writes several texts into one pipe, which holds 64 KiB.
 constexpr glong kMaxTextLength = 2000;
 constexpr gunichar kLineSeparator = 0x2028;
 constexpr gunichar kParagraphSeparator = 0x2029;
 
-/// The text in one line: control characters become spaces.
-std::string line(const std::string& text) {
+/// The text cut to kMaxTextLength, with spaces for control characters and line breaks.
+std::string singleLine(const std::string& text) {
   std::string clean;
   glong length = 0;
   for (const char* at = text.c_str(); *at != '\0' && length < kMaxTextLength; ++length) {
@@ -91,6 +94,11 @@ Value durationOf(Application application, const Track& track) {
   }
 }
 
+Constant constantOf(PlaybackStatus status) {
+  if (status == PlaybackStatus::playing) return Constant::playing;
+  return status == PlaybackStatus::paused ? Constant::paused : Constant::stopped;
+}
+
 Object trackOf(Application application, const PlayerState& state) {
   return {application, Object::Kind::track, std::make_shared<const Track>(*state.track)};
 }
@@ -102,21 +110,21 @@ Found trackProperty(const Object& object, Property property) {
   const Track& track = *object.track;
   switch (property) {
     case Property::name:
-      return line(titleOf(track));
+      return singleLine(titleOf(track));
     case Property::artist:
-      return line(track.artist);
+      return singleLine(track.artist);
     case Property::album:
-      return line(track.album);
+      return singleLine(track.album);
     case Property::duration:
       return durationOf(object.application, track);
     case Property::persistentId:
       return persistentId(track);
     case Property::id:
-      return line(spotifyId(track));
+      return singleLine(spotifyId(track));
     case Property::artworkUrl:
-      return line(track.artUrl);
+      return singleLine(track.artUrl);
     case Property::path:
-      return line(pathOf(track));
+      return singleLine(pathOf(track));
     default:
       return std::nullopt;
   }
@@ -129,9 +137,9 @@ Found playerProperty(Player& player, Application application, Property property)
     case Property::currentItem:
       return state.track ? Found(trackOf(application, state)) : std::nullopt;
     case Property::playerState:
-      return state.status;
+      return constantOf(state.status);
     case Property::isPlaying:
-      return state.status == Constant::playing;
+      return state.status == PlaybackStatus::playing;
     case Property::playerPosition:
       return static_cast<double>(state.position) / kMicroseconds;
     case Property::currentTime:

@@ -39,7 +39,7 @@ struct Object {
 
   Application application = Application::music;
   Kind kind = Kind::application;
-  std::shared_ptr<const Track> track;
+  std::shared_ptr<const media::Track> track;
 
   bool operator==(const Object&) const = default;
 };

@@ -6,9 +6,9 @@
 #include <pangomm/attrlist.h>
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
+#include "Platform/Linux/Support/GLibOwners.h"
 #include "Platform/Pasteboard.h"
 #include "Platform/Workspace.h"
 
@@ -22,15 +22,14 @@ std::string hostOf(const std::string& address) {
   char* host = nullptr;
   g_uri_split(address.c_str(), G_URI_FLAGS_NONE, nullptr, nullptr, &host, nullptr, nullptr, nullptr,
               nullptr, nullptr);
-  const std::unique_ptr<char, decltype(&g_free)> owned(host, g_free);
+  const glib::Text owned(host);
   return host == nullptr ? "" : host;
 }
 
 bool isLoopback(const std::string& address) {
   const std::string host = hostOf(address);
   if (host == "localhost") return true;
-  const std::unique_ptr<GInetAddress, decltype(&g_object_unref)> parsed(
-      g_inet_address_new_from_string(host.c_str()), g_object_unref);
+  const glib::Object<GInetAddress> parsed(g_inet_address_new_from_string(host.c_str()));
   return parsed && g_inet_address_get_is_loopback(parsed.get());
 }
 

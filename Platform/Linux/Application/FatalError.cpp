@@ -2,11 +2,12 @@
 
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <string>
 
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/X11/Ending.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 
@@ -18,11 +19,11 @@ constexpr unsigned kPatienceSeconds = 2;
 void sayWhy() {
   try {
     if (const auto thrown = std::current_exception()) std::rethrow_exception(thrown);
-    std::fputs("tapdeck-host: ended by an error.\n", stderr);
+    warn("ended by an error.");
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "tapdeck-host: ended by an error: %s\n", error.what());
+    warn(std::string("ended by an error: ") + error.what());
   } catch (...) {
-    std::fputs("tapdeck-host: ended by an error of an unknown kind.\n", stderr);
+    warn("ended by an error of an unknown kind.");
   }
 }
 

@@ -4,10 +4,10 @@
 #include <gtk/gtk.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/X11/WindowServerError.h"
 
 namespace tapdeck {
@@ -17,8 +17,7 @@ namespace {
 /// Nothing that talks to the X server can be done any more; what lies in the file system can.
 int dieWithServer(Display*) {
   removeSession(getpid());
-  std::fputs("tapdeck-host: the X server has ended the connection, and the host ends with it.\n",
-             stderr);
+  warn("the X server has ended the connection, and the host ends with it.");
   _exit(EXIT_FAILURE);
 }
 

@@ -1,10 +1,10 @@
 #include <gio/gio.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <iterator>
 
 #include "Platform/Linux/Media/Bus.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 
 namespace tapdeck::platform {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 using glib::Object;
 using glib::Variant;
 
-constexpr int kLimit = 3000;
+constexpr int kReplyMilliseconds = 3000;
 
 /// One way to have the screen locked.
 struct Locker {
@@ -37,33 +37,34 @@ constexpr Locker kLockers[] = {
      "org.cinnamon.ScreenSaver"},
 };
 
-void ask(const Locker* locker);
+/// Has the screen locked by this one or, where that fails, by one after it.
+void tryLock(const Locker* locker);
 
-/// Goes on with the next one unless this has locked.
+/// Tries the next one unless this has locked.
 void finish(GObject* connection, GAsyncResult* result, gpointer data) noexcept {
   const auto* locker = static_cast<const Locker*>(data);
   const Variant reply(
       g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));
-  if (reply == nullptr) ask(std::next(locker));
+  if (reply == nullptr) tryLock(std::next(locker));
 }
 
 void callLock(GObject*, GAsyncResult* result, gpointer data) noexcept {
   const auto* locker = static_cast<const Locker*>(data);
   const Object<GDBusConnection> connection(g_bus_get_finish(result, nullptr));
   if (connection == nullptr) {
-    ask(std::next(locker));
+    tryLock(std::next(locker));
     return;
   }
   g_dbus_connection_set_exit_on_close(connection.get(), FALSE);
   g_dbus_connection_call(connection.get(), locker->name, locker->path, locker->interface, "Lock",
-                         nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kLimit, nullptr, finish,
-                         data);
+                         nullptr, nullptr, G_DBUS_CALL_FLAGS_NO_AUTO_START, kReplyMilliseconds,
+                         nullptr, finish, data);
 }
 
-void ask(const Locker* locker) {
+void tryLock(const Locker* locker) {
   while (locker != std::end(kLockers) && !media::hasBus(locker->bus)) ++locker;
   if (locker == std::end(kLockers)) {
-    std::fputs("tapdeck: nothing on this desktop locks the screen.\n", stderr);
+    warn("nothing on this desktop locks the screen.");
     return;
   }
   g_bus_get(locker->bus, nullptr, callLock, const_cast<Locker*>(locker));
@@ -76,6 +77,6 @@ void ask(const Locker* locker) {
 /// Returns at once, and the outcome is not reported; main thread only.
 extern "C" int SACLockScreenImmediate();
 extern "C" int SACLockScreenImmediate() {
-  tapdeck::platform::ask(tapdeck::platform::kLockers);
+  tapdeck::platform::tryLock(tapdeck::platform::kLockers);
   return 0;
 }

@@ -15,17 +15,18 @@
 #include <string>
 #include <utility>
 
-#include "Platform/Linux/Application/EndSignals.h"
 #include "Platform/Linux/Application/FatalError.h"
 #include "Platform/Linux/Application/GtkConnection.h"
 #include "Platform/Linux/Application/MainWindow.h"
 #include "Platform/Linux/Application/MediaKeys.h"
-#include "Platform/Linux/Application/OnlyHost.h"
 #include "Platform/Linux/Application/Options.h"
 #include "Platform/Linux/Application/QrMatrix.h"
+#include "Platform/Linux/Application/SingleInstance.h"
+#include "Platform/Linux/Application/TerminationSignals.h"
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/Linux/Fronts/Pasteboard.h"
 #include "Platform/Linux/Fronts/Queues.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/X11/Ending.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Platform/UserDefaults.h"
@@ -92,7 +93,7 @@ void serve(const Options& options) {
   MainWindow* mainWindow = nullptr;
   // Before the engine writes the session file, which a signal must not leave behind. None is heard
   // until the loop runs, and then there is a window.
-  const EndSignals end([loop] {
+  const TerminationSignals end([loop] {
     x11::beginToEnd();
     loop->quit();
   });
@@ -125,10 +126,9 @@ int run(const Options& options) {
   connectGtk();
   Gtk::Main::init_gtkmm_internals();
   if (!claimDisplay()) {
-    std::fputs(
-        "tapdeck-host: another Tapdeck controls this display already. Bring it forward with "
-        "--show, or end it first.\n",
-        stderr);
+    warn(
+        "another Tapdeck controls this display already. Bring it forward with --show, or end it "
+        "first.");
     return EXIT_FAILURE;
   }
   serve(options);
@@ -150,7 +150,7 @@ bool runsThisProgram(int pid) {
 int showRunningHost() {
   const auto session = readSession();
   if (!session || !runsThisProgram(session->pid) || kill(session->pid, SIGUSR1) != 0) {
-    std::fputs("tapdeck-host: no host is running.\n", stderr);
+    warn("no host is running.");
     return EXIT_FAILURE;
   }
   std::printf("Tapdeck: %s\n", session->url.c_str());
@@ -180,7 +180,7 @@ int main(int argc, char** argv) {
   try {
     return tapdeck::perform(*options);
   } catch (const std::exception& problem) {
-    std::fprintf(stderr, "tapdeck-host: %s\n", problem.what());
+    tapdeck::warn(problem.what());
     return EXIT_FAILURE;
   }
 }

@@ -36,7 +36,7 @@ list.card { background-color: @theme_base_color; }
 .padded { padding: 14px; }
 .row { padding: 10px 14px; transition: background-color 400ms; }
 .row + .row { border-top: 1px solid @borders; }
-.pointed-out { background-color: alpha(@theme_selected_bg_color, 0.35); }
+.highlighted { background-color: alpha(@theme_selected_bg_color, 0.35); }
 )";
 
 /// Of the list of devices, in points; four rows.
@@ -110,13 +110,14 @@ MainWindow::MainWindow(std::weak_ptr<MainFlutterWindow> state,
   buildContents();
   refreshConnections();
   watchSettings();
-  _engine->observePeers([this] { refreshConnections(); });
-  permissions::setPromptHandler([this](permissions::Permission permission) { ask(permission); });
+  _engine->observe([this] { refreshConnections(); });
+  permissions::setPromptHandler(
+      [this](permissions::Permission permission) { promptFor(permission); });
 }
 
 MainWindow::~MainWindow() {
   permissions::setPromptHandler({});
-  _engine->observePeers({});
+  _engine->observe({});
   // The children go before the window, which must not look for its focus among them then.
   unset_focus();
 }
@@ -160,7 +161,7 @@ void MainWindow::buildContents() {
   _peersView.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
   _peersView.add(_peers);
   addSection("Devices", _peersView);
-  for (Gtk::Label* label : {&_wrongSecrets, &_failure}) {
+  for (Gtk::Label* label : {&_failedLogins, &_failure}) {
     label->set_no_show_all();
     label->set_line_wrap();
     label->set_xalign(0);
@@ -168,8 +169,8 @@ void MainWindow::buildContents() {
     _contents.pack_start(*label, Gtk::PACK_SHRINK);
   }
 
-  _lan.onDecided([this](bool isAllowed) { allowNetwork(isAllowed); });
-  _tls.onDecided([this](bool isEncrypted) { encryptNetwork(isEncrypted); });
+  _lan.onToggled([this](bool isAllowed) { allowNetwork(isAllowed); });
+  _tls.onToggled([this](bool isEncrypted) { encryptNetwork(isEncrypted); });
   _network.pack_start(_lan, Gtk::PACK_SHRINK);
   _network.pack_start(_tls, Gtk::PACK_SHRINK);
   _fingerprint.set_no_show_all();
@@ -182,9 +183,9 @@ void MainWindow::buildContents() {
   _network.pack_start(_fingerprint, Gtk::PACK_SHRINK);
   addSection("Network", _network);
 
-  _control.onDecided(
+  _control.onToggled(
       [](bool isGranted) { permissions::setGranted(permissions::Permission::control, isGranted); });
-  _screen.onDecided([](bool isGranted) {
+  _screen.onToggled([](bool isGranted) {
     permissions::setGranted(permissions::Permission::screenCapture, isGranted);
   });
   refreshPermissions();
@@ -253,10 +254,10 @@ void MainWindow::refreshConnections() {
   int natural = 0;
   _peers.get_preferred_height(minimum, natural);
   _peersView.set_min_content_height(std::min(natural, kMaxListHeight));
-  const auto wrong = _engine->wrongSecrets();
-  _wrongSecrets.set_text(
+  const auto wrong = _engine->failedLogins();
+  _failedLogins.set_text(
       Glib::ustring::compose("Refused for a wrong code since the start: %1", wrong));
-  _wrongSecrets.set_visible(wrong > 0);
+  _failedLogins.set_visible(wrong > 0);
   _address.setAddresses(_engine->pageAddresses());
   _lan.setOn(_engine->address() != kThisComputer);
   _tls.setOn(_engine->isEncrypted());
@@ -290,9 +291,9 @@ void MainWindow::attempt(const std::function<void()>& action) {
   }
 }
 
-void MainWindow::ask(permissions::Permission permission) {
+void MainWindow::promptFor(permissions::Permission permission) {
   bringForward();
-  (permission == permissions::Permission::control ? _control : _screen).pointOut();
+  (permission == permissions::Permission::control ? _control : _screen).highlight();
 }
 
 void MainWindow::becameKey() {

@@ -46,7 +46,7 @@ class MainWindow : public Gtk::Window {
   void encryptNetwork(bool isEncrypted);
   /// Does what may fail, and says so on the window.
   void attempt(const std::function<void()>& action);
-  void ask(permissions::Permission permission);
+  void promptFor(permissions::Permission permission);
   void becameKey();
 
   bool on_delete_event(GdkEventAny* event) override;
@@ -68,7 +68,7 @@ class MainWindow : public Gtk::Window {
   Gtk::Label _nobody;
   Gtk::ListBox _peers;
   Gtk::ScrolledWindow _peersView;
-  Gtk::Label _wrongSecrets;
+  Gtk::Label _failedLogins;
   Gtk::Label _failure;
   Gtk::Box _network{Gtk::ORIENTATION_VERTICAL};
   SwitchRow _lan;

@@ -1,22 +1,15 @@
 #include "Platform/Linux/Application/Options.h"
 
-#include <glib.h>
-
 #include <charconv>
 #include <cstdio>
-#include <memory>
 #include <string_view>
+
+#include "Platform/Linux/Support/Diagnostics.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck {
 
 namespace {
-
-struct Freeing {
-  void operator()(char* text) const { g_free(text); }
-  void operator()(GError* error) const { g_error_free(error); }
-  void operator()(GOptionContext* context) const { g_option_context_free(context); }
-};
-using Text = std::unique_ptr<char, Freeing>;
 
 std::optional<uint16_t> portFrom(std::string_view text) {
   uint16_t port = 0;
@@ -27,7 +20,8 @@ std::optional<uint16_t> portFrom(std::string_view text) {
 }
 
 std::nullopt_t complain(const std::string& message) {
-  std::fprintf(stderr, "tapdeck-host: %s\nTry \"tapdeck-host --help\".\n", message.c_str());
+  warn(message);
+  std::fputs("Try \"tapdeck-host --help\".\n", stderr);
   return std::nullopt;
 }
 
@@ -54,14 +48,14 @@ std::optional<Options> parseOptions(int argc, char** argv) {
       {"version", 0, 0, G_OPTION_ARG_NONE, &version, "Print the version", nullptr},
       {nullptr, 0, 0, G_OPTION_ARG_NONE, nullptr, nullptr, nullptr},
   };
-  const std::unique_ptr<GOptionContext, Freeing> context(g_option_context_new(nullptr));
+  const glib::OptionContext context(g_option_context_new(nullptr));
   g_option_context_set_summary(context.get(), "Lets a phone's browser control this desktop.");
   g_option_context_add_main_entries(context.get(), entries, nullptr);
 
   GError* problem = nullptr;
   const bool parsed = g_option_context_parse(context.get(), &argc, &argv, &problem);
-  const std::unique_ptr<GError, Freeing> error(problem);
-  const Text portText(port), addressText(address);
+  const glib::Error error(problem);
+  const glib::Text portText(port), addressText(address);
   if (!parsed) return complain(error->message);
   if (argc > 1) return complain("what is \"" + std::string(argv[1]) + "\"?");
 

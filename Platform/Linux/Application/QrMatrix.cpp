@@ -5,6 +5,13 @@
 #include <memory>
 
 namespace tapdeck {
+namespace {
+
+struct FreeCode {
+  void operator()(QRcode* code) const { QRcode_free(code); }
+};
+
+}  // namespace
 
 bool QrMatrix::isDark(int column, int row) const {
   if (column < 0 || row < 0 || column >= size || row >= size) return false;
@@ -13,8 +20,8 @@ bool QrMatrix::isDark(int column, int row) const {
 }
 
 QrMatrix qrMatrixOf(const std::string& text) {
-  const std::unique_ptr<QRcode, decltype(&QRcode_free)> code(
-      QRcode_encodeString8bit(text.c_str(), 0, QR_ECLEVEL_M), QRcode_free);
+  const std::unique_ptr<QRcode, FreeCode> code(
+      QRcode_encodeString8bit(text.c_str(), 0, QR_ECLEVEL_M));
   QrMatrix matrix;
   if (!code) return matrix;
   matrix.size = code->width;

@@ -6,7 +6,7 @@ namespace tapdeck {
 
 namespace {
 
-constexpr unsigned int kPointingMilliseconds = 4000;
+constexpr unsigned int kHighlightMilliseconds = 4000;
 
 }  // namespace
 
@@ -27,15 +27,15 @@ SwitchRow::SwitchRow(const Glib::ustring& title, const Glib::ustring& explanatio
   get_style_context()->add_class("row");
 
   _switch.property_active().signal_changed().connect([this] {
-    // A switch that follows the setting decides nothing.
+    // this was setOn(), not the user
     if (_switch.get_active() == _shown) return;
     _shown = _switch.get_active();
-    if (_decided) _decided(_shown);
+    if (_toggled) _toggled(_shown);
   });
 }
 
 SwitchRow::~SwitchRow() {
-  _endOfPointing.disconnect();
+  _endOfHighlight.disconnect();
 }
 
 void SwitchRow::setOn(bool isOn) {
@@ -43,16 +43,16 @@ void SwitchRow::setOn(bool isOn) {
   _switch.set_active(isOn);
 }
 
-void SwitchRow::pointOut() {
+void SwitchRow::highlight() {
   const auto style = get_style_context();
-  style->add_class("pointed-out");
-  _endOfPointing.disconnect();
-  _endOfPointing = Glib::signal_timeout().connect(
+  style->add_class("highlighted");
+  _endOfHighlight.disconnect();
+  _endOfHighlight = Glib::signal_timeout().connect(
       [style] {
-        style->remove_class("pointed-out");
+        style->remove_class("highlighted");
         return false;
       },
-      kPointingMilliseconds);
+      kHighlightMilliseconds);
   _switch.grab_focus();
 }
 

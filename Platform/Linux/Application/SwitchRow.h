@@ -15,21 +15,21 @@ class SwitchRow : public Gtk::Box {
   SwitchRow(const Glib::ustring& title, const Glib::ustring& explanation);
   ~SwitchRow() override;
 
-  /// What is called when the user turns the switch.
-  void onDecided(std::function<void(bool)> decided) { _decided = std::move(decided); }
+  /// Calls `toggled` with the new setting when the user turns the switch.
+  void onToggled(std::function<void(bool)> toggled) { _toggled = std::move(toggled); }
   /// Shows the setting as it is; nothing is called.
   void setOn(bool isOn);
-  /// Draws the eye to the row for a while and gives its switch the keyboard focus.
-  void pointOut();
+  /// Highlights the row for a while and gives its switch the keyboard focus.
+  void highlight();
 
  private:
-  std::function<void(bool)> _decided;
+  std::function<void(bool)> _toggled;
   bool _shown = false;
   Gtk::Box _texts{Gtk::ORIENTATION_VERTICAL, 2};
   Gtk::Label _title;
   Gtk::Label _explanation;
   Gtk::Switch _switch;
-  sigc::connection _endOfPointing;
+  sigc::connection _endOfHighlight;
 };
 
 }  // namespace tapdeck

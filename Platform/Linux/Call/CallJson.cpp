@@ -1,14 +1,12 @@
 #include "Platform/Linux/Call/CallJson.h"
 
-#include <glib.h>
-
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <stdexcept>
 #include <utility>
 
 #include "Engine/StandardCodec.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck {
 namespace {
@@ -77,8 +75,7 @@ Json jsonOf(const std::string& value) {
 }
 
 Json jsonOf(const Value::Bytes& bytes) {
-  const std::unique_ptr<char, decltype(&g_free)> text(g_base64_encode(bytes.data(), bytes.size()),
-                                                      g_free);
+  const glib::Text text(g_base64_encode(bytes.data(), bytes.size()));
   return {{"base64", text.get()}};
 }
 

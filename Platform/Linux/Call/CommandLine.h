@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Engine/Channels.h"
 #include "Engine/Value.h"
 
 namespace tapdeck {
@@ -13,7 +14,7 @@ namespace tapdeck {
 struct CommandLine {
   bool help = false;
   bool listen = false;
-  std::string channel = "com.tapdeck/control";
+  std::string channel = kControlChannel;
   std::string method;
   Value arguments;
 };

@@ -11,23 +11,13 @@ namespace tapdeck {
 namespace {
 
 /// Above the most that the host lets wait for one connection.
-constexpr guint64 kLargestMessage = guint64{64} << 20;
-
-struct FreeText {
-  void operator()(char* text) const { g_free(text); }
-};
-using Text = std::unique_ptr<char, FreeText>;
-
-struct FreeError {
-  void operator()(GError* error) const { g_error_free(error); }
-};
-using Error = std::unique_ptr<GError, FreeError>;
+constexpr guint64 kMaxMessage = guint64{64} << 20;
 
 /// What the end of the attempt to connect leaves behind.
 struct Attempt {
   bool isOver = false;
   SoupWebsocketConnection* socket = nullptr;
-  Error error;
+  glib::Error error;
 };
 
 void attemptEnded(GObject* session, GAsyncResult* result, gpointer data) {
@@ -39,16 +29,16 @@ void attemptEnded(GObject* session, GAsyncResult* result, gpointer data) {
 }
 
 std::string engineAddress(const Session& session) {
-  const std::unique_ptr<GUri, decltype(&g_uri_unref)> page(
-      g_uri_parse(session.url.c_str(), G_URI_FLAGS_NONE, nullptr), g_uri_unref);
+  const glib::Uri page(g_uri_parse(session.url.c_str(), G_URI_FLAGS_NONE, nullptr));
   if (!page || g_uri_get_host(page.get()) == nullptr) {
     throw ConnectionError("The session file names no address: " + sessionFilePath().string() +
                           ". Stop the host and start it again with ./tapdeck run.");
   }
-  const Text token(g_uri_escape_string(session.token.c_str(), nullptr, FALSE));
+  const glib::Text token(g_uri_escape_string(session.token.c_str(), nullptr, FALSE));
   const std::string query = std::string("token=") + token.get();
-  const Text address(g_uri_join(G_URI_FLAGS_ENCODED, "ws", nullptr, g_uri_get_host(page.get()),
-                                session.port, "/engine", query.c_str(), nullptr));
+  const glib::Text address(g_uri_join(G_URI_FLAGS_ENCODED, "ws", nullptr,
+                                      g_uri_get_host(page.get()), session.port, "/engine",
+                                      query.c_str(), nullptr));
   return address.get();
 }
 
@@ -93,10 +83,10 @@ HostConnection::~HostConnection() {
 }
 
 void HostConnection::connect(const Session& session, Deadline deadline) {
-  const Object<SoupMessage> message(
+  const glib::Object<SoupMessage> message(
       soup_message_new(SOUP_METHOD_GET, engineAddress(session).c_str()));
   if (!message) throw ConnectionError("The session file names no usable address: " + session.url);
-  const Object<GCancellable> cancellable(g_cancellable_new());
+  const glib::Object<GCancellable> cancellable(g_cancellable_new());
   const char* protocols[] = {standin::kSubprotocol, nullptr};
   Attempt attempt;
   soup_session_websocket_connect_async(_session.get(), message.get(), nullptr,
@@ -120,7 +110,7 @@ void HostConnection::connect(const Session& session, Deadline deadline) {
 
 void HostConnection::adopt(SoupWebsocketConnection* socket) {
   _socket.reset(socket);
-  soup_websocket_connection_set_max_incoming_payload_size(socket, kLargestMessage);
+  soup_websocket_connection_set_max_incoming_payload_size(socket, kMaxMessage);
   const auto onMessage = +[](SoupWebsocketConnection*, gint type, GBytes* message, gpointer self) {
     if (type != SOUP_WEBSOCKET_DATA_BINARY) return;
     gsize size = 0;

@@ -5,7 +5,6 @@
 #include <chrono>
 #include <deque>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -13,6 +12,7 @@
 
 #include "Engine/StandardCodec.h"
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck {
 
@@ -40,19 +40,13 @@ class HostConnection {
   std::optional<codec::Bytes> receive(Deadline deadline);
 
  private:
-  struct Unref {
-    void operator()(gpointer object) const { g_object_unref(object); }
-  };
-  template <typename T>
-  using Object = std::unique_ptr<T, Unref>;
-
   void connect(const Session& session, Deadline deadline);
   void adopt(SoupWebsocketConnection* socket);
   static bool waitUntil(const std::function<bool()>& done, Deadline deadline);
   std::string farewell() const;
 
-  Object<SoupSession> _session;
-  Object<SoupWebsocketConnection> _socket;
+  glib::Object<SoupSession> _session;
+  glib::Object<SoupWebsocketConnection> _socket;
   std::deque<codec::Bytes> _received;
 };
 

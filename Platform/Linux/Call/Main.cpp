@@ -11,6 +11,7 @@
 #include "Platform/Linux/Call/CommandLine.h"
 #include "Platform/Linux/Call/HostConnection.h"
 #include "Platform/Linux/EngineProtocol/Protocol.h"
+#include "Platform/Linux/Support/Diagnostics.h"
 
 namespace tapdeck {
 namespace {
@@ -19,9 +20,10 @@ constexpr int kErrorReply = 1;
 constexpr int kNotImplemented = 2;
 constexpr int kNoAnswer = 3;
 constexpr int kWrongUsage = 64;
-constexpr std::chrono::seconds kPatience{30};
+constexpr std::chrono::seconds kTimeout{30};
 /// Any number above 0 will do: this connection makes one call.
 constexpr int64_t kCallId = 1;
+
 void printLine(const nlohmann::ordered_json& json) {
   std::printf("%s\n", lineOf(json).c_str());
   std::fflush(stdout);
@@ -41,13 +43,13 @@ Outcome awaitReply(HostConnection& host, HostConnection::Deadline deadline) {
     if (!outcome) throw ConnectionError("The host's reply cannot be read.");
     return *outcome;
   }
-  throw ConnectionError("No answer within " + std::to_string(kPatience.count()) +
+  throw ConnectionError("No answer within " + std::to_string(kTimeout.count()) +
                         " seconds. The host is busy or hangs; try again, or start it anew with "
                         "./tapdeck run.");
 }
 
 int call(const CommandLine& line) {
-  const auto deadline = std::chrono::steady_clock::now() + kPatience;
+  const auto deadline = std::chrono::steady_clock::now() + kTimeout;
   HostConnection host(currentSession(), deadline);
   host.send(standin::encodeCall(kCallId, line.channel, {line.method, line.arguments}));
   const Outcome outcome = awaitReply(host, deadline);
@@ -57,7 +59,7 @@ int call(const CommandLine& line) {
 }
 
 int listen() {
-  HostConnection host(currentSession(), std::chrono::steady_clock::now() + kPatience);
+  HostConnection host(currentSession(), std::chrono::steady_clock::now() + kTimeout);
   std::fputs("Listening; Ctrl-C ends it.\n", stderr);
   while (const auto message = host.receive(std::nullopt)) {
     const auto frame = standin::decodeFrame(*message);
@@ -76,7 +78,8 @@ int run(const std::vector<std::string>& words) {
   try {
     line = parseCommandLine(words);
   } catch (const std::invalid_argument& error) {
-    std::fprintf(stderr, "%s\n%s", error.what(), kUsage);
+    warn(error.what());
+    std::fputs(kUsage, stderr);
     return kWrongUsage;
   }
   if (line.help) {
@@ -86,7 +89,7 @@ int run(const std::vector<std::string>& words) {
   try {
     return line.listen ? listen() : call(line);
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "%s\n", error.what());
+    warn(error.what());
     return kNoAnswer;
   }
 }

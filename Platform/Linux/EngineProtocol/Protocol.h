@@ -16,8 +16,7 @@ namespace tapdeck::standin {
 /// payload]. A call from the page has an id above 0, which its reply bears too; a call from the
 /// host has id 0.
 inline constexpr const char* kSubprotocol = "tapdeck.engine.v1";
-/// The host's own channel, and the one on which this engine itself answers about devices.
-inline constexpr const char* kControlChannel = "com.tapdeck/control";
+/// The channel on which this engine itself answers about devices.
 inline constexpr const char* kDevicesChannel = "tapdeck.engine/devices";
 
 struct Request {

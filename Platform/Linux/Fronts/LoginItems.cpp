@@ -24,6 +24,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kGroup = G_KEY_FILE_DESKTOP_GROUP;
+/// Starts the program that its arguments name (POSIX).
+constexpr std::string_view kEnv = "env";
 /// With these keys the desktops' settings switch an entry off without removing it.
 constexpr std::array kDesktopSwitches = {"X-GNOME-Autostart-enabled", "X-MATE-Autostart-enabled"};
 
@@ -49,7 +51,8 @@ std::vector<std::string> runningOptions() {
   return words;
 }
 
-/// The word as the Exec key of a desktop entry has to quote it.
+/// The word as an argument in the Exec key of a desktop entry (Desktop Entry Specification, "The
+/// Exec key"): in double quotes, with "%%" for "%", which would begin a field code.
 std::string quoted(const std::string& word) {
   constexpr std::string_view special = "\"`$\\";
   std::string text = "\"";
@@ -59,6 +62,29 @@ std::string quoted(const std::string& word) {
     if (character == '%') text += '%';
   }
   return text + '"';
+}
+
+/// The Exec key for this program and these options. Desktops look for the program before they turn
+/// each "%%" back into "%", so one whose path holds a "%" is an argument of env. Absent when no
+/// entry can hold it.
+std::optional<std::string> execFor(const std::string& program,
+                                   const std::vector<std::string>& options) {
+  const bool needsEnv = program.find('%') != std::string::npos;
+  // env would take it for a variable
+  if (needsEnv && program.find('=') != std::string::npos) return std::nullopt;
+  std::string exec = (needsEnv ? std::string(kEnv) + ' ' : "") + quoted(program);
+  for (const auto& option : options) exec += ' ' + quoted(option);
+  return isUtf8(exec) ? std::optional(exec) : std::nullopt;
+}
+
+/// The program that the words of an Exec key start.
+std::string programIn(char** words) {
+  if (words[0] != kEnv || words[1] == nullptr) return words[0];
+  std::string program = words[1];
+  for (size_t at = 0; (at = program.find("%%", at)) != std::string::npos; ++at) {
+    program.erase(at, 1);
+  }
+  return program;
 }
 
 bool isSwitchedOff(const KeyFile& entry) {
@@ -76,7 +102,7 @@ bool startsThisProgram(GDesktopAppInfo* info) {
   char** words = nullptr;
   if (command == nullptr || !g_shell_parse_argv(command, nullptr, &words, nullptr)) return false;
   const glib::Texts owned(words);
-  const glib::Text program(g_find_program_in_path(*words));
+  const glib::Text program(g_find_program_in_path(programIn(words).c_str()));
   std::error_code missing;
   return program && fs::equivalent(program.get(), runningProgram(), missing);
 }
@@ -102,12 +128,8 @@ LoginItemStatus mainAppServiceStatus() {
 /// Replaces whatever entry there is, a switched-off one too.
 std::optional<std::string> registerMainAppService() {
   const std::string program = runningProgram();
-  std::string command = quoted(program);
-  for (const auto& option : runningOptions()) command += ' ' + quoted(option);
-  // desktops look for the program before they turn each "%%" back into "%"
-  if (program.find('%') != std::string::npos || !isUtf8(command)) {
-    return "No autostart entry can hold the command " + command + ".";
-  }
+  const auto exec = execFor(program, runningOptions());
+  if (!exec) return "No autostart entry can hold the path " + program + " or its options.";
 
   const KeyFile entry;
   const std::pair<const char*, std::string> contents[] = {
@@ -115,7 +137,7 @@ std::optional<std::string> registerMainAppService() {
       {G_KEY_FILE_DESKTOP_KEY_NAME, "Tapdeck"},
       {G_KEY_FILE_DESKTOP_KEY_COMMENT, "Lets a phone's browser control this desktop"},
       {G_KEY_FILE_DESKTOP_KEY_TRY_EXEC, program},
-      {G_KEY_FILE_DESKTOP_KEY_EXEC, command},
+      {G_KEY_FILE_DESKTOP_KEY_EXEC, *exec},
       {G_KEY_FILE_DESKTOP_KEY_TERMINAL, "false"},
   };
   for (const auto& [key, value] : contents) {

@@ -66,10 +66,10 @@ std::string utf8FromLatin1(std::string_view bytes) {
 class SelectionReader {
  public:
   SelectionReader(const std::string& display, const std::string& selection,
-                  const SelectionPatience& patience)
+                  const SelectionTimeouts& timeouts)
       : _connection(xcb_connect(display.c_str(), nullptr)),
-        _silence(patience.silence),
-        _end(Clock::now() + patience.total) {
+        _silence(timeouts.silence),
+        _end(Clock::now() + timeouts.total) {
     if (!isConnected()) return;
     _selection = atom(selection);
     _property = atom("TAPDECK_SELECTION");
@@ -232,8 +232,8 @@ class SelectionReader {
 }  // namespace
 
 std::optional<std::string> readSelection(const std::string& display, const std::string& selection,
-                                         const SelectionPatience& patience) {
-  return SelectionReader(display, selection, patience).read();
+                                         const SelectionTimeouts& timeouts) {
+  return SelectionReader(display, selection, timeouts).read();
 }
 
 }  // namespace tapdeck::platform

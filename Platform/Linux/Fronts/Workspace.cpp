@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "Platform/Linux/Permissions/Permissions.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::platform {
 
@@ -47,11 +48,10 @@ std::optional<std::string> schemeOf(const URL& url) {
   char* scheme = nullptr;
   g_uri_split(url.text.c_str(), G_URI_FLAGS_NONE, &scheme, nullptr, nullptr, nullptr, nullptr,
               nullptr, nullptr, nullptr);
+  const glib::Text owned(scheme);
   if (scheme == nullptr) return std::nullopt;
   // GLib gives it in lower case
-  std::string written = url.text.substr(0, std::strlen(scheme));
-  g_free(scheme);
-  return written;
+  return url.text.substr(0, std::strlen(scheme));
 }
 
 void openURL(const URL& url) {

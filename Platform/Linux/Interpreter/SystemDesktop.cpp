@@ -46,30 +46,12 @@ media::PowerAction powerAction(Command command) {
   return command == Command::shutDown ? media::PowerAction::shutDown : media::PowerAction::restart;
 }
 
-Constant constantOf(media::PlaybackStatus status) {
-  if (status == media::PlaybackStatus::playing) return Constant::playing;
-  return status == media::PlaybackStatus::paused ? Constant::paused : Constant::stopped;
-}
-
-Track trackOf(media::Track track) {
-  return {.title = std::move(track.title),
-          .artist = std::move(track.artist),
-          .album = std::move(track.album),
-          .id = std::move(track.id),
-          .url = std::move(track.url),
-          .artUrl = std::move(track.artUrl),
-          .length = track.length};
-}
-
 class SystemPlayer : public Player {
  public:
   explicit SystemPlayer(std::unique_ptr<media::Player> player) : _player(std::move(player)) {}
 
   PlayerState read() override {
-    auto state = translatingErrors([this] { return _player->read(); });
-    return {.status = constantOf(state.status),
-            .track = state.track ? std::optional(trackOf(*std::move(state.track))) : std::nullopt,
-            .position = state.position};
+    return translatingErrors([this] { return _player->read(); });
   }
 
   void perform(Command command) override {
@@ -114,12 +96,11 @@ Player* SystemDesktop::player(Application application) {
 }
 
 Volume SystemDesktop::volume() {
-  const media::Volume volume = media::soundOutputVolume();
-  return {volume.level, volume.muted};
+  return media::soundOutputVolume();
 }
 
 void SystemDesktop::setVolume(const Volume& volume) {
-  translatingErrors([&] { media::setSoundOutputVolume({volume.level, volume.muted}); });
+  translatingErrors([&] { media::setSoundOutputVolume(volume); });
 }
 
 void SystemDesktop::power(Command command) {

@@ -10,6 +10,7 @@
 
 #include "Platform/Linux/Media/Bus.h"
 #include "Platform/Linux/Media/MediaError.h"
+#include "Platform/Linux/Media/MediaState.h"
 
 namespace tapdeck::media {
 
@@ -17,30 +18,6 @@ namespace tapdeck::media {
 // Spotify and VLC are theirs, and any other is the desktop's own, "Music".
 
 enum class PlayerApplication { music, spotify, vlc };
-
-/// What a player has loaded. Texts as the player gives them, empty where it gives none.
-struct Track {
-  std::string title;
-  std::string artist;
-  std::string album;
-  /// The player's own name for it (mpris:trackid).
-  std::string id;
-  std::string url;
-  std::string artUrl;
-  /// In microseconds.
-  std::optional<int64_t> length;
-};
-
-enum class PlaybackStatus { playing, paused, stopped };
-
-/// A player at one moment.
-struct PlayerState {
-  PlaybackStatus status = PlaybackStatus::stopped;
-  /// None when it is stopped.
-  std::optional<Track> track;
-  /// In microseconds from the start of the track.
-  int64_t position = 0;
-};
 
 enum class PlayerCommand { next, previous, playPause };
 

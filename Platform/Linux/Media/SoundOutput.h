@@ -1,18 +1,11 @@
 #pragma once
 
-#include <optional>
+#include "Platform/Linux/Media/MediaState.h"
 
 namespace tapdeck::media {
 
 // The default output of the sound server (PulseAudio, or PipeWire in its place). Waits for the
 // server for a second at the most, and starts none.
-
-/// The sound output, as far as it is known.
-struct Volume {
-  /// 0 to 100.
-  std::optional<int> level;
-  std::optional<bool> muted;
-};
 
 /// Of several channels the loudest. Both parts are absent when there is no server or no output.
 Volume soundOutputVolume();

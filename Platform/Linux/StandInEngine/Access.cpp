@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 
@@ -41,7 +41,7 @@ bool equalInConstantTime(std::string_view a, std::string_view b) {
 }
 
 std::string authorityOf(GInetAddress* address, uint16_t port) {
-  const Text text(g_inet_address_to_string(address));
+  const glib::Text text(g_inet_address_to_string(address));
   std::string authority = text.get();
   if (g_inet_address_get_family(address) == G_SOCKET_FAMILY_IPV6) authority = "[" + authority + "]";
   return port == 80 ? authority : authority + ":" + std::to_string(port);

@@ -8,12 +8,14 @@
 #include <memory>
 
 #include "Platform/Linux/StandInEngine/Access.h"
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 namespace {
 
-struct InterfacesRelease {
+using glib::Object;
+
+struct FreeInterfaces {
   void operator()(ifaddrs* list) const { freeifaddrs(list); }
 };
 
@@ -34,7 +36,7 @@ Object<GInetAddress> addressOf(const ifaddrs& entry) {
 std::vector<Object<GInetAddress>> networkAddresses(GSocketFamily family) {
   ifaddrs* list = nullptr;
   if (getifaddrs(&list) != 0) return {};
-  const std::unique_ptr<ifaddrs, InterfacesRelease> owner(list);
+  const std::unique_ptr<ifaddrs, FreeInterfaces> owner(list);
   std::vector<Object<GInetAddress>> addresses;
   for (const ifaddrs* entry = list; entry != nullptr; entry = entry->ifa_next) {
     Object<GInetAddress> address = addressOf(*entry);
@@ -74,8 +76,9 @@ void putRoutedFirst(std::vector<Object<GInetAddress>>& addresses, GSocketFamily 
 }  // namespace
 
 bool isEncryptedAt(GInetAddress* local) {
-  const Object<GInetAddress> usual(g_inet_address_new_loopback(g_inet_address_get_family(local)));
-  return g_inet_address_equal(local, usual.get()) == FALSE;
+  const Object<GInetAddress> loopback(
+      g_inet_address_new_loopback(g_inet_address_get_family(local)));
+  return g_inet_address_equal(local, loopback.get()) == FALSE;
 }
 
 std::vector<std::string> originsFor(const std::string& address, uint16_t port, bool isEncrypted) {

@@ -8,8 +8,8 @@
 
 namespace tapdeck::standin {
 
-/// Whether what arrives at this address of ours is encrypted, where the network's connections are:
-/// what stays within the computer by its usual address is not.
+/// Whether connections that arrive at this local address are encrypted while encryption is on: all
+/// but those to 127.0.0.1 and ::1, which do not leave the computer.
 bool isEncryptedAt(GInetAddress* local);
 
 /// "http://HOST:PORT" (https where it is encrypted) for each address at which an engine that

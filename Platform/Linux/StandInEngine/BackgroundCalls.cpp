@@ -2,9 +2,11 @@
 
 #include <utility>
 
+#include "Engine/Channels.h"
+
 namespace tapdeck::standin {
 
-bool BackgroundCalls::isOne(const Request& request) {
+bool BackgroundCalls::includes(const Request& request) {
   return request.channel == kControlChannel &&
          (request.call.method == "getNowPlaying" || request.call.method == "mediaSeek");
 }

@@ -6,20 +6,21 @@
 #include <optional>
 
 #include "Platform/Linux/EngineProtocol/Protocol.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 
 namespace tapdeck::standin {
 
-/// The calls that the host answers later, from work in the background that cannot be called off. Of
-/// each connection only so many are under way at once; the next wait here, where they go with their
-/// connection. Main thread only.
+/// The calls that the host answers later, from background work that cannot be cancelled. Each
+/// connection has at most kMaxRunning of them running and kMaxWaiting queued here; the queue goes
+/// with its connection. Main thread only.
 class BackgroundCalls {
  public:
-  using ConnectionNumber = uint64_t;
   static constexpr size_t kMaxRunning = 2;
   static constexpr size_t kMaxWaiting = 32;
   enum class Admission { starts, waits, refused };
 
-  static bool isOne(const Request& request);
+  /// Whether the call is one of them.
+  static bool includes(const Request& request);
 
   /// Whether the call may start now. One that waits is kept, and given back by finished().
   Admission admit(ConnectionNumber connection, const Request& request);

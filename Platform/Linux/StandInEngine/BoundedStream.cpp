@@ -12,6 +12,8 @@
 namespace tapdeck::standin {
 namespace {
 
+using glib::Object;
+
 /// How much is read in one turn of the main loop.
 constexpr size_t kMaxReadPerTurn = size_t{64} << 10;
 constexpr std::chrono::milliseconds kMaxTurn{5};
@@ -94,7 +96,7 @@ class Flow {
   }
   void readOnlyWhile(std::function<bool()> mayRead) { _mayRead = std::move(mayRead); }
   void messageEnded() { _unfinished = 0; }
-  void receivedBeside(size_t size) { _unfinished -= std::min(_unfinished, size); }
+  void discountControlFrame(size_t size) { _unfinished -= std::min(_unfinished, size); }
 
   gssize write(const uint8_t* data, gsize size, GError** error) {
     size_t taken = 0;
@@ -154,7 +156,7 @@ class Flow {
     GError* problem = nullptr;
     const auto [data, size] = _unsent.first();
     const gssize count = writeToBase(data, size, &problem);
-    const ErrorHandle error(problem);
+    const glib::Error error(problem);
     // A failing socket says so to the reading side too, which ends the connection.
     if (count < 0) _unsent.clear();
     if (count > 0) _unsent.take(static_cast<size_t>(count));
@@ -170,7 +172,7 @@ class Flow {
   size_t _readInTurn = 0;
   std::chrono::steady_clock::time_point _turnStart;
   Unsent _unsent;
-  Source _flushing;
+  glib::Source _flushing;
 };
 
 using FlowHandle = std::shared_ptr<Flow>;
@@ -328,8 +330,8 @@ void messageEnded(GIOStream* boundedStream) {
   flowOf<BoundedStream>(boundedStream).messageEnded();
 }
 
-void receivedBeside(GIOStream* boundedStream, size_t size) {
-  flowOf<BoundedStream>(boundedStream).receivedBeside(size);
+void discountControlFrame(GIOStream* boundedStream, size_t size) {
+  flowOf<BoundedStream>(boundedStream).discountControlFrame(size);
 }
 
 void readOnlyWhile(GIOStream* boundedStream, std::function<bool()> mayRead) {

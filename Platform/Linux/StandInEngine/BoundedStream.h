@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 
@@ -21,12 +21,15 @@ struct StreamBounds {
 /// loop has a bounded share. Writing never blocks: what the base does not take at once waits here
 /// and is written from the default main context. Closing is immediate and discards what waits.
 /// Both directions are pollable, as those of `base` must be. Main thread only.
-Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds);
+glib::Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds);
 
-/// Tells a stream made by newBoundedStream() that a complete message has arrived, or another thing
-/// of `size` bytes that is no part of an unfinished message.
+/// Tells a stream made by newBoundedStream() that a complete message has been read: none of what
+/// was received so far counts as unfinished any more.
 void messageEnded(GIOStream* boundedStream);
-void receivedBeside(GIOStream* boundedStream, size_t size);
+
+/// Tells it that `size` bytes of what was received were a control frame (RFC 6455, 5.5), which may
+/// come between the fragments of a message and does not count as unfinished.
+void discountControlFrame(GIOStream* boundedStream, size_t size);
 
 /// From now on the stream is read from only while `mayRead`; else it looks as if nothing had come.
 void readOnlyWhile(GIOStream* boundedStream, std::function<bool()> mayRead);

@@ -15,6 +15,8 @@
 namespace tapdeck::standin {
 namespace {
 
+using glib::Object;
+
 constexpr int64_t kValidSeconds = int64_t{10} * 365 * 24 * 3600;
 constexpr std::string_view kName = "Tapdeck";
 constexpr unsigned kVersion = 3;
@@ -82,7 +84,7 @@ void keep(const std::string& path, const std::string& pem) {
   GError* problem = nullptr;
   g_file_set_contents_full(path.c_str(), pem.data(), static_cast<gssize>(pem.size()),
                            G_FILE_SET_CONTENTS_CONSISTENT, 0600, &problem);
-  const ErrorHandle error(problem);
+  const glib::Error error(problem);
   if (error) throw std::runtime_error(error->message);
 }
 
@@ -95,7 +97,7 @@ Object<GTlsCertificate> ownCertificate(const std::string& path) {
   if (!std::filesystem::exists(file, unreadable)) keep(file, newPem());
   GError* problem = nullptr;
   Object<GTlsCertificate> certificate(g_tls_certificate_new_from_file(file.c_str(), &problem));
-  const ErrorHandle error(problem);
+  const glib::Error error(problem);
   if (!certificate) {
     throw std::runtime_error("The certificate in " + file + " cannot be used (" + error->message +
                              "). Remove the file to have a new one made.");
@@ -106,9 +108,10 @@ Object<GTlsCertificate> ownCertificate(const std::string& path) {
 std::string fingerprintOf(GTlsCertificate* certificate) {
   GByteArray* encoded = nullptr;
   g_object_get(certificate, "certificate", &encoded, nullptr);
+  const glib::ByteArray owned(encoded);
   if (encoded == nullptr) return "";
-  const Text digits(g_compute_checksum_for_data(G_CHECKSUM_SHA256, encoded->data, encoded->len));
-  g_byte_array_unref(encoded);
+  const glib::Text digits(
+      g_compute_checksum_for_data(G_CHECKSUM_SHA256, encoded->data, encoded->len));
   std::string fingerprint;
   for (const char* digit = digits.get(); *digit != '\0'; ++digit) {
     const size_t place = static_cast<size_t>(digit - digits.get());

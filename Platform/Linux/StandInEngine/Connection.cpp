@@ -13,6 +13,8 @@
 namespace tapdeck::standin {
 namespace {
 
+using glib::Object;
+
 /// Room for the frame headers of a message in fragments.
 constexpr StreamBounds kBounds = {kMaxMessage + (size_t{64} << 10), kMaxUnsent};
 constexpr int kSilentTicksAllowed = 5;
@@ -46,24 +48,24 @@ void releaseOnceClosed(Object<SoupWebsocketConnection> socket) {
 
 }  // namespace
 
-std::shared_ptr<Connection> Connection::open(Line line, EnginePeer peer,
+std::shared_ptr<Connection> Connection::open(Upgraded upgraded, EnginePeer peer,
                                              std::chrono::milliseconds silenceLimit,
                                              Events events) {
   std::shared_ptr<Connection> connection(
-      new Connection(std::move(line), std::move(peer), silenceLimit, std::move(events)));
+      new Connection(std::move(upgraded), std::move(peer), silenceLimit, std::move(events)));
   connection->watchSilence();
   return connection;
 }
 
-Connection::Connection(Line line, EnginePeer peer, std::chrono::milliseconds silenceLimit,
+Connection::Connection(Upgraded upgraded, EnginePeer peer, std::chrono::milliseconds silenceLimit,
                        Events events)
     : _number(nextNumber()),
       _peer(std::move(peer)),
       _silenceLimit(silenceLimit),
       _events(std::move(events)),
-      _tcp(std::move(line.socket)),
-      _stream(newBoundedStream(line.stream.get(), kBounds)),
-      _socket(soup_websocket_connection_new(_stream.get(), line.uri,
+      _tcp(std::move(upgraded.socket)),
+      _stream(newBoundedStream(upgraded.stream.get(), kBounds)),
+      _socket(soup_websocket_connection_new(_stream.get(), upgraded.uri,
                                             SOUP_WEBSOCKET_CONNECTION_SERVER, nullptr, kSubprotocol,
                                             nullptr)) {
   soup_websocket_connection_set_max_incoming_payload_size(_socket.get(), kMaxMessage);
@@ -90,7 +92,7 @@ void Connection::connectSignals() {
   const auto pong = +[](SoupWebsocketConnection*, GByteArray* payload, gpointer self) noexcept {
     auto* connection = static_cast<Connection*>(self);
     connection->_silentTicks = 0;
-    receivedBeside(connection->_stream.get(), kControlFrameHeader + payload->len);
+    discountControlFrame(connection->_stream.get(), kControlFrameHeader + payload->len);
   };
   const auto error = +[](SoupWebsocketConnection*, GError* problem, gpointer self) noexcept {
     const auto connection = static_cast<Connection*>(self)->shared_from_this();
@@ -202,7 +204,7 @@ void Connection::end() {
   if (_events.ended) _events.ended(*this);
 }
 
-void noticeDeadPeer(GSocket* socket) {
+void enableTcpKeepalive(GSocket* socket) {
   const auto set = [socket](int level, int option, int value) {
     g_socket_set_option(socket, level, option, value, nullptr);
   };

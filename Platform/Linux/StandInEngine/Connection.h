@@ -10,7 +10,7 @@
 #include "Engine/StandardCodec.h"
 #include "Platform/Linux/EngineProtocol/Protocol.h"
 #include "Platform/Linux/StandInEngine/EngineTypes.h"
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 
@@ -31,23 +31,23 @@ class Connection : public std::enable_shared_from_this<Connection> {
   };
 
   /// An upgraded HTTP connection.
-  struct Line {
-    Object<GIOStream> stream;
-    Object<GSocket> socket;
+  struct Upgraded {
+    glib::Object<GIOStream> stream;
+    glib::Object<GSocket> socket;
     GUri* uri;
   };
 
   /// Takes the connection over. `silenceLimit`: see EngineOptions.
-  static std::shared_ptr<Connection> open(Line line, EnginePeer peer,
+  static std::shared_ptr<Connection> open(Upgraded upgraded, EnginePeer peer,
                                           std::chrono::milliseconds silenceLimit, Events events);
   ~Connection();
 
   /// Unlike every other connection's in the process.
-  uint64_t number() const { return _number; }
+  ConnectionNumber number() const { return _number; }
   const EnginePeer& peer() const { return _peer; }
   /// At which it arrived; null once that is gone.
-  Object<GSocketAddress> localAddress() const {
-    return Object<GSocketAddress>(g_socket_get_local_address(_tcp.get(), nullptr));
+  glib::Object<GSocketAddress> localAddress() const {
+    return glib::Object<GSocketAddress>(g_socket_get_local_address(_tcp.get(), nullptr));
   }
   /// Sends what it can without waiting; nothing when the connection has ended. Ends the connection
   /// when the peer leaves too much unread.
@@ -61,7 +61,8 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void close(uint16_t code, const char* reason);
 
  private:
-  Connection(Line line, EnginePeer peer, std::chrono::milliseconds silenceLimit, Events events);
+  Connection(Upgraded upgraded, EnginePeer peer, std::chrono::milliseconds silenceLimit,
+             Events events);
   void connectSignals();
   void watchSilence();
   void takeMessage(SoupWebsocketDataType type, GBytes* message);
@@ -69,20 +70,20 @@ class Connection : public std::enable_shared_from_this<Connection> {
   void countSilence();
   void end();
 
-  uint64_t _number;
+  ConnectionNumber _number;
   EnginePeer _peer;
   std::chrono::milliseconds _silenceLimit;
   Events _events;
-  Object<GSocket> _tcp;
-  Object<GIOStream> _stream;
-  Object<SoupWebsocketConnection> _socket;
-  Source _silenceWatch;
+  glib::Object<GSocket> _tcp;
+  glib::Object<GIOStream> _stream;
+  glib::Object<SoupWebsocketConnection> _socket;
+  glib::Source _silenceWatch;
   int _silentTicks = 0;
   bool _isHolding = false;
   bool _ended = false;
 };
 
 /// Makes the kernel end the connection of a peer that is no longer reachable, after about 20 s.
-void noticeDeadPeer(GSocket* socket);
+void enableTcpKeepalive(GSocket* socket);
 
 }  // namespace tapdeck::standin

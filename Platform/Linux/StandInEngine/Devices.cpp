@@ -3,15 +3,14 @@
 #include <glib.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <ctime>
 #include <filesystem>
-#include <memory>
 #include <stdexcept>
 #include <utility>
 
 #include "Platform/Linux/StandInEngine/Access.h"
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/Diagnostics.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 #include "Platform/Linux/Support/KeyFile.h"
 
 namespace tapdeck::standin {
@@ -37,14 +36,14 @@ std::string groupOf(std::string_view id) {
 
 /// The secret is random and as long as the hash: nothing slower is needed.
 std::string hashOf(const std::string& salt, std::string_view secret) {
-  const Text hash(g_compute_hmac_for_data(
+  const glib::Text hash(g_compute_hmac_for_data(
       G_CHECKSUM_SHA256, reinterpret_cast<const guchar*>(salt.data()), salt.size(),
       reinterpret_cast<const guchar*>(secret.data()), secret.size()));
   return hash.get();
 }
 
 std::string stringIn(const KeyFile& file, const std::string& group, const char* key) {
-  const Text text(g_key_file_get_string(file.get(), group.c_str(), key, nullptr));
+  const glib::Text text(g_key_file_get_string(file.get(), group.c_str(), key, nullptr));
   return text ? text.get() : "";
 }
 
@@ -59,8 +58,7 @@ void load(const KeyFile& file, const std::string& path) {
   std::error_code unreadable;
   if (!std::filesystem::exists(path, unreadable)) return;
   if (const auto failure = file.load(path)) {
-    std::fprintf(stderr, "tapdeck: no device is known, for %s cannot be read: %s\n", path.c_str(),
-                 failure->c_str());
+    warn("no device is known, for " + path + " cannot be read: " + *failure);
   }
 }
 
@@ -79,10 +77,7 @@ Devices::Devices(std::string path) : _path(path.empty() ? defaultPath() : std::m
 std::vector<Device> Devices::list() const {
   const KeyFile file;
   load(file, _path);
-  struct StringsRelease {
-    void operator()(char** strings) const { g_strfreev(strings); }
-  };
-  const std::unique_ptr<char*, StringsRelease> groups(g_key_file_get_groups(file.get(), nullptr));
+  const glib::Texts groups(g_key_file_get_groups(file.get(), nullptr));
   std::vector<Device> devices;
   for (char** group = groups.get(); *group != nullptr; ++group) {
     const std::string_view name = *group;
@@ -127,7 +122,7 @@ void Devices::noteSeen(const std::string& id) {
   if (!g_key_file_has_group(file.get(), group.c_str())) return;
   g_key_file_set_int64(file.get(), group.c_str(), kSeen, now());
   if (const auto failure = file.save(_path)) {
-    std::fprintf(stderr, "tapdeck: when a device was seen is not kept: %s\n", failure->c_str());
+    warn("when a device was seen is not kept: " + *failure);
   }
 }
 

@@ -15,31 +15,37 @@ class StandInEngineError : public std::runtime_error {
 
 namespace standin {
 
+/// Tells a connection from every other one of the process.
+using ConnectionNumber = uint64_t;
+
 /// How the engine is to listen.
 struct EngineOptions {
   /// The IP address to listen on.
   std::string address = "127.0.0.1";
   /// 0 takes any free port.
   uint16_t port = 8420;
-  /// A connection from which nothing comes for so long, no answer to a ping either, is ended.
+  /// A connection that is silent for this long, and answers no ping, is closed.
   std::chrono::milliseconds silenceLimit = std::chrono::seconds(25);
-  /// So long an accepted connection has to become a WebSocket or to get its answer.
+  /// How long an accepted connection may take to become a WebSocket or to get its answer.
   std::chrono::milliseconds pendingLimit = std::chrono::seconds(10);
   /// Where the paired devices are kept; empty for the user's data folder.
   std::string devicesFile = "";
-  /// Whether connections over the network are encrypted, and with which certificate; as above.
+  /// Whether connections over the network are encrypted.
   bool isEncrypted = false;
+  /// Where the certificate for that is kept; empty for the user's data folder.
   std::string certificateFile = "";
 };
+
 /// One open connection, for people to read.
 struct EnginePeer {
   std::string address;
   std::string userAgent;
   /// For disconnect().
-  uint64_t connection;
+  ConnectionNumber connection;
   /// Then it is one of devices().
   bool isPaired;
 };
+
 /// A paired device, for people to read.
 struct EngineDevice {
   std::string id;

@@ -52,10 +52,10 @@ Holds::Change Holds::changeOf(const MethodCall& call) {
   return {};
 }
 
-bool Holds::note(Connection connection, const MethodCall& call) {
+bool Holds::note(ConnectionNumber connection, const MethodCall& call) {
   const Change change = changeOf(call);
   if (!change.name) return true;
-  if (change.name->size() > kLongestName) return false;
+  if (change.name->size() > kMaxNameBytes) return false;
   if (!change.presses) {
     letGo(connection, change);
     return true;
@@ -67,12 +67,12 @@ bool Holds::note(Connection connection, const MethodCall& call) {
     if (!isCounted && hold.kind == change.kind && hold.name == *change.name) return true;
     ++count;
   }
-  if (count >= kMostPerConnection) return false;
+  if (count >= kMaxPerConnection) return false;
   _holds.push_back({connection, change.kind, *change.name});
   return true;
 }
 
-void Holds::letGo(Connection connection, const Change& change) {
+void Holds::letGo(ConnectionNumber connection, const Change& change) {
   if (change.kind != Kind::cursor) {
     // The host knows one state per button and key: up is up, whoever pressed it.
     std::erase_if(_holds, [&](const Hold& hold) {
@@ -89,12 +89,12 @@ void Holds::letGo(Connection connection, const Change& change) {
   if (hide != _holds.end()) _holds.erase(hide);
 }
 
-bool Holds::holdsAny(Connection connection) const {
+bool Holds::holdsAny(ConnectionNumber connection) const {
   return std::any_of(_holds.begin(), _holds.end(),
                      [connection](const Hold& hold) { return hold.connection == connection; });
 }
 
-std::vector<MethodCall> Holds::end(Connection connection) {
+std::vector<MethodCall> Holds::end(ConnectionNumber connection) {
   std::vector<Hold> left;
   std::erase_if(_holds, [&](const Hold& hold) {
     if (hold.connection != connection) return false;

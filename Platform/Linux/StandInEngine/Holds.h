@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Engine/MethodCall.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 
 namespace tapdeck::standin {
 
@@ -14,33 +15,32 @@ namespace tapdeck::standin {
 /// safe on several threads.
 class Holds {
  public:
-  using Connection = uint64_t;
-  static constexpr size_t kMostPerConnection = 256;
-  static constexpr size_t kLongestName = 256;
+  static constexpr size_t kMaxPerConnection = 256;
+  static constexpr size_t kMaxNameBytes = 256;
 
   /// Takes note of a call by the connection. False, with nothing noted, when the connection would
   /// hold more than any keyboard has or names something that can be no key or button.
-  bool note(Connection connection, const MethodCall& call);
+  bool note(ConnectionNumber connection, const MethodCall& call);
 
   /// Whether the connection holds anything.
-  bool holdsAny(Connection connection) const;
+  bool holdsAny(ConnectionNumber connection) const;
 
   /// The connection is gone: the calls that let go of what it still holds and no other connection
   /// does, and show the cursor as often as it has hidden it. Buttons come first, then keys, in each
   /// case the last pressed first.
-  std::vector<MethodCall> end(Connection connection);
+  std::vector<MethodCall> end(ConnectionNumber connection);
 
  private:
   enum class Kind { button, key, cursor, laser };
   struct Hold {
-    Connection connection;
+    ConnectionNumber connection;
     Kind kind;
     std::string name;
   };
   struct Change;
   static Change changeOf(const MethodCall& call);
   static MethodCall releaseOf(const Hold& hold);
-  void letGo(Connection connection, const Change& change);
+  void letGo(ConnectionNumber connection, const Change& change);
   bool isHeld(Kind kind, const std::string& name) const;
 
   /// In the order of pressing.

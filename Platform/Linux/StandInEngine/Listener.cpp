@@ -2,11 +2,15 @@
 
 #include <netinet/in.h>
 
-#include <cstdio>
+#include <string>
 #include <utility>
+
+#include "Platform/Linux/Support/Diagnostics.h"
 
 namespace tapdeck::standin {
 namespace {
+
+using glib::Object;
 
 constexpr int kBacklog = 128;
 /// So many are taken in before the main loop turns to others.
@@ -67,18 +71,17 @@ void Listener::acceptSome() {
   for (int i = 0; i < kAcceptedPerTurn; ++i) {
     GError* problem = nullptr;
     const Object<GSocket> socket(g_socket_accept(_socket.get(), nullptr, &problem));
-    const ErrorHandle error(problem);
+    const glib::Error error(problem);
     if (!socket) {
       if (g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK)) return;
       if (!std::exchange(_hasFailed, true)) {
-        std::fprintf(stderr, "tapdeck: no connection can be taken in at the moment: %s\n",
-                     error->message);
+        warn(std::string("no connection can be taken in at the moment: ") + error->message);
       }
       watchAgainLater();
       return;
     }
     if (std::exchange(_hasFailed, false)) {
-      std::fputs("tapdeck: connections are taken in again.\n", stderr);
+      warn("connections are taken in again.");
     }
     (*accepted)(
         Object<GSocketConnection>(g_socket_connection_factory_create_connection(socket.get())));

@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 
@@ -13,7 +13,7 @@ namespace tapdeck::standin {
 /// on standard error and goes on a second later. Main thread only, on the default main context.
 class Listener {
  public:
-  using Accepted = std::function<void(Object<GSocketConnection>)>;
+  using Accepted = std::function<void(glib::Object<GSocketConnection>)>;
 
   /// Null, with the error set, when nothing can listen there. `accepted` may end the listener.
   static std::unique_ptr<Listener> open(GSocketAddress* address, Accepted accepted, GError** error);
@@ -23,14 +23,14 @@ class Listener {
   uint16_t port() const;
 
  private:
-  Listener(Object<GSocket> socket, Accepted accepted);
+  Listener(glib::Object<GSocket> socket, Accepted accepted);
   void watch();
   void watchAgainLater();
   void acceptSome();
 
-  Object<GSocket> _socket;
+  glib::Object<GSocket> _socket;
   std::shared_ptr<const Accepted> _accepted;
-  Source _source;
+  glib::Source _source;
   bool _hasFailed = false;
 };
 

@@ -49,23 +49,19 @@ bool names(const char* header, std::string_view tag) {
                                std::string_view(header).find(tag) != std::string::npos);
 }
 
-struct StringsRelease {
-  void operator()(char** strings) const { g_strfreev(strings); }
-};
-
 }  // namespace
 
 Page::Form Page::load(const std::string& path) {
-  BytesHandle content(g_resource_lookup_data(tapdeck_console_get_resource(), (kRoot + path).c_str(),
+  glib::Bytes content(g_resource_lookup_data(tapdeck_console_get_resource(), (kRoot + path).c_str(),
                                              G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr));
   if (!content) return {};
-  const Text digest(g_compute_checksum_for_bytes(G_CHECKSUM_SHA256, content.get()));
+  const glib::Text digest(g_compute_checksum_for_bytes(G_CHECKSUM_SHA256, content.get()));
   return {std::move(content), '"' + std::string(digest.get(), kTagDigits) + '"'};
 }
 
 Page::Page() {
-  const std::unique_ptr<char*, StringsRelease> names(g_resource_enumerate_children(
-      tapdeck_console_get_resource(), kRoot, G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr));
+  const glib::Texts names(g_resource_enumerate_children(tapdeck_console_get_resource(), kRoot,
+                                                        G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr));
   if (!names) return;
   for (char** name = names.get(); *name != nullptr; ++name) {
     const std::string path = std::string("/") + *name;

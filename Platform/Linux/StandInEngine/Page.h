@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 
@@ -22,7 +22,7 @@ class Page {
  private:
   /// A file's bytes in one content coding, and their entity tag (RFC 9110, 8.8.3).
   struct Form {
-    BytesHandle content;
+    glib::Bytes content;
     std::string tag;
   };
   struct File {

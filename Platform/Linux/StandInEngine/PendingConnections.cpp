@@ -4,6 +4,8 @@
 
 namespace tapdeck::standin {
 
+using glib::Object;
+
 PendingConnections::~PendingConnections() {
   for (Entry& entry : _entries) g_object_weak_unref(G_OBJECT(entry.connection), gone, &entry);
 }
@@ -17,7 +19,7 @@ void PendingConnections::add(GSocketConnection* connection, GSocketAddress* remo
   Entry& entry = _entries.emplace_back(
       Entry{this, connection, Object<GSocket>(G_SOCKET(g_object_ref(socket))),
             Object<GSocketAddress>(G_SOCKET_ADDRESS(g_object_ref(remote))),
-            Source(g_timeout_source_new(static_cast<guint>(_limit.count()))), false});
+            glib::Source(g_timeout_source_new(static_cast<guint>(_limit.count()))), false});
   g_object_weak_ref(G_OBJECT(connection), gone, &entry);
   const GSourceFunc late = [](gpointer data) noexcept -> gboolean {
     end(*static_cast<Entry*>(data));

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 
@@ -26,16 +26,16 @@ class PendingConnections {
   void add(GSocketConnection* connection, GSocketAddress* remote);
   /// The connection from there has become a WebSocket: its socket, which is bounded no longer; null
   /// when it is not on the list.
-  Object<GSocket> take(GSocketAddress* remote);
+  glib::Object<GSocket> take(GSocketAddress* remote);
 
  private:
   struct Entry {
     PendingConnections* list;
     /// Watched, not owned.
     GSocketConnection* connection;
-    Object<GSocket> socket;
-    Object<GSocketAddress> remote;
-    Source deadline;
+    glib::Object<GSocket> socket;
+    glib::Object<GSocketAddress> remote;
+    glib::Source deadline;
     /// Its end is under way.
     bool hasEnded;
   };

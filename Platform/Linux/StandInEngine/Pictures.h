@@ -7,6 +7,7 @@
 
 #include "Engine/MethodCall.h"
 #include "Engine/Reply.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 
 namespace tapdeck::standin {
 
@@ -16,8 +17,6 @@ namespace tapdeck::standin {
 /// thread only.
 class Pictures {
  public:
-  using ConnectionNumber = uint64_t;
-
   static bool isCapture(const MethodCall& call) { return call.method == "captureScreen"; }
   /// The same call with "force".
   static MethodCall forced(const MethodCall& call);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Engine/Channels.h"
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/Linux/StandInEngine/Access.h"
 #include "Platform/Linux/StandInEngine/Addresses.h"
@@ -13,6 +14,8 @@
 namespace tapdeck::standin {
 
 namespace {
+
+using glib::Object;
 
 constexpr size_t kMaxConnections = 8;
 /// Typing takes the main thread for 5 ms a character.
@@ -28,8 +31,8 @@ const char* header(SoupServerMessage* message, const char* name) {
   return soup_message_headers_get_list(soup_server_message_get_request_headers(message), name);
 }
 
-/// The address by which what stays within the computer arrives.
-bool isUsual(GSocketAddress* local) {
+/// Whether it is 127.0.0.1 or ::1, where connections from this computer arrive.
+bool isLocalhost(GSocketAddress* local) {
   return !standin::isEncryptedAt(g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(local)));
 }
 
@@ -116,7 +119,7 @@ Server::Server(EngineOptions options)
       // libsoup still resolves dots and decodes letters; what is left is looked up as it stands
       _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))),
       _pending(_options.pendingLimit),
-      _turns([this](uint64_t connection, const Request& request) {
+      _scheduler([this](ConnectionNumber connection, const Request& request) {
         const auto keep = shared_from_this();
         carryOut(connection, request);
       }),
@@ -141,12 +144,23 @@ void Server::start() {
         if (const auto self = static_cast<Weak*>(data)->lock()) self->serve(message, query);
       },
       owner(), disown);
+  watchNetwork();
   try {
     writeSessionFile();
   } catch (const std::runtime_error& error) {
     stop();
     throw StandInEngineError(error.what());
   }
+}
+
+/// The addresses at which the page is reached come and go with the network's interfaces.
+void Server::watchNetwork() {
+  const auto changed = +[](GNetworkMonitor*, gboolean, gpointer self) noexcept {
+    const auto server = static_cast<Server*>(self)->shared_from_this();
+    server->notifyObserver();
+  };
+  _networkSignal = g_signal_connect(g_network_monitor_get_default(), "network-changed",
+                                    G_CALLBACK(changed), this);
 }
 
 void Server::writeSessionFile() const {
@@ -175,7 +189,7 @@ void Server::listenOn(const std::string& address) {
       connection->close(kNetworkOff, "the network was switched off");
     }
   }
-  peersChanged();
+  notifyObserver();
 }
 
 void Server::useCertificate() {
@@ -196,11 +210,11 @@ void Server::setEncrypted(bool isEncrypted) {
   const auto connections = _connections;
   for (const auto& connection : connections) {
     const auto local = connection->localAddress();
-    if (local && !isUsual(local.get())) {
+    if (local && !isLocalhost(local.get())) {
       connection->close(kNetworkOff, "encryption was switched");
     }
   }
-  peersChanged();
+  notifyObserver();
 }
 
 std::string Server::fingerprint() const {
@@ -208,7 +222,7 @@ std::string Server::fingerprint() const {
 }
 
 bool Server::isEncryptedAt(GSocketAddress* local) const {
-  return isEncrypted() && !isUsual(local);
+  return isEncrypted() && !isLocalhost(local);
 }
 
 bool Server::isServedAt(GSocketAddress* local) const {
@@ -233,13 +247,13 @@ void Server::listen() {
         if (const auto self = weak.lock()) self->takeIn(std::move(accepted));
       },
       &problem);
-  const ErrorHandle error(problem);
+  const glib::Error error(problem);
   if (error) throw StandInEngineError(whyNotListening(_options, *error));
   _port = _listener->port();
 }
 
 void Server::takeIn(Object<GSocketConnection> accepted) {
-  noticeDeadPeer(g_socket_connection_get_socket(accepted.get()));
+  enableTcpKeepalive(g_socket_connection_get_socket(accepted.get()));
   const Object<GSocketAddress> local(
       g_socket_connection_get_local_address(accepted.get(), nullptr));
   const Object<GSocketAddress> remote(
@@ -260,6 +274,7 @@ void Server::stop() {
   // A later engine's file stays.
   const auto session = readSession();
   if (session && session->token == _token) removeSession(getpid());
+  g_signal_handler_disconnect(g_network_monitor_get_default(), _networkSignal);
   _listener.reset();
   soup_server_disconnect(_http.get());
   _http.reset();
@@ -328,7 +343,7 @@ void Server::serveAccess(SoupServerMessage* message, GHashTable* query) {
       say(SOUP_STATUS_FORBIDDEN, "forgotten");
       break;
   }
-  slowDown(message);
+  delayRefusal(message);
 }
 
 void Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
@@ -336,7 +351,7 @@ void Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
   if (access.kind != Access::Kind::granted) {
     refuse(message, SOUP_STATUS_FORBIDDEN,
            access.kind == Access::Kind::forgotten ? "Unknown device" : "Wrong token");
-    slowDown(message);
+    delayRefusal(message);
     return;
   }
   const bool isEncrypted = isEncryptedAt(soup_server_message_get_local_address(message));
@@ -354,8 +369,7 @@ void Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
     return;
   }
   soup_message_headers_remove(soup_server_message_get_response_headers(message), "Connection");
-  char subprotocol[] = "tapdeck.engine.v1";
-  char* subprotocols[] = {subprotocol, nullptr};
+  char* subprotocols[] = {const_cast<char*>(kSubprotocol), nullptr};
   if (!soup_websocket_server_process_handshake(message, nullptr, subprotocols, nullptr, nullptr)) {
     return;
   }
@@ -374,10 +388,10 @@ void Server::serveUpgrade(SoupServerMessage* message, GHashTable* query) {
       GConnectFlags(0));
 }
 
-void Server::slowDown(SoupServerMessage* message) {
+void Server::delayRefusal(SoupServerMessage* message) {
   const std::string address = peerOf(message).address;
-  const auto delay = _wrongSecrets.note(address, WrongSecrets::Clock::now());
-  peersChanged();
+  const auto delay = _failedLogins.note(address, FailedLogins::Clock::now());
+  notifyObserver();
   if (!delay) {
     soup_message_headers_replace(soup_server_message_get_response_headers(message), "Retry-After",
                                  "2");
@@ -397,7 +411,7 @@ void Server::slowDown(SoupServerMessage* message) {
   const GSourceFunc answer = [](gpointer data) noexcept -> gboolean {
     const auto* waiting = static_cast<Waiting*>(data);
     soup_server_message_unpause(waiting->message.get());
-    if (const auto self = waiting->server.lock()) self->_wrongSecrets.answered(waiting->address);
+    if (const auto self = waiting->server.lock()) self->_failedLogins.answered(waiting->address);
     return G_SOURCE_REMOVE;
   };
   g_timeout_add_full(
@@ -411,39 +425,40 @@ void Server::completeUpgrade(SoupServerMessage* message,
                              const std::optional<standin::Device>& device) {
   const Object<SoupServerMessage> keep(SOUP_SERVER_MESSAGE(g_object_ref(message)));
   EnginePeer peer = peerOf(message);
-  Connection::Line line{Object<GIOStream>(soup_server_message_steal_connection(message)),
-                        _pending.take(soup_server_message_get_remote_address(message)),
-                        soup_server_message_get_uri(message)};
-  if (!line.stream || !line.socket || !_http || _connections.size() >= kMaxConnections) return;
+  Connection::Upgraded upgraded{Object<GIOStream>(soup_server_message_steal_connection(message)),
+                                _pending.take(soup_server_message_get_remote_address(message)),
+                                soup_server_message_get_uri(message)};
+  if (!upgraded.stream || !upgraded.socket || !_http || _connections.size() >= kMaxConnections)
+    return;
   Connection::Events events;
   events.request = [weak = weak_from_this()](Connection& connection, Request request, size_t size) {
     const auto self = weak.lock();
-    if (self) self->_turns.add(connection.number(), std::move(request), size);
+    if (self) self->_scheduler.add(connection.number(), std::move(request), size);
   };
   events.mayRead = [weak = weak_from_this()](const Connection& connection) {
     const auto self = weak.lock();
-    return !self || !self->_turns.isFull(connection.number());
+    return !self || !self->_scheduler.isFull(connection.number());
   };
   events.ended = [weak = weak_from_this()](Connection& connection) {
     if (const auto self = weak.lock()) self->forget(connection);
   };
-  _connections.push_back(
-      Connection::open(std::move(line), std::move(peer), _options.silenceLimit, std::move(events)));
-  _guests.add(_connections.back()->number(), device);
+  _connections.push_back(Connection::open(std::move(upgraded), std::move(peer),
+                                          _options.silenceLimit, std::move(events)));
+  _clients.add(_connections.back()->number(), device);
   if (device) _devices.noteSeen(device->id);
-  peersChanged();
+  notifyObserver();
 }
 
-std::shared_ptr<standin::Connection> Server::connectionOf(uint64_t number) const {
+std::shared_ptr<standin::Connection> Server::connectionOf(ConnectionNumber number) const {
   const auto found = std::find_if(_connections.begin(), _connections.end(),
                                   [number](const auto& each) { return each->number() == number; });
   return found != _connections.end() ? *found : nullptr;
 }
 
-void Server::carryOut(uint64_t number, const Request& request) {
+void Server::carryOut(ConnectionNumber number, const Request& request) {
   const auto connection = connectionOf(number);
   if (!connection || connection->endIfPeerIsGone()) return;
-  if (BackgroundCalls::isOne(request)) {
+  if (BackgroundCalls::includes(request)) {
     const auto admission = _background.admit(number, request);
     if (admission == BackgroundCalls::Admission::refused) {
       connection->send(
@@ -458,7 +473,7 @@ void Server::carryOut(uint64_t number, const Request& request) {
 Reply Server::replyTo(const std::shared_ptr<Connection>& connection, const Request& request) {
   return Reply([weak = std::weak_ptr(connection), server = weak_from_this(), id = request.id,
                 channel = request.channel,
-                isBackground = BackgroundCalls::isOne(request)](const Outcome& outcome) {
+                isBackground = BackgroundCalls::includes(request)](const Outcome& outcome) {
     const auto asking = weak.lock();
     if (!asking) return;
     asking->send(encodeBoundedReply(id, channel, outcome));
@@ -530,16 +545,17 @@ void Server::capture(const std::shared_ptr<Connection>& connection, const Method
 
 void Server::forget(const Connection& connection) {
   std::erase_if(_connections, [&](const auto& each) { return each.get() == &connection; });
-  _turns.drop(connection.number());
+  _scheduler.drop(connection.number());
   _background.drop(connection.number());
-  if (const auto* guest = _guests.find(connection.number()); guest != nullptr && guest->device) {
-    _devices.noteSeen(guest->device->id);
+  if (const auto* client = _clients.find(connection.number());
+      client != nullptr && client->device) {
+    _devices.noteSeen(client->device->id);
   }
-  _guests.remove(connection.number());
+  _clients.remove(connection.number());
   _pictures.reset(connection.number());
   releaseHolds(connection);
-  tellCount();
-  peersChanged();
+  sendCount();
+  notifyObserver();
 }
 
 void Server::releaseHolds(const Connection& connection) {
@@ -576,17 +592,17 @@ std::vector<EnginePeer> Server::peers() const {
   for (const auto& connection : _connections) {
     EnginePeer& peer = peers.emplace_back(connection->peer());
     peer.connection = connection->number();
-    const Guests::Guest* guest = _guests.find(connection->number());
-    peer.isPaired = guest != nullptr && guest->device.has_value();
+    const Clients::Client* client = _clients.find(connection->number());
+    peer.isPaired = client != nullptr && client->device.has_value();
   }
   return peers;
 }
 
-void Server::observePeers(std::function<void()> changed) {
+void Server::observe(std::function<void()> changed) {
   _observer = std::move(changed);
 }
 
-void Server::peersChanged() {
+void Server::notifyObserver() {
   const auto changed = _observer;  // the observer may replace itself
   if (changed) changed();
 }

@@ -11,18 +11,18 @@
 
 #include "Engine/UIEngine.h"
 #include "Platform/Linux/StandInEngine/BackgroundCalls.h"
+#include "Platform/Linux/StandInEngine/Clients.h"
 #include "Platform/Linux/StandInEngine/Connection.h"
 #include "Platform/Linux/StandInEngine/Devices.h"
 #include "Platform/Linux/StandInEngine/EngineTypes.h"
-#include "Platform/Linux/StandInEngine/Guests.h"
-#include "Platform/Linux/StandInEngine/Handles.h"
+#include "Platform/Linux/StandInEngine/FailedLogins.h"
 #include "Platform/Linux/StandInEngine/Holds.h"
 #include "Platform/Linux/StandInEngine/Listener.h"
 #include "Platform/Linux/StandInEngine/Page.h"
 #include "Platform/Linux/StandInEngine/PendingConnections.h"
 #include "Platform/Linux/StandInEngine/Pictures.h"
-#include "Platform/Linux/StandInEngine/Turns.h"
-#include "Platform/Linux/StandInEngine/WrongSecrets.h"
+#include "Platform/Linux/StandInEngine/RequestScheduler.h"
+#include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
 
@@ -45,10 +45,10 @@ class Server : public std::enable_shared_from_this<Server> {
   void invokeMethod(const std::string& channel, const MethodCall& call);
   std::vector<std::string> pageAddresses() const;
   std::vector<EnginePeer> peers() const;
-  size_t wrongSecrets() const { return _wrongSecrets.total(); }
-  void observePeers(std::function<void()> changed);
+  size_t failedLogins() const { return _failedLogins.total(); }
+  void observe(std::function<void()> changed);
   std::vector<EngineDevice> devices() const;
-  void disconnect(uint64_t connection);
+  void disconnect(ConnectionNumber connection);
   void disconnectDevice(const std::string& device);
   void forgetDevice(const std::string& device);
 
@@ -68,54 +68,58 @@ class Server : public std::enable_shared_from_this<Server> {
   /// Whether what arrived at this address of ours may stay.
   bool isServedAt(GSocketAddress* local) const;
   bool isEncryptedAt(GSocketAddress* local) const;
-  void takeIn(Object<GSocketConnection> accepted);
+  void takeIn(glib::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
   void servePage(SoupServerMessage* message) const;
   void serveAccess(SoupServerMessage* message, GHashTable* query);
   void serveUpgrade(SoupServerMessage* message, GHashTable* query);
   /// Answers the message as it stands, which is a refusal, late; 429 where too many wait already.
-  void slowDown(SoupServerMessage* message);
+  void delayRefusal(SoupServerMessage* message);
   void completeUpgrade(SoupServerMessage* message, const std::optional<Device>& device);
 
   Access accessBy(GHashTable* query) const;
   void answerAboutDevices(const std::shared_ptr<Connection>& connection, const MethodCall& call,
                           Reply reply);
-  void pair(const Connection& connection, Guests::Guest& guest, const MethodCall& call,
+  void pair(const Connection& connection, Clients::Client& client, const MethodCall& call,
             Reply reply);
-  void tellCount();
-  void endConnections(const std::vector<uint64_t>& numbers, uint16_t code, const char* reason);
+  void sendCount();
+  void endConnections(const std::vector<ConnectionNumber>& numbers, uint16_t code,
+                      const char* reason);
 
-  std::shared_ptr<Connection> connectionOf(uint64_t number) const;
+  std::shared_ptr<Connection> connectionOf(ConnectionNumber number) const;
   /// A request's turn has come.
-  void carryOut(uint64_t number, const Request& request);
+  void carryOut(ConnectionNumber number, const Request& request);
   void forward(const std::shared_ptr<Connection>& connection, const Request& request);
   void capture(const std::shared_ptr<Connection>& connection, const MethodCall& call, Reply reply);
   Reply replyTo(const std::shared_ptr<Connection>& connection, const Request& request);
   void forget(const Connection& connection);
   void releaseHolds(const Connection& connection);
-  void peersChanged();
+  void notifyObserver();
+  void watchNetwork();
 
   EngineOptions _options;
   std::string _token;
   uint16_t _port = 0;
   Page _page;
-  Object<SoupServer> _http;
+  glib::Object<SoupServer> _http;
   /// Of the network's connections; null while they are not encrypted.
-  Object<GTlsCertificate> _certificate;
+  glib::Object<GTlsCertificate> _certificate;
   std::unique_ptr<Listener> _listener;
   PendingConnections _pending;
   std::vector<std::shared_ptr<Connection>> _connections;
   std::map<std::string, MethodCallHandler> _handlers;
   Holds _holds;
-  Turns _turns;
+  RequestScheduler _scheduler;
   BackgroundCalls _background;
   Pictures _pictures;
-  WrongSecrets _wrongSecrets;
+  FailedLogins _failedLogins;
   Devices _devices;
-  Guests _guests;
-  size_t _toldCount = 0;
+  Clients _clients;
+  size_t _sentCount = 0;
   std::function<void()> _observer;
+  /// Of the network monitor.
+  gulong _networkSignal = 0;
 };
 
 }  // namespace tapdeck::standin

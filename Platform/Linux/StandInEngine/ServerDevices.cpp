@@ -51,26 +51,27 @@ Server::Access Server::accessBy(GHashTable* query) const {
 
 void Server::answerAboutDevices(const std::shared_ptr<Connection>& connection,
                                 const MethodCall& call, Reply reply) {
-  Guests::Guest* guest = _guests.find(connection->number());
-  if (guest == nullptr) {
+  Clients::Client* client = _clients.find(connection->number());
+  if (client == nullptr) {
     reply.notImplemented();
   } else if (call.method == "pair") {
-    pair(*connection, *guest, call, std::move(reply));
+    pair(*connection, *client, call, std::move(reply));
   } else if (call.method == "watch") {
-    guest->watches = true;
-    const auto count = static_cast<int64_t>(_guests.count());
-    reply.success(Value(ValueMap{{"count", Value(count)},
-                                 {"paired", Value(guest->device.has_value())},
-                                 {"name", guest->device ? Value(guest->device->name) : Value()}}));
-    tellCount();
+    client->watches = true;
+    const auto count = static_cast<int64_t>(_clients.count());
+    reply.success(
+        Value(ValueMap{{"count", Value(count)},
+                       {"paired", Value(client->device.has_value())},
+                       {"name", client->device ? Value(client->device->name) : Value()}}));
+    sendCount();
   } else {
     reply.notImplemented();
   }
 }
 
-void Server::pair(const Connection& connection, Guests::Guest& guest, const MethodCall& call,
+void Server::pair(const Connection& connection, Clients::Client& client, const MethodCall& call,
                   Reply reply) {
-  if (guest.device) {
+  if (client.device) {
     reply.error("ALREADY_PAIRED", "This device is paired already.");
     return;
   }
@@ -82,23 +83,23 @@ void Server::pair(const Connection& connection, Guests::Guest& guest, const Meth
       reply.error("TOO_MANY_DEVICES", "Too many devices are paired; forget one at the computer.");
       return;
     }
-    guest.device = paired->device;
+    client.device = paired->device;
     reply.success(Value(ValueMap{{"secret", Value(paired->secret)}, {"name", Value(name)}}));
   } catch (const std::runtime_error& error) {
     reply.error("NOT_SAVED", error.what());
     return;
   }
-  tellCount();
-  peersChanged();
+  sendCount();
+  notifyObserver();
 }
 
-void Server::tellCount() {
-  const size_t count = _guests.count();
-  if (std::exchange(_toldCount, count) == count) return;
+void Server::sendCount() {
+  const size_t count = _clients.count();
+  if (std::exchange(_sentCount, count) == count) return;
   const codec::Bytes message = encodeHostCall(
       kDevicesChannel,
       {"countChanged", Value(ValueMap{{"count", Value(static_cast<int64_t>(count))}})});
-  for (const uint64_t number : _guests.watching()) {
+  for (const ConnectionNumber number : _clients.watching()) {
     // one that fails while it is sent to takes itself off the list
     if (const auto connection = connectionOf(number)) connection->send(message);
   }
@@ -107,32 +108,32 @@ void Server::tellCount() {
 std::vector<EngineDevice> Server::devices() const {
   std::vector<EngineDevice> devices;
   for (auto& each : _devices.list()) {
-    const bool isConnected = !_guests.of(each.id).empty();
+    const bool isConnected = !_clients.of(each.id).empty();
     devices.push_back(
         {each.id, each.name, isConnected ? std::time(nullptr) : each.seen, isConnected});
   }
   return devices;
 }
 
-void Server::endConnections(const std::vector<uint64_t>& numbers, uint16_t code,
+void Server::endConnections(const std::vector<ConnectionNumber>& numbers, uint16_t code,
                             const char* reason) {
-  for (const uint64_t number : numbers) {
+  for (const ConnectionNumber number : numbers) {
     if (const auto connection = connectionOf(number)) connection->close(code, reason);
   }
 }
 
-void Server::disconnect(uint64_t connection) {
+void Server::disconnect(ConnectionNumber connection) {
   endConnections({connection}, kDisconnected, "disconnected at the computer");
 }
 
 void Server::disconnectDevice(const std::string& device) {
-  endConnections(_guests.of(device), kDisconnected, "disconnected at the computer");
+  endConnections(_clients.of(device), kDisconnected, "disconnected at the computer");
 }
 
 void Server::forgetDevice(const std::string& device) {
   _devices.forget(device);
-  endConnections(_guests.of(device), kForgotten, "forgotten at the computer");
-  peersChanged();
+  endConnections(_clients.of(device), kForgotten, "forgotten at the computer");
+  notifyObserver();
 }
 
 }  // namespace tapdeck::standin

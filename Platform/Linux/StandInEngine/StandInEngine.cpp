@@ -60,19 +60,19 @@ std::vector<StandInEngine::Peer> StandInEngine::peers() const {
   return _server->peers();
 }
 
-size_t StandInEngine::wrongSecrets() const {
-  return _server->wrongSecrets();
+size_t StandInEngine::failedLogins() const {
+  return _server->failedLogins();
 }
 
-void StandInEngine::observePeers(std::function<void()> changed) {
-  _server->observePeers(std::move(changed));
+void StandInEngine::observe(std::function<void()> changed) {
+  _server->observe(std::move(changed));
 }
 
 std::vector<StandInEngine::Device> StandInEngine::devices() const {
   return _server->devices();
 }
 
-void StandInEngine::disconnect(uint64_t connection) {
+void StandInEngine::disconnect(standin::ConnectionNumber connection) {
   _server->disconnect(connection);
 }
 

@@ -16,7 +16,7 @@ class Server;
 }
 
 /// The UI engine's place on Linux: serves the Console page over HTTP and carries the method
-/// channels over WebSocket (subprotocol "tapdeck.engine.v1"). Lives on the thread of the default
+/// channels over WebSocket, in the messages of EngineProtocol. Lives on the thread of the default
 /// GLib main context, which must be the main thread.
 class StandInEngine final : public UIEngine {
  public:
@@ -51,15 +51,16 @@ class StandInEngine final : public UIEngine {
   std::vector<std::string> pageAddresses() const;
   std::vector<Peer> peers() const;
   /// How many attempts to connect had a wrong token, since the start.
-  size_t wrongSecrets() const;
-  /// Calls `changed` after each connect, disconnect and attempt with a wrong token, in the place of
-  /// what was set before; an empty one ends it.
-  void observePeers(std::function<void()> changed);
+  size_t failedLogins() const;
+  /// Calls `changed` when what the functions above and below tell may have changed: after each
+  /// connect, disconnect and attempt with a wrong token, after each change of the engine's settings
+  /// and of this computer's network. Replaces what was set before; an empty one ends it.
+  void observe(std::function<void()> changed);
 
   /// In the order of pairing.
   std::vector<Device> devices() const;
   /// Ends a connection, or all of a device's; the page does not come back by itself.
-  void disconnect(uint64_t connection);
+  void disconnect(standin::ConnectionNumber connection);
   void disconnectDevice(const std::string& device);
   /// Ends the device's connections and refuses it from now on. Throws std::runtime_error when that
   /// cannot be written down.

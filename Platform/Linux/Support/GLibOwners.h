@@ -26,10 +26,12 @@ using Text = Memory<char>;
 /// What each other type has to end with.
 struct Release {
   void operator()(char** texts) const { g_strfreev(texts); }
+  void operator()(GByteArray* bytes) const { g_byte_array_unref(bytes); }
   void operator()(GBytes* bytes) const { g_bytes_unref(bytes); }
   void operator()(GError* error) const { g_error_free(error); }
   void operator()(GKeyFile* file) const { g_key_file_unref(file); }
   void operator()(GMainContext* context) const { g_main_context_unref(context); }
+  void operator()(GMainLoop* loop) const { g_main_loop_unref(loop); }
   void operator()(GOptionContext* context) const { g_option_context_free(context); }
   void operator()(GSettingsSchema* schema) const { g_settings_schema_unref(schema); }
   void operator()(GUri* uri) const { g_uri_unref(uri); }
@@ -41,10 +43,12 @@ struct Release {
 };
 /// A list of texts, ended by null (a GStrv).
 using Texts = std::unique_ptr<char*, Release>;
+using ByteArray = std::unique_ptr<GByteArray, Release>;
 using Bytes = std::unique_ptr<GBytes, Release>;
 using Error = std::unique_ptr<GError, Release>;
 using KeyFile = std::unique_ptr<GKeyFile, Release>;
 using MainContext = std::unique_ptr<GMainContext, Release>;
+using MainLoop = std::unique_ptr<GMainLoop, Release>;
 using OptionContext = std::unique_ptr<GOptionContext, Release>;
 using SettingsSchema = std::unique_ptr<GSettingsSchema, Release>;
 using Uri = std::unique_ptr<GUri, Release>;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Engine/Channels.h"
 #include "Tests/Support/MainLoop.h"
 #include "Tests/Support/Surroundings.h"
 
@@ -47,7 +48,7 @@ struct RunningHost : ChildProcess {
 
 /// What tapdeck-call prints of the reply.
 std::string call(const std::string& method, const std::string& arguments = "null",
-                 const std::string& channel = "com.tapdeck/control");
+                 const std::string& channel = kControlChannel);
 
 /// Runs a command to its end and takes its standard output.
 std::string outputOf(const std::vector<std::string>& arguments);

@@ -7,33 +7,34 @@
 #include <vector>
 
 #include "Platform/Linux/StandInEngine/Devices.h"
+#include "Platform/Linux/StandInEngine/EngineTypes.h"
 
 namespace tapdeck::standin {
 
-/// Which device stands behind each open connection, and which connections want to know how many
-/// there are. Main thread only.
-class Guests {
+/// The open connections as clients: the device that each belongs to, and whether it is to be told
+/// how many devices are connected. Main thread only.
+class Clients {
  public:
-  using ConnectionNumber = uint64_t;
-  struct Guest {
+  struct Client {
     /// Absent for one that came with the run's token.
     std::optional<Device> device;
+    /// Whether it has asked to be told the count.
     bool watches = false;
   };
 
   void add(ConnectionNumber connection, std::optional<Device> device);
-  void remove(ConnectionNumber connection) { _guests.erase(connection); }
+  void remove(ConnectionNumber connection) { _clients.erase(connection); }
   /// Null when there is no such connection.
-  Guest* find(ConnectionNumber connection);
-  const Guest* find(ConnectionNumber connection) const;
+  Client* find(ConnectionNumber connection);
+  const Client* find(ConnectionNumber connection) const;
   /// The connections of a device.
   std::vector<ConnectionNumber> of(const std::string& device) const;
   std::vector<ConnectionNumber> watching() const;
-  /// How many devices watch: several connections of one paired device are one.
+  /// How many devices those are that watch; several connections of a paired device count as one.
   size_t count() const;
 
  private:
-  std::map<ConnectionNumber, Guest> _guests;
+  std::map<ConnectionNumber, Client> _clients;
 };
 
 }  // namespace tapdeck::standin

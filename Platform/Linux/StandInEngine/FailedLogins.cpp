@@ -1,4 +1,4 @@
-#include "Platform/Linux/StandInEngine/WrongSecrets.h"
+#include "Platform/Linux/StandInEngine/FailedLogins.h"
 
 #include <algorithm>
 
@@ -7,8 +7,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Somebody may have two old pages open.
-constexpr int kFree = 3;
+/// Refused at once: somebody may have two old pages open.
+constexpr int kFreeAttempts = 3;
 constexpr milliseconds kFirstDelay{250};
 constexpr milliseconds kMaxDelay{2000};
 constexpr int kMaxDoublings = 3;
@@ -18,29 +18,29 @@ constexpr size_t kMaxRecords = 1024;
 
 }  // namespace
 
-std::optional<milliseconds> WrongSecrets::note(const std::string& address, Clock::time_point now) {
+std::optional<milliseconds> FailedLogins::note(const std::string& address, Clock::time_point now) {
   ++_total;
   forgetOld(now);
   Record& record = _records[address];
   ++record.recent;
   record.last = now;
-  if (record.recent <= kFree) return milliseconds(0);
+  if (record.recent <= kFreeAttempts) return milliseconds(0);
   if (record.waiting >= kMaxWaiting) return std::nullopt;
   ++record.waiting;
-  const int doublings = std::min(record.recent - kFree - 1, kMaxDoublings);
+  const int doublings = std::min(record.recent - kFreeAttempts - 1, kMaxDoublings);
   return std::min(kFirstDelay * (1 << doublings), kMaxDelay);
 }
 
-void WrongSecrets::answered(const std::string& address) {
+void FailedLogins::answered(const std::string& address) {
   const auto found = _records.find(address);
   if (found != _records.end() && found->second.waiting > 0) --found->second.waiting;
 }
 
-void WrongSecrets::forgetOld(Clock::time_point now) {
+void FailedLogins::forgetOld(Clock::time_point now) {
   std::erase_if(_records, [&](const auto& each) {
     return each.second.waiting == 0 && now - each.second.last > kMemory;
   });
-  // addresses are cheap for who has a network of them
+  // whoever has a whole network of addresses must not fill the memory
   if (_records.size() >= kMaxRecords) _records.clear();
 }
 

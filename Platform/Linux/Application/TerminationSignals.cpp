@@ -1,4 +1,4 @@
-#include "Platform/Linux/Application/EndSignals.h"
+#include "Platform/Linux/Application/TerminationSignals.h"
 
 #include <glib-unix.h>
 
@@ -16,8 +16,8 @@ bool isIgnored(int signal) {
 
 }  // namespace
 
-EndSignals::EndSignals(std::function<void()> heard)
-    : _heard(std::move(heard)),
+TerminationSignals::TerminationSignals(std::function<void()> received)
+    : _received(std::move(received)),
       _context(g_main_context_new()),
       _loop(g_main_loop_new(_context.get(), FALSE)) {
   listenTo(SIGTERM);
@@ -26,7 +26,7 @@ EndSignals::EndSignals(std::function<void()> heard)
   _thread = std::thread([loop = _loop.get()] { g_main_loop_run(loop); });
 }
 
-EndSignals::~EndSignals() {
+TerminationSignals::~TerminationSignals() {
   // a loop that does not run yet would not hear of being quit at once
   const GSourceFunc quit = [](gpointer loop) noexcept -> gboolean {
     g_main_loop_quit(static_cast<GMainLoop*>(loop));
@@ -39,10 +39,10 @@ EndSignals::~EndSignals() {
   _thread.join();
 }
 
-void EndSignals::listenTo(int signal) {
+void TerminationSignals::listenTo(int signal) {
   GSource* source = g_unix_signal_source_new(signal);
   const GSourceFunc call = [](gpointer self) noexcept -> gboolean {
-    static_cast<EndSignals*>(self)->_heard();
+    static_cast<TerminationSignals*>(self)->_received();
     return G_SOURCE_CONTINUE;
   };
   g_source_set_callback(source, call, this, nullptr);

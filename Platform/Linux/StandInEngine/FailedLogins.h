@@ -7,14 +7,15 @@
 
 namespace tapdeck::standin {
 
-/// Counts wrong tokens and secrets by the address that they came from, and says how long the answer
-/// to the next one is to wait. Right ones are never asked about here. Main thread only.
-class WrongSecrets {
+/// Counts wrong tokens and secrets by the address that they came from, and says how long each
+/// refusal is to be delayed, so that guessing is slow. Right ones are not delayed. Main thread
+/// only.
+class FailedLogins {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// A wrong one came: how long its answer waits, or nothing where too many wait for that address
-  /// already. Where it waits, answered() is to follow.
+  /// A login has failed: how long its refusal is delayed, or nothing when too many refusals to that
+  /// address wait already. A delayed one is followed by answered().
   std::optional<std::chrono::milliseconds> note(const std::string& address, Clock::time_point now);
   void answered(const std::string& address);
   /// Since the start, from everywhere.
