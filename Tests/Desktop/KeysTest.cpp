@@ -152,6 +152,8 @@ int holdAtRandom(unsigned seed, const std::string& end) {
         postKey(keyCodeForName(names[random() % names.size()].first), down);
     }
   }
+  // a key that the layout lacks: its group stays locked while it is pressed
+  if (seed % 4 == 1) postKey(keyCodeForName("a"), true);
   // when the pointer has come, so has all before it
   const int place = 100 + static_cast<int>(seed % 400);
   postMouse(kCGEventMouseMoved, place, 55);
@@ -160,6 +162,18 @@ int holdAtRandom(unsigned seed, const std::string& end) {
   if (end == "killed") ::raise(SIGKILL);
   x11::letGo();
   return 0;
+}
+
+/// Is killed in the midst of a text: group and Caps Lock are not as the user has locked them.
+int dieWhileTyping() {
+  x11::Connection connection;
+  x11::KeyboardMonitor monitor(connection);
+  x11::InputSender sender(connection, monitor);
+  sender.lockModifiers(XCB_MOD_MASK_LOCK, 0, XCB_MOD_MASK_LOCK);
+  sender.lockGroup(2, 1);
+  sender.lockGroup(0, 1);
+  connection.finish();
+  return ::raise(SIGKILL);
 }
 
 /// Types where no file can grow, as on a full disk, and is killed.
@@ -190,14 +204,16 @@ TEST(HeldTest, NothingStaysPressedAtTheEnd) {
   keyboard.setLayout("ru,gr");
   const std::string keymap = TypingKeyboard::dump();
   int foundPressed = 0;
-  // not elsewhere each time: from 4293242372 on it is killed while the group of a missing key is
-  // locked, and the group is not put back yet
-  const unsigned first = testSeed(1);
+  int foundLocked = 0;
+  const unsigned first = testSeed();
   for (unsigned seed = first; seed != first + 10; ++seed) {
     SCOPED_TRACE(seed);
-    if ((seed - first) % 2 != 0) {
+    const uint8_t group = seed / 4 % 2;
+    keyboard.lockGroup(group);
+    if (seed % 2 != 0) {
       ASSERT_TRUE(WIFSIGNALED(runHolder(std::to_string(seed) + " killed")));
       foundPressed += keyboard.pressedKeys().empty() ? 0 : 1;
+      foundLocked += keyboard.state().group == group ? 0 : 1;
       EXPECT_FALSE(TypingKeyboard::dump() == keymap) << "nothing to put back: no test";
       ASSERT_EQ(runHolder("0 nothing"), 0);
     } else {
@@ -206,11 +222,31 @@ TEST(HeldTest, NothingStaysPressedAtTheEnd) {
     EXPECT_EQ(keyboard.pressedKeys(), "");
     EXPECT_EQ(observer.pointer().buttons, 0U);
     EXPECT_EQ(keyboard.state().held, 0U);
-    EXPECT_EQ(keyboard.state().group, 0U);
+    EXPECT_EQ(keyboard.state().group, group);
     EXPECT_TRUE(TypingKeyboard::dump() == keymap);
   }
   EXPECT_GT(foundPressed, 0) << "nothing to release: no test";
+  EXPECT_GT(foundLocked, 0) << "no group to lock: no test";
   keyboard.lockCaps(false);
+}
+
+TEST(HeldTest, WhatTheUserHadLockedIsRestored) {
+  Observer observer;
+  TypingKeyboard keyboard{observer};
+  keyboard.setLayout("us,ru,gr,il");
+  // none, or what the user has chosen after the kill
+  for (const uint8_t chosen : {0, 3}) {
+    keyboard.lockGroup(1);
+    keyboard.lockCaps(true);
+    ASSERT_TRUE(WIFSIGNALED(runHolder("0 typing")));
+    ASSERT_EQ(keyboard.state(), (TypingKeyboard::State{0, 0, 0}));
+    keyboard.lockGroup(chosen);
+    ASSERT_EQ(runHolder("0 nothing"), 0);
+    const unsigned expected = chosen == 0 ? 1 : chosen;
+    EXPECT_EQ(keyboard.state(), (TypingKeyboard::State{0, XCB_MOD_MASK_LOCK, expected}));
+  }
+  keyboard.lockCaps(false);
+  keyboard.setLayout("us");
 }
 
 TEST(HeldTest, AFullDiskLeavesTheKeymapAlone) {
@@ -454,6 +490,7 @@ TEST_F(KeysTest, WithoutPermissionOnlyReleasesGoOut) {
 int main(int argc, char** argv) {
   if (argc == 4 && std::string(argv[1]) == "hold") {
     if (std::string(argv[3]) == "full-disk") return tapdeck::testing::typeOnFullDisk();
+    if (std::string(argv[3]) == "typing") return tapdeck::testing::dieWhileTyping();
     return tapdeck::testing::holdAtRandom(static_cast<unsigned>(std::stoul(argv[2])), argv[3]);
   }
   ::testing::InitGoogleMock(&argc, argv);

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "Platform/Linux/X11/Keyboard/XkbProtocol.h"
+
 namespace tapdeck::x11 {
 namespace {
 
@@ -16,11 +18,15 @@ constexpr uint32_t kStampDelay = 2;
 
 }  // namespace
 
-InputSender::InputSender(Connection& connection) : _connection(connection) {
+InputSender::InputSender(Connection& connection, KeyboardMonitor& monitor)
+    : _connection(connection), _monitor(monitor) {
   auto left = _journal.takeLeftOver();
   if (!left) return;
   _leftOver = std::move(*left);
   _record = _leftOver;
+  _locks = _record.locks;
+  _isGroupChanged = _locks.groups != 0;
+  _changedModifiers = _locks.modifiers;
   releaseAll();
 }
 
@@ -77,6 +83,52 @@ void InputSender::tapButton(uint8_t button) {
   fake(XCB_BUTTON_RELEASE, button);
 }
 
+void InputSender::lockGroup(uint8_t group, uint8_t userGroup) {
+  if (group == userGroup) {
+    noteGroupRestored();
+  } else {
+    if (_locks.userGroup != userGroup) _locks.groups = 0;
+    _locks.userGroup = userGroup;
+    _locks.groups |= static_cast<uint8_t>(1U << group);
+    _isGroupChanged = true;
+    updateJournal();
+  }
+  _monitor.stateIsChanged();
+  xcb_xkb_latch_lock_state(_connection.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+}
+
+void InputSender::restoreGroup() {
+  if (!_isGroupChanged) return;
+  const uint8_t locked = _monitor.state().lockedGroup;
+  const bool isOurs = locked < 8 && (_locks.groups >> locked & 1) != 0;
+  if (isOurs) {
+    lockGroup(_locks.userGroup, _locks.userGroup);
+  } else {
+    noteGroupRestored();
+  }
+}
+
+void InputSender::noteGroupRestored() {
+  if (!_isGroupChanged) return;
+  noteRelease();
+  _isGroupChanged = false;
+}
+
+void InputSender::lockModifiers(uint8_t modifiers, uint8_t locked, uint8_t userLocked) {
+  if (locked == userLocked) {
+    if ((_changedModifiers & modifiers) != 0) noteRelease();
+    _changedModifiers &= ~modifiers;
+  } else {
+    _locks.modifiers |= modifiers;
+    _locks.userModifiers = (_locks.userModifiers & ~modifiers) | userLocked;
+    _changedModifiers |= modifiers;
+    updateJournal();
+  }
+  _monitor.stateIsChanged();
+  xcb_xkb_latch_lock_state(_connection.get(), XCB_XKB_ID_USE_CORE_KBD, modifiers, locked, 0, 0, 0,
+                           0, 0);
+}
+
 void InputSender::releaseAll() {
   for (size_t code = 0; code < _record.keys.size(); ++code) {
     const bool isPressed = _record.keys.test(code) && !_unconfirmedKeys.test(code);
@@ -87,13 +139,19 @@ void InputSender::releaseAll() {
     if (isPressed) fake(XCB_BUTTON_RELEASE, static_cast<uint8_t>(button));
   }
   _pressed = {};
-  if (_record.keys.none() && _record.buttons.none()) return;
+  restoreGroup();
+  const auto userLocked = static_cast<uint8_t>(_locks.userModifiers & _changedModifiers);
+  if (_changedModifiers != 0) lockModifiers(_changedModifiers, userLocked, userLocked);
+  if (_record.keys.none() && _record.buttons.none() && _record.locks.isNothing()) return;
   _connection.finish();
   confirmReleases(_releaseCount);
 }
 
 std::optional<InputSender::Clock::time_point> InputSender::unconfirmedSince() const {
-  if (_unconfirmedKeys.none() && _unconfirmedButtons.none()) return std::nullopt;
+  const bool hasAny = _unconfirmedKeys.any() || _unconfirmedButtons.any() ||
+                      (_locks.groups != 0 && !_isGroupChanged) ||
+                      (_locks.modifiers & ~_changedModifiers) != 0;
+  if (!hasAny) return std::nullopt;
   return _unconfirmedSince;
 }
 
@@ -110,15 +168,19 @@ void InputSender::confirmReleases(uint64_t count) {
   }
   _unconfirmedKeys.reset();
   _unconfirmedButtons.reset();
+  if (!_isGroupChanged) _locks.groups = _locks.userGroup = 0;
+  _locks.modifiers &= _changedModifiers;
+  _locks.userModifiers &= _changedModifiers;
   updateJournal();
 }
 
 void InputSender::updateJournal() {
   const auto keys = _pressed.keycodes() | _unconfirmedKeys;
   const auto buttons = _pressed.physicalButtons() | _unconfirmedButtons;
-  if (keys == _record.keys && buttons == _record.buttons) return;
+  if (keys == _record.keys && buttons == _record.buttons && _locks == _record.locks) return;
   _record.keys = keys;
   _record.buttons = buttons;
+  _record.locks = _locks;
   _journal.write(_record);
 }
 

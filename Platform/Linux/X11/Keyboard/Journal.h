@@ -7,19 +7,37 @@
 #include <string>
 #include <vector>
 
+#include "Platform/Linux/Support/FileDescriptor.h"
 #include "Platform/Linux/X11/Keyboard/KeymapChange.h"
 
 namespace tapdeck::x11 {
+
+/// What this process has locked and unlocked of the keyboard's state (XKB) for a moment, and what
+/// the user had locked.
+struct LockChanges {
+  /// A bit for each group that was locked in place of the user's.
+  uint8_t groups = 0;
+  uint8_t userGroup = 0;
+  /// The real modifiers that were locked or unlocked, and those of them that the user had locked.
+  uint8_t modifiers = 0;
+  uint8_t userModifiers = 0;
+
+  bool isNothing() const { return groups == 0 && modifiers == 0; }
+  friend bool operator==(const LockChanges&, const LockChanges&) = default;
+};
 
 /// What this process has to give back at the X server, which keeps it when the process ends.
 struct InputRecord {
   /// Pressed keys by keycode, and pressed physical buttons.
   std::bitset<256> keys;
   std::bitset<256> buttons;
+  LockChanges locks;
   /// The user's mappings of the keycodes that typing borrows.
   KeyMappings mappings;
 
-  bool isNothing() const { return keys.none() && buttons.none() && mappings.empty(); }
+  bool isNothing() const {
+    return keys.none() && buttons.none() && locks.isNothing() && mappings.empty();
+  }
 };
 
 std::vector<uint8_t> writeRecord(const InputRecord& record);
@@ -47,8 +65,8 @@ class Journal {
 
  private:
   std::filesystem::path _path;
-  /// Locked while this process lives; -1 when there is none, or another process has it.
-  int _file = -1;
+  /// Locked while this process lives; not open when there is none, or another process has it.
+  FileDescriptor _file;
   bool _hasSpace = false;
   bool _toldOfFullDisk = false;
   bool _holdsNothing = true;

@@ -30,8 +30,8 @@ constexpr std::chrono::milliseconds kMinGroupTime{20};
 
 LiveKeyboard::LiveKeyboard(Connection& output)
     : _output(output),
-      _sender(output),
       _monitor(output),
+      _sender(output, _monitor),
       _keys(output, _sender, _monitor),
       _clients(_questions) {
   xcb_test_grab_control(_questions.get(), 1);
@@ -99,15 +99,9 @@ void LiveKeyboard::carryOutKey(const KeyStep& step) {
   }
 }
 
-void LiveKeyboard::lockModifier(uint8_t modifier, bool locked) {
-  _monitor.stateIsChanged();
-  xcb_xkb_latch_lock_state(_output.get(), XCB_XKB_ID_USE_CORE_KBD, modifier, locked ? modifier : 0,
-                           0, 0, 0, 0, 0);
-}
-
-void LiveKeyboard::lockGroup(uint8_t group) {
-  _monitor.stateIsChanged();
-  xcb_xkb_latch_lock_state(_output.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+uint8_t LiveKeyboard::userGroup(const State& now) const {
+  const bool isOurs = _keyGroup && _keyGroup->group == now.lockedGroup;
+  return isOurs ? _keyGroup->userGroup : now.lockedGroup;
 }
 
 uint8_t LiveKeyboard::groupToLock(uint8_t wanted, const State& now) const {
@@ -119,7 +113,8 @@ uint8_t LiveKeyboard::groupToLock(uint8_t wanted, const State& now) const {
 void LiveKeyboard::putGroupIntoRange() {
   const int groups = std::max(1, _keys.layout().groups());
   const uint8_t locked = _monitor.state().lockedGroup;
-  if (locked >= groups) lockGroup(static_cast<uint8_t>(locked % groups));
+  const auto inRange = static_cast<uint8_t>(locked % groups);
+  if (locked != inRange) _sender.lockGroup(inRange, inRange);
 }
 
 // Borrowed keys mean something else once they are given back or assigned anew: who got them has to
@@ -135,9 +130,9 @@ void LiveKeyboard::type(const TextStep& step) {
   const auto focus = xcb_get_input_focus(_output.get());
   const State before = _monitor.state();
   noteFocus(focus);
-  const bool isCapsLocked = (before.lockedModifiers & XCB_MOD_MASK_LOCK) != 0;
+  const uint8_t capsLock = before.lockedModifiers & XCB_MOD_MASK_LOCK;
   // The key events bear no Caps Lock, but some programs look at the keyboard's state instead.
-  if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, false);
+  if (capsLock != 0) _sender.lockModifiers(capsLock, 0, capsLock);
   uint8_t locked = before.lockedGroup;
   for (const Keysym keysym : step.keysyms) {
     const auto key = _keys.assignedKey(keysym);
@@ -147,12 +142,12 @@ void LiveKeyboard::type(const TextStep& step) {
     }
     _keys.markUsed(keysym);
     const uint8_t wanted = groupToLock(key->group, before);
-    if (wanted != locked) lockGroup(wanted);
+    if (wanted != locked) _sender.lockGroup(wanted, before.lockedGroup);
     locked = wanted;
     _sender.tapKey(key->code);
   }
-  if (locked != before.lockedGroup) lockGroup(before.lockedGroup);
-  if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, true);
+  if (locked != before.lockedGroup) _sender.lockGroup(before.lockedGroup, before.lockedGroup);
+  if (capsLock != 0) _sender.lockModifiers(capsLock, capsLock, capsLock);
 }
 
 void LiveKeyboard::typeOnLayout(Keysym keysym, int group) {
@@ -194,7 +189,8 @@ void LiveKeyboard::press(const KeyStep& step) {
 std::optional<RealKey> LiveKeyboard::keyToPress(const UsKey& key, const State& now) {
   if (const auto real = realKeyFor(key, _keys.layout(), now.group)) return real;
   if (isCapsLock(key)) {
-    lockModifier(XCB_MOD_MASK_LOCK, (now.lockedModifiers & XCB_MOD_MASK_LOCK) == 0);
+    const uint8_t locked = ~now.lockedModifiers & XCB_MOD_MASK_LOCK;
+    _sender.lockModifiers(XCB_MOD_MASK_LOCK, locked, locked);
     return std::nullopt;
   }
   return _keys.usKey(key);
@@ -202,22 +198,22 @@ std::optional<RealKey> LiveKeyboard::keyToPress(const UsKey& key, const State& n
 
 void LiveKeyboard::sendKey(const RealKey& key, bool down, const State& now) {
   if (changesState(key.code, now)) _monitor.stateIsChanged();
-  if (key.group) lockGroup(groupToLock(*key.group, now));
+  if (key.group) _sender.lockGroup(groupToLock(*key.group, now), userGroup(now));
   // the level is chosen at the press
   const bool locksShift = down && key.isShifted && (now.lockedModifiers & XCB_MOD_MASK_SHIFT) == 0;
-  if (locksShift) lockModifier(XCB_MOD_MASK_SHIFT, true);
+  if (locksShift) _sender.lockModifiers(XCB_MOD_MASK_SHIFT, XCB_MOD_MASK_SHIFT, 0);
   if (down) {
     _sender.pressKey(key.code);
   } else {
     _sender.releaseKey(key.code);
   }
-  if (locksShift) lockModifier(XCB_MOD_MASK_SHIFT, false);
-  if (key.group) lockGroup(now.lockedGroup);
+  if (locksShift) _sender.lockModifiers(XCB_MOD_MASK_SHIFT, 0, 0);
+  if (key.group) _sender.lockGroup(now.lockedGroup, userGroup(now));
 }
 
 void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
   const uint8_t locked = groupToLock(group, now);
-  lockGroup(locked);
+  _sender.lockGroup(locked, now.lockedGroup);
   _keyGroup = {key.unshifted, locked, now.lockedGroup, Clock::now()};
   now.group = group;
   now.lockedGroup = locked;
@@ -225,11 +221,10 @@ void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
 
 void LiveKeyboard::leaveKeyGroup() {
   if (!_keyGroup) return;
-  const State now = _monitor.state();
   // where the press was queued, its release follows at once
+  xcb_flush(_output.get());
   std::this_thread::sleep_until(_keyGroup->since + kMinGroupTime);
-  // the user may have chosen another one meanwhile
-  if (now.lockedGroup == _keyGroup->group) lockGroup(_keyGroup->lockedBefore);
+  _sender.restoreGroup();
   _keyGroup.reset();
 }
 

@@ -91,12 +91,12 @@ class LiveKeyboard {
   struct KeyGroup {
     Keysym key;
     uint8_t group;
-    uint8_t lockedBefore;
+    uint8_t userGroup;
     std::chrono::steady_clock::time_point since;
   };
   using State = KeyboardState;
-  void lockModifier(uint8_t modifier, bool locked);
-  void lockGroup(uint8_t group);
+  /// The locked group that is not ours but the user's.
+  uint8_t userGroup(const State& now) const;
   /// The group to lock so that `wanted` is active, whatever is held or latched besides.
   uint8_t groupToLock(uint8_t wanted, const State& now) const;
   /// A layout switch may have locked a group that only borrowed keys have.
@@ -125,8 +125,8 @@ class LiveKeyboard {
   void typeOnLayout(Keysym keysym, int group);
 
   Connection& _output;
-  InputSender _sender;
   KeyboardMonitor _monitor;
+  InputSender _sender;
   BorrowedKeys _keys;
   /// For questions to the applications, whose answers are events.
   Connection _questions;
