@@ -1,8 +1,8 @@
 #include "Platform/Linux/X11/Input/StepQueue.h"
 
 #include <chrono>
-#include <iostream>
 
+#include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/X11/Ending.h"
 
 namespace tapdeck::x11 {
@@ -129,7 +129,7 @@ void StepQueue::empty(Lock& lock) {
     const bool prepared = !steps.empty() && _keyboard.prepare(steps);
     lock.lock();
     if (!prepared && !_waiting.empty() && !_keyboard.isReady(_waiting.front())) {
-      std::clog << "tapdeck: the keyboard's map has no room for what is typed.\n";
+      warn("the keyboard's map has no room for what is typed.");
       _waiting.pop_front();
     }
   }

@@ -45,7 +45,7 @@ void announceGroup(const Connection& connection) {
 
 BorrowedKeys::BorrowedKeys(Connection& output, InputSender& sender, KeyboardMonitor& monitor)
     : _output(output), _sender(sender), _monitor(monitor) {
-  if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
+  if (auto fetched = fetchKeymap(_output)) _now = std::move(*fetched);
   if (const InputRecord& left = _sender.leftOver(); !left.mappings.empty()) {
     // only keys that still look remapped by us: the user may have changed the layout since
     KeyMappings ours;
@@ -61,7 +61,7 @@ BorrowedKeys::BorrowedKeys(Connection& output, InputSender& sender, KeyboardMoni
 
 bool BorrowedKeys::followChanges() {
   if (_monitor.takeMapChange()) {
-    auto fetched = fetchKeymap(_output.get());
+    auto fetched = fetchKeymap(_output);
     if (fetched) adopt(std::move(*fetched));
   }
   return _output.isAlive();
@@ -266,7 +266,7 @@ void BorrowedKeys::forget() {
   _text = SlotPool(0);
   _usKeys.clear();
   _sender.keepMappings({});
-  if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
+  if (auto fetched = fetchKeymap(_output)) _now = std::move(*fetched);
   _layout = _now;
 }
 

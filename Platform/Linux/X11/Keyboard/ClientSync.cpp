@@ -4,11 +4,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
-#include <iostream>
 #include <thread>
 
+#include "Platform/Linux/Support/Diagnostics.h"
+#include "Platform/Linux/X11/ClientMessage.h"
 #include "Platform/Linux/X11/Ending.h"
+#include "Platform/Linux/X11/WindowManager.h"
 
 namespace tapdeck::x11 {
 namespace {
@@ -78,8 +79,9 @@ void ClientSync::waitUntilReadBy(xcb_window_t window) {
   }
   _silent.insert(window);
   if (isSureToKnow && !wasSilent) {
-    std::clog << "tapdeck: the application that is typed into does not answer; some of what is "
-                 "typed may get lost there.\n";
+    warn(
+        "the application that is typed into does not answer; some of what is typed may get lost "
+        "there.");
   } else if (!isSureToKnow) {
     std::this_thread::sleep_for(kBlindWait);
   }
@@ -102,21 +104,11 @@ xcb_window_t ClientSync::applicationWindow(xcb_window_t focused) {
 
 // This process's own windows cannot answer: their thread may be the one that waits here.
 bool ClientSync::isOwn(xcb_window_t window) {
-  const auto bytes =
-      _connection.property(window, _connection.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
-  uint32_t process = 0;
-  if (bytes.size() >= sizeof process) std::memcpy(&process, bytes.data(), sizeof process);
-  return process == static_cast<uint32_t>(::getpid());
+  return processOf(_connection, window) == ::getpid();
 }
 
 bool ClientSync::supportsPing(xcb_window_t window) {
-  const auto bytes = _connection.property(window, _connection.atom("WM_PROTOCOLS"), XCB_ATOM_ATOM);
-  std::vector<xcb_atom_t> protocols(bytes.size() / sizeof(xcb_atom_t));
-  if (!protocols.empty()) {
-    std::memcpy(protocols.data(), bytes.data(), protocols.size() * sizeof(xcb_atom_t));
-  }
-  return std::find(protocols.begin(), protocols.end(), _connection.atom("_NET_WM_PING")) !=
-         protocols.end();
+  return hasAnyAtom(_connection, window, "WM_PROTOCOLS", {"_NET_WM_PING"});
 }
 
 // The answer is sent to the root window, as if to a window manager. Qt 5 sends it with a mask that
@@ -129,7 +121,8 @@ bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
     xcb_change_window_attributes(_connection.get(), _connection.root(), XCB_CW_EVENT_MASK, &mask);
   };
   listen(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-  send(window, protocols, {pingAtom, number, window, 0, 0});
+  sendClientMessage(_connection, window, protocols, {pingAtom, number, window, 0, 0}, window,
+                    XCB_EVENT_MASK_NO_EVENT);
   const bool answered = waitForEvent(
       [&](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
@@ -154,8 +147,9 @@ bool ClientSync::pingByEditres(xcb_window_t window, Deadline deadline) {
                       1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
   }
   xcb_set_selection_owner(_connection.get(), _own, selection, XCB_CURRENT_TIME);
-  send(window, _connection.atom("Editres"),
-       {XCB_CURRENT_TIME, selection, ++_number & 0xff, protocolVersion, 0});
+  sendClientMessage(_connection, window, _connection.atom("Editres"),
+                    {XCB_CURRENT_TIME, selection, ++_number & 0xff, protocolVersion, 0}, window,
+                    XCB_EVENT_MASK_NO_EVENT);
   const bool answered = waitForEvent(
       [&](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) != XCB_SELECTION_REQUEST) return false;
@@ -175,18 +169,6 @@ bool ClientSync::pingByEditres(xcb_window_t window, Deadline deadline) {
   xcb_set_selection_owner(_connection.get(), XCB_WINDOW_NONE, selection, XCB_CURRENT_TIME);
   xcb_flush(_connection.get());
   return answered;
-}
-
-void ClientSync::send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]) {
-  xcb_client_message_event_t message{};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
-  message.window = window;
-  message.type = type;
-  std::copy(std::begin(data), std::end(data), message.data.data32);
-  // without a mask it goes to the window's owner
-  xcb_send_event(_connection.get(), 0, window, XCB_EVENT_MASK_NO_EVENT,
-                 reinterpret_cast<const char*>(&message));
 }
 
 template <typename Matches>

@@ -36,7 +36,6 @@ class ClientSync {
   bool supportsPing(xcb_window_t window);
   bool ping(xcb_window_t window, Deadline deadline);
   bool pingByEditres(xcb_window_t window, Deadline deadline);
-  void send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]);
   template <typename Matches>
   bool waitForEvent(Matches matches, Deadline deadline);
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <xcb/xcb.h>
-
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
+
+#include "Platform/Linux/X11/Connection.h"
 
 namespace tapdeck::x11 {
 
@@ -55,7 +55,7 @@ struct Keymap {
 };
 
 /// The core keyboard's map; absent when the server is gone or answers nonsense. Any thread.
-std::optional<Keymap> fetchKeymap(xcb_connection_t* connection);
+std::optional<Keymap> fetchKeymap(const Connection& connection);
 
 /// The bytes of a map as the server sends it, the reply's header included; absent when they do not
 /// hold together.
