@@ -89,8 +89,6 @@ TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
   for (Case& each : cases) {
     // one of the three applications gets the whole text under this layout
     const std::string& text = number++ % 3 == static_cast<int>(kind) ? whole : part;
-    // Qt goes by the keyboard's state, not by the event's
-    if (kind == TypingClient::Kind::qtView) each.held.clear();
     keyboard.setLayout(each.layout);
     const std::string keymap = TypingKeyboard::dump();
     expectExact(each, text);

@@ -26,6 +26,10 @@ constexpr size_t kMaxTextAhead = 4096;
 
 constexpr std::chrono::milliseconds kMinGroupTime{20};
 
+// Not Alt and Super: where nothing was pressed with them, their release opens a menu in some
+// programs.
+constexpr uint8_t kReleasedForText = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL;
+
 }  // namespace
 
 LiveKeyboard::LiveKeyboard(Connection& output)
@@ -131,7 +135,9 @@ void LiveKeyboard::type(const TextStep& step) {
   const State before = _monitor.state();
   noteFocus(focus);
   const uint8_t capsLock = before.lockedModifiers & XCB_MOD_MASK_LOCK;
-  // The key events bear no Caps Lock, but some programs look at the keyboard's state instead.
+  // The key events bear no modifiers, but some programs (Qt) go by the keyboard's state instead.
+  const std::vector<RealKey> released = modifiersToRelease();
+  for (const RealKey& modifier : released) sendKey(modifier, false, before);
   if (capsLock != 0) _sender.lockModifiers(capsLock, 0, capsLock);
   uint8_t locked = before.lockedGroup;
   for (const Keysym keysym : step.keysyms) {
@@ -148,13 +154,28 @@ void LiveKeyboard::type(const TextStep& step) {
   }
   if (locked != before.lockedGroup) _sender.lockGroup(before.lockedGroup, before.lockedGroup);
   if (capsLock != 0) _sender.lockModifiers(capsLock, capsLock, capsLock);
+  for (const RealKey& modifier : released) sendKey(modifier, true, before);
+}
+
+std::vector<RealKey> LiveKeyboard::modifiersToRelease() const {
+  std::vector<RealKey> modifiers;
+  const auto add = [&](const RealKey& key) {
+    const bool isReleased = (_keys.layout().modifiers[key.code] & kReleasedForText) != 0;
+    if (isReleased && std::find(modifiers.begin(), modifiers.end(), key) == modifiers.end())
+      modifiers.push_back(key);
+  };
+  for (const auto& [keysym, pressed] : _sender.pressed().keys) {
+    add(pressed.key);
+    for (const RealKey& modifier : pressed.modifiers) add(modifier);
+  }
+  return modifiers;
 }
 
 void LiveKeyboard::typeOnLayout(Keysym keysym, int group) {
   const auto key = layoutKeyFor(keysym, _keys.layout(), group);
   if (!key) return;
   const auto shift = _keys.layout().keyFor(keysyms::Shift_L, group);
-  const bool needsShift = key->isShifted && shift && !isHeld({keysyms::Shift_L});
+  const bool needsShift = key->isShifted && shift;
   if (needsShift) _sender.pressKey(*shift);
   _sender.tapKey(key->code);
   if (needsShift) _sender.releaseKey(*shift);

@@ -119,6 +119,8 @@ class LiveKeyboard {
   /// Whether a key that is still pressed is this modifier, or was pressed with it.
   bool isNeeded(const RealKey& modifier) const;
   void type(const TextStep& step);
+  /// The modifiers that this process holds pressed and that are released while text is typed.
+  std::vector<RealKey> modifiersToRelease() const;
   /// Waits for the reply.
   void noteFocus(xcb_get_input_focus_cookie_t question);
   /// With a key of the layout itself; nothing when it has none.
