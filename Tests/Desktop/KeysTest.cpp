@@ -160,7 +160,7 @@ int holdAtRandom(unsigned seed, const std::string& end) {
   Observer observer;
   eventually([&] { return observer.pointer().x == place; });
   if (end == "killed") ::raise(SIGKILL);
-  x11::letGo();
+  x11::releaseEverything();
   return 0;
 }
 
@@ -172,7 +172,7 @@ int dieWhileTyping() {
   sender.lockModifiers(XCB_MOD_MASK_LOCK, 0, XCB_MOD_MASK_LOCK);
   sender.lockGroup(2, 1);
   sender.lockGroup(0, 1);
-  connection.finish();
+  connection.sync();
   return ::raise(SIGKILL);
 }
 
@@ -265,7 +265,7 @@ TEST(HeldTest, AFullDiskLeavesTheKeymapAlone) {
 class KeysTest : public ::testing::Test {
  protected:
   ~KeysTest() override {
-    x11::letGo();
+    x11::releaseEverything();
     keyboard.setLayout("us");
   }
 
@@ -467,7 +467,7 @@ TEST_F(KeysTest, AnotherLayoutMeanwhileStaysInForce) {
   EXPECT_THAT(listener.heard(4), ElementsAre("down eacute", "up eacute", "down z", "up z"));
   tap("z");
   EXPECT_THAT(listener.heard(2), ElementsAre("down z", "up z"));
-  x11::letGo();
+  x11::releaseEverything();
   EXPECT_TRUE(TypingKeyboard::dump() == keymap);
 }
 

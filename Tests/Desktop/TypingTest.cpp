@@ -33,7 +33,7 @@ struct Case {
 class TypingTest : public ::testing::Test {
  protected:
   ~TypingTest() override {
-    x11::letGo();
+    x11::releaseEverything();
     keyboard.setLayout("us");
   }
 
@@ -98,7 +98,7 @@ TEST_F(TypingTest, EveryCharacterArrivesUnderEveryLayoutAndState) {
     postKey(kShift, false);
     expectExact(Case{each.layout, each.group, false, {}}, sample);
     keyboard.lockGroup(each.group);
-    x11::letGo();
+    x11::releaseEverything();
     EXPECT_TRUE(TypingKeyboard::dump() == keymap) << "the keymap stays changed: " << each.layout;
     keyboard.tapKeys({38, 39, 40});
     EXPECT_EQ(client.received(each.ownKeys), each.ownKeys);

@@ -108,9 +108,9 @@ TEST(JournalTest, HasItsSpaceFromTheStart) {
     for (Keycode code = 8; code != 0; ++code) record.mappings[code] = twoGroups('a', 'A', 'b', 'B');
     journal.write(record);
     EXPECT_EQ(std::filesystem::file_size(file), size);
-    EXPECT_EQ(journal.takeLeftOver()->mappings, record.mappings);
+    EXPECT_EQ(journal.readLeftOver()->mappings, record.mappings);
     journal.write(InputRecord());
-    EXPECT_FALSE(journal.takeLeftOver());
+    EXPECT_FALSE(journal.readLeftOver());
   }
   EXPECT_FALSE(std::filesystem::exists(file)) << "nothing is held";
 }

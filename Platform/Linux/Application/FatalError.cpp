@@ -7,7 +7,7 @@
 #include <exception>
 
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
-#include "Platform/Linux/X11/Ending.h"
+#include "Platform/Linux/X11/Shutdown.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 
 namespace tapdeck {
@@ -31,8 +31,8 @@ void sayWhy() {
   std::set_terminate(std::abort);
   alarm(kPatienceSeconds);
   sayWhy();
-  x11::beginToEnd();
-  x11::letGo();
+  x11::beginShutdown();
+  x11::releaseEverything();
   removeSession(getpid());
   _exit(EXIT_FAILURE);
 }

@@ -8,7 +8,7 @@
 
 #include "Platform/Linux/Support/Diagnostics.h"
 #include "Platform/Linux/X11/ClientMessage.h"
-#include "Platform/Linux/X11/Ending.h"
+#include "Platform/Linux/X11/Shutdown.h"
 #include "Platform/Linux/X11/WindowManager.h"
 
 namespace tapdeck::x11 {
@@ -17,22 +17,23 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// for an application that is known to answer: a busy one may be that far behind
-constexpr milliseconds kMaxWait{5000};
-// for one that did not answer the last time
-constexpr milliseconds kShortWait{100};
-// for one that may not know the question; if it does not answer, the fixed pause after it
-constexpr milliseconds kFirstWait{2000};
-constexpr milliseconds kBlindWait{300};
-constexpr milliseconds kRefreshTime{500};
-constexpr milliseconds kTurn{10};
-// how soon a wait notices that the process ends
-constexpr milliseconds kLook{100};
+// How long an answer is awaited: from an application that is known to answer (a busy one may be
+// that far behind), from one that did not answer the last time, and from one that may not know the
+// question.
+constexpr milliseconds kAnsweringTimeout{5000};
+constexpr milliseconds kSilentTimeout{100};
+constexpr milliseconds kUnknownTimeout{2000};
+// for an application that does not know the question, in place of an answer
+constexpr milliseconds kUnknownPause{300};
+constexpr milliseconds kRefreshTimeout{500};
+// for the application's main loop to run once
+constexpr milliseconds kMainLoopPause{10};
+constexpr milliseconds kShutdownCheckInterval{100};
 
 }  // namespace
 
 ClientSync::~ClientSync() {
-  if (_own != XCB_WINDOW_NONE) xcb_destroy_window(_connection.get(), _own);
+  if (_selectionWindow != XCB_WINDOW_NONE) xcb_destroy_window(_connection.get(), _selectionWindow);
 }
 
 xcb_window_t ClientSync::noteFocus() {
@@ -48,9 +49,9 @@ void ClientSync::waitForKeymapRefresh() {
   if (window == XCB_WINDOW_NONE || isOwn(window) || !supportsPing(window)) return;
   if (_silent.contains(window)) return;
   // two answers, so that its main loop has run once in between
-  const Deadline deadline = Clock::now() + kRefreshTime;
+  const Deadline deadline = Clock::now() + kRefreshTimeout;
   for (int round = 0; round < 2 && ping(window, deadline); ++round) {
-    std::this_thread::sleep_for(kTurn);
+    std::this_thread::sleep_for(kMainLoopPause);
   }
 }
 
@@ -69,8 +70,10 @@ void ClientSync::waitUntilRead() {
 void ClientSync::waitUntilReadBy(xcb_window_t window) {
   const bool isPinged = supportsPing(window);
   const bool wasSilent = _silent.contains(window);
-  const bool isSureToKnow = isPinged || _answering.contains(window);
-  const milliseconds longest = wasSilent ? kShortWait : isSureToKnow ? kMaxWait : kFirstWait;
+  const bool knowsPing = isPinged || _answering.contains(window);
+  const milliseconds longest = wasSilent   ? kSilentTimeout
+                               : knowsPing ? kAnsweringTimeout
+                                           : kUnknownTimeout;
   const Deadline deadline = Clock::now() + longest;
   if (isPinged ? ping(window, deadline) : pingByEditres(window, deadline)) {
     _silent.erase(window);
@@ -78,12 +81,12 @@ void ClientSync::waitUntilReadBy(xcb_window_t window) {
     return;
   }
   _silent.insert(window);
-  if (isSureToKnow && !wasSilent) {
+  if (knowsPing && !wasSilent) {
     warn(
         "the application that is typed into does not answer; some of what is typed may get lost "
         "there.");
-  } else if (!isSureToKnow) {
-    std::this_thread::sleep_for(kBlindWait);
+  } else if (!knowsPing) {
+    std::this_thread::sleep_for(kUnknownPause);
   }
 }
 
@@ -116,7 +119,7 @@ bool ClientSync::supportsPing(xcb_window_t window) {
 bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
   const xcb_atom_t protocols = _connection.atom("WM_PROTOCOLS");
   const xcb_atom_t pingAtom = _connection.atom("_NET_WM_PING");
-  const uint32_t number = ++_number;
+  const uint32_t number = ++_lastPing;
   const auto listen = [this](uint32_t mask) {
     xcb_change_window_attributes(_connection.get(), _connection.root(), XCB_CW_EVENT_MASK, &mask);
   };
@@ -141,14 +144,15 @@ bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
 bool ClientSync::pingByEditres(xcb_window_t window, Deadline deadline) {
   constexpr uint32_t protocolVersion = 5;
   const xcb_atom_t selection = _connection.atom("TAPDECK_QUESTION");
-  if (_own == XCB_WINDOW_NONE) {
-    _own = xcb_generate_id(_connection.get());
-    xcb_create_window(_connection.get(), XCB_COPY_FROM_PARENT, _own, _connection.root(), -1, -1, 1,
-                      1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+  if (_selectionWindow == XCB_WINDOW_NONE) {
+    _selectionWindow = xcb_generate_id(_connection.get());
+    xcb_create_window(_connection.get(), XCB_COPY_FROM_PARENT, _selectionWindow, _connection.root(),
+                      -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0,
+                      nullptr);
   }
-  xcb_set_selection_owner(_connection.get(), _own, selection, XCB_CURRENT_TIME);
+  xcb_set_selection_owner(_connection.get(), _selectionWindow, selection, XCB_CURRENT_TIME);
   sendClientMessage(_connection, window, _connection.atom("Editres"),
-                    {XCB_CURRENT_TIME, selection, ++_number & 0xff, protocolVersion, 0}, window,
+                    {XCB_CURRENT_TIME, selection, ++_lastPing & 0xff, protocolVersion, 0}, window,
                     XCB_EVENT_MASK_NO_EVENT);
   const bool answered = waitForEvent(
       [&](const xcb_generic_event_t& event) {
@@ -178,11 +182,11 @@ bool ClientSync::waitForEvent(Matches matches, Deadline deadline) {
     while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_connection.get())}) {
       if (matches(*event)) return true;
     }
-    const auto last = std::min(deadline, endOfPatience().value_or(deadline));
+    const auto last = std::min(deadline, shutdownDeadline().value_or(deadline));
     const auto left = std::chrono::duration_cast<milliseconds>(last - Clock::now());
     if (left.count() <= 0) return false;
     pollfd readable = {xcb_get_file_descriptor(_connection.get()), POLLIN, 0};
-    ::poll(&readable, 1, static_cast<int>(std::min(left, kLook).count()));
+    ::poll(&readable, 1, static_cast<int>(std::min(left, kShutdownCheckInterval).count()));
   }
   return false;
 }

@@ -13,9 +13,8 @@
 
 namespace tapdeck::x11 {
 
-/// Sends input by XTEST and keeps the account of what is pressed, on disk too: the server keeps
-/// pressed what a client pressed even after that client is gone. The caller flushes. One thread at
-/// a time.
+/// Sends input by XTEST, and records in the journal what is pressed and locked: the server releases
+/// nothing when the client that pressed it is gone. The caller flushes. One thread at a time.
 class InputSender {
  public:
   using Clock = std::chrono::steady_clock;
@@ -30,13 +29,13 @@ class InputSender {
   /// By the core protocol's WarpPointer.
   void warp(Pixel pixel);
 
-  /// The caller enters a key or button here before it presses it, and takes it out before it
-  /// releases it.
+  /// The caller adds a key or button here before it presses it, and removes it before it releases
+  /// it.
   PressedInput& pressed() { return _pressed; }
   const PressedInput& pressed() const { return _pressed; }
   void pressKey(Keycode code);
   void releaseKey(Keycode code);
-  /// At once, nothing between the two.
+  /// Presses and releases; not recorded.
   void tapKey(Keycode code);
   /// The physical button; not before earliestPress().
   void pressButton(uint8_t button);
@@ -59,21 +58,22 @@ class InputSender {
   /// has as pressed, because the server is not known to have carried them out: it drops what it has
   /// not read when the process is killed. Absent when there is none.
   std::optional<std::chrono::steady_clock::time_point> unconfirmedSince() const;
-  /// A number that grows with every release.
+  /// The number of releases so far.
   uint64_t releaseCount() const { return _releaseCount; }
   /// The server has carried out that many releases, and all that was sent before them.
   void confirmReleases(uint64_t count);
 
-  /// What a process before this one left of keys' mappings; empty when there is nothing.
+  /// What a process before this one left, its keys' mappings included, which are still to be
+  /// restored.
   const InputRecord& leftOver() const { return _leftOver; }
-  /// Whether mappings can be kept now: not while the disk is full.
-  bool canKeepMappings() { return _journal.takeSpace(); }
-  /// Keeps the mappings that are to be given back.
+  /// Whether mappings can be recorded now: not while the disk is full.
+  bool canKeepMappings() { return _journal.reserveSpace(); }
+  /// Records the mappings that are to be restored.
   void keepMappings(const KeyMappings& mappings);
 
  private:
   /// `delay`: milliseconds that the server waits before it, and before all that is sent after it.
-  void fake(uint8_t type, uint8_t detail, Pixel pixel = {0, 0}, uint32_t delay = 0);
+  void fakeInput(uint8_t type, uint8_t detail, Pixel pixel = {0, 0}, uint32_t delay = 0);
   void noteGroupRestored();
   void noteRelease();
   void updateJournal();

@@ -20,9 +20,9 @@ namespace tapdeck::x11 {
 namespace {
 
 constexpr uint8_t kFormat = 2;
-// room for every key of a keyboard with all the levels that layouts have
+// room for the mappings of every key, with as many levels as layouts have
 constexpr size_t kFileSize = size_t{64} << 10;
-// in front of what is held: how many bytes that is, as the file is always as long
+// the file begins with the record's length, as its own does not change
 constexpr int kSizeBytes = 4;
 
 /// Numbers, the most significant byte first.
@@ -50,7 +50,7 @@ std::bitset<256> readBits(ByteReader& reader) {
   return bits;
 }
 
-/// Without actions: keys that have some are not borrowed.
+/// Without actions: only keys that have none are borrowed.
 void addMapping(Writer& writer, Keycode code, const KeyMapping& mapping) {
   writer.add(code, 1);
   for (const uint8_t type : mapping.types) writer.add(type, 1);
@@ -73,7 +73,7 @@ KeyMapping readMapping(ByteReader& reader) {
 std::string fileName() {
   const char* variable = std::getenv("DISPLAY");
   std::string display = variable == nullptr ? "" : variable;
-  // the screen's number is of no account: all screens have one keyboard
+  // without the screen's number: all screens share one keyboard
   if (const auto dot = display.rfind('.'); dot != std::string::npos && dot > display.rfind(':')) {
     display.resize(dot);
   }
@@ -129,25 +129,25 @@ Journal::Journal() {
       ::open(_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, S_IRUSR | S_IWUSR));
   if (!file.isOpen() || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0) return;
   _file = std::move(file);
-  takeSpace();
+  reserveSpace();
 }
 
 Journal::~Journal() {
   if (_file.isOpen() && _holdsNothing) ::unlink(_path.c_str());
 }
 
-bool Journal::takeSpace() {
+bool Journal::reserveSpace() {
   if (!_file.isOpen() || _hasSpace) return true;
   const int error = ::posix_fallocate(_file.get(), 0, kFileSize);
   _hasSpace = error == 0;
-  if (!_hasSpace && !std::exchange(_toldOfFullDisk, true)) {
+  if (!_hasSpace && !std::exchange(_hasWarned, true)) {
     warn("there is no space for " + _path.string() + " (" + std::generic_category().message(error) +
          "): text is typed with the keys of the layout alone, and what it lacks is left out.");
   }
   return _hasSpace;
 }
 
-std::optional<InputRecord> Journal::takeLeftOver() const {
+std::optional<InputRecord> Journal::readLeftOver() const {
   if (!_file.isOpen()) return std::nullopt;
   std::vector<uint8_t> bytes(kFileSize);
   const ssize_t count = ::pread(_file.get(), bytes.data(), bytes.size(), 0);
@@ -159,12 +159,12 @@ std::optional<InputRecord> Journal::takeLeftOver() const {
 }
 
 void Journal::write(const InputRecord& record) {
-  if (!_file.isOpen() || !takeSpace()) return;
+  if (!_file.isOpen() || !reserveSpace()) return;
   const auto content = record.isNothing() ? std::vector<uint8_t>() : writeRecord(record);
   Writer writer;
   writer.add(static_cast<uint32_t>(content.size()), kSizeBytes);
   writer.bytes.insert(writer.bytes.end(), content.begin(), content.end());
-  // one write: a kill leaves the old state or the new
+  // in one write, so that a kill leaves either the old record or the new one
   const ssize_t written = ::pwrite(_file.get(), writer.bytes.data(), writer.bytes.size(), 0);
   _holdsNothing = content.empty() && written == static_cast<ssize_t>(writer.bytes.size());
 }

@@ -15,13 +15,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 template <typename... Functions>
-struct Match : Functions... {
+struct Overloaded : Functions... {
   using Functions::operator()...;
 };
 template <typename... Functions>
-Match(Functions...) -> Match<Functions...>;
+Overloaded(Functions...) -> Overloaded<Functions...>;
 
-// so many characters of a text are looked at for one change; more would find no key anyway
+// the characters of a text that one change of the keymap is planned for; there are fewer spare keys
 constexpr size_t kMaxTextAhead = 4096;
 
 constexpr std::chrono::milliseconds kMinGroupTime{20};
@@ -37,9 +37,9 @@ LiveKeyboard::LiveKeyboard(Connection& output)
       _monitor(output),
       _sender(output, _monitor),
       _keys(output, _sender, _monitor),
-      _clients(_questions) {
-  xcb_test_grab_control(_questions.get(), 1);
-  _questions.flush();
+      _clients(_syncConnection) {
+  xcb_test_grab_control(_syncConnection.get(), 1);
+  _syncConnection.flush();
   // a process before this one may have been killed while the keymap was changed
   putGroupIntoRange();
 }
@@ -67,14 +67,15 @@ std::chrono::steady_clock::time_point LiveKeyboard::notBefore(const Step& step) 
 }
 
 void LiveKeyboard::carryOut(const Step& step) {
-  std::visit(Match{[this](const MotionStep& motion) { _sender.move(motion.pixel); },
-                   [this](const WarpStep& warp) { _sender.warp(warp.pixel); },
-                   [this](const ButtonStep& button) { carryOutButton(button); },
-                   [this](const WheelStep& wheel) {
-                     for (int left = wheel.turns; left > 0; --left) _sender.tapButton(wheel.button);
-                   },
-                   [this](const KeyStep& key) { carryOutKey(key); },
-                   [this](const TextStep& text) { type(text); }},
+  std::visit(Overloaded{[this](const MotionStep& motion) { _sender.move(motion.pixel); },
+                        [this](const WarpStep& warp) { _sender.warp(warp.pixel); },
+                        [this](const ButtonStep& button) { carryOutButton(button); },
+                        [this](const WheelStep& wheel) {
+                          for (int left = wheel.turns; left > 0; --left)
+                            _sender.tapButton(wheel.button);
+                        },
+                        [this](const KeyStep& key) { carryOutKey(key); },
+                        [this](const TextStep& text) { type(text); }},
              step);
   xcb_flush(_output.get());
 }
@@ -121,8 +122,8 @@ void LiveKeyboard::putGroupIntoRange() {
   if (locked != inRange) _sender.lockGroup(inRange, inRange);
 }
 
-// Borrowed keys mean something else once they are given back or assigned anew: who got them has to
-// have read them by then.
+// An application has to have read the events of borrowed keys before these are assigned to other
+// keysyms or given back.
 void LiveKeyboard::noteFocus(xcb_get_input_focus_cookie_t question) {
   const auto focus = _output.wait(question, xcb_get_input_focus_reply);
   if (focus != nullptr) _clients.noteTypedInto(focus->focus);
@@ -218,7 +219,7 @@ std::optional<RealKey> LiveKeyboard::keyToPress(const UsKey& key, const State& n
 }
 
 void LiveKeyboard::sendKey(const RealKey& key, bool down, const State& now) {
-  if (changesState(key.code, now)) _monitor.stateIsChanged();
+  if (changesState(key.code, now)) _monitor.invalidateState();
   if (key.group) _sender.lockGroup(groupToLock(*key.group, now), userGroup(now));
   // the level is chosen at the press
   const bool locksShift = down && key.isShifted && (now.lockedModifiers & XCB_MOD_MASK_SHIFT) == 0;
@@ -242,7 +243,7 @@ void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
 
 void LiveKeyboard::leaveKeyGroup() {
   if (!_keyGroup) return;
-  // where the press was queued, its release follows at once
+  // the release of a press that was queued follows it at once
   xcb_flush(_output.get());
   std::this_thread::sleep_until(_keyGroup->since + kMinGroupTime);
   _sender.restoreGroup();

@@ -71,15 +71,15 @@ class LiveKeyboard {
   /// Restores the user's keymap; may wait like `prepare`.
   void giveBack();
   bool isBorrowing() const { return _keys.isBorrowing(); }
-  /// When borrowed keys were last needed: now, while one is pressed.
+  /// When borrowed keys were last needed; the present time while one is pressed.
   std::chrono::steady_clock::time_point lastNeed() const;
   void releaseAll();
 
-  /// When the oldest release was sent that the server is not known to have carried out.
+  /// See InputSender.
   std::optional<std::chrono::steady_clock::time_point> unconfirmedSince() const {
     return _sender.unconfirmedSince();
   }
-  /// To be called after the server has answered to something that was sent behind so many releases.
+  /// To be called after a reply of the server to a request that was sent after so many releases.
   void confirmReleases(uint64_t count) { _sender.confirmReleases(count); }
   uint64_t releaseCount() const { return _sender.releaseCount(); }
   const Connection& output() const { return _output; }
@@ -121,7 +121,7 @@ class LiveKeyboard {
   void type(const TextStep& step);
   /// The modifiers that this process holds pressed and that are released while text is typed.
   std::vector<RealKey> modifiersToRelease() const;
-  /// Waits for the reply.
+  /// Waits for the reply, and notes the window for ClientSync.
   void noteFocus(xcb_get_input_focus_cookie_t question);
   /// With a key of the layout itself; nothing when it has none.
   void typeOnLayout(Keysym keysym, int group);
@@ -130,8 +130,8 @@ class LiveKeyboard {
   KeyboardMonitor _monitor;
   InputSender _sender;
   BorrowedKeys _keys;
-  /// For questions to the applications, whose answers are events.
-  Connection _questions;
+  /// ClientSync's: the answers of applications are events.
+  Connection _syncConnection;
   ClientSync _clients;
   std::optional<KeyGroup> _keyGroup;
   std::chrono::steady_clock::time_point _lastNeed;
