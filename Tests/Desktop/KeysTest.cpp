@@ -164,7 +164,8 @@ int holdAtRandom(unsigned seed, const std::string& end) {
   return 0;
 }
 
-/// Is killed in the midst of a text: group and Caps Lock are not as the user has locked them.
+/// Is killed in the midst of a text: group and Caps Lock are not as the user has locked them, and a
+/// borrowed key is pressed.
 int dieWhileTyping() {
   x11::Connection connection;
   x11::KeyboardMonitor monitor(connection);
@@ -172,6 +173,9 @@ int dieWhileTyping() {
   sender.lockModifiers(XCB_MOD_MASK_LOCK, 0, XCB_MOD_MASK_LOCK);
   sender.lockGroup(2, 1);
   sender.lockGroup(0, 1);
+  constexpr x11::Keycode borrowed = 248;
+  sender.keepMappings({{borrowed, {}}});
+  sender.pressKey(borrowed);
   connection.sync();
   return ::raise(SIGKILL);
 }
@@ -230,7 +234,7 @@ TEST(HeldTest, NothingStaysPressedAtTheEnd) {
   keyboard.lockCaps(false);
 }
 
-TEST(HeldTest, WhatTheUserHadLockedIsRestored) {
+TEST(HeldTest, AKillAmidATextLeavesNothingBehind) {
   Observer observer;
   TypingKeyboard keyboard{observer};
   keyboard.setLayout("us,ru,gr,il");
@@ -240,8 +244,10 @@ TEST(HeldTest, WhatTheUserHadLockedIsRestored) {
     keyboard.lockCaps(true);
     ASSERT_TRUE(WIFSIGNALED(runHolder("0 typing")));
     ASSERT_EQ(keyboard.state(), (TypingKeyboard::State{0, 0, 0}));
+    ASSERT_NE(keyboard.pressedKeys(), "");
     keyboard.lockGroup(chosen);
     ASSERT_EQ(runHolder("0 nothing"), 0);
+    EXPECT_EQ(keyboard.pressedKeys(), "");
     const unsigned expected = chosen == 0 ? 1 : chosen;
     EXPECT_EQ(keyboard.state(), (TypingKeyboard::State{0, XCB_MOD_MASK_LOCK, expected}));
   }

@@ -27,6 +27,8 @@ InputSender::InputSender(Connection& connection, KeyboardMonitor& monitor)
   _locks = _record.locks;
   _isGroupChanged = _locks.groups != 0;
   _changedModifiers = _locks.modifiers;
+  // tapKey records nothing; the server ignores the release of a key that is not pressed
+  for (const auto& [code, mapping] : _record.mappings) _record.keys.set(code);
   releaseAll();
 }
 
