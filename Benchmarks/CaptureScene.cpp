@@ -128,7 +128,7 @@ void CaptureScene::show(const Rectangle& part, int x, int y) {
                     static_cast<uint16_t>(part.height), static_cast<int16_t>(x),
                     static_cast<int16_t>(y), kDepth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0, _canvas->number,
                     0);
-  _connection.finish();
+  _connection.sync();
 }
 
 void CaptureScene::drawPhotograph() {

@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
   if (std::string(argv[3]) == "tapdeck") {
     x11::connectToWindowServer();
     measure("tapdeck", text, client, [&] { typeUnicodeText(text); });
-    x11::letGo();
+    x11::releaseEverything();
   } else {
     const std::string delay = argc > 4 ? argv[4] : "12";
     measure("xdotool, " + delay + " ms", text, client, [&] { typeByXdotool(text, delay); });

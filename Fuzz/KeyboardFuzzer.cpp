@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   if (const auto held = readRecord(bytes)) {
     const auto again = readRecord(writeRecord(*held));
-    tapdeck::require(again && again->keys == held->keys && again->mappings == held->mappings,
+    tapdeck::require(again && again->keys == held->keys && again->locks == held->locks &&
+                         again->mappings == held->mappings,
                      "what was read is written as it was");
   }
   return 0;

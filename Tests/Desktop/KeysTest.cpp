@@ -152,14 +152,32 @@ int holdAtRandom(unsigned seed, const std::string& end) {
         postKey(keyCodeForName(names[random() % names.size()].first), down);
     }
   }
+  // a key that the layout lacks: its group stays locked while it is pressed
+  if (seed % 4 == 1) postKey(keyCodeForName("a"), true);
   // when the pointer has come, so has all before it
   const int place = 100 + static_cast<int>(seed % 400);
   postMouse(kCGEventMouseMoved, place, 55);
   Observer observer;
   eventually([&] { return observer.pointer().x == place; });
   if (end == "killed") ::raise(SIGKILL);
-  x11::letGo();
+  x11::releaseEverything();
   return 0;
+}
+
+/// Is killed in the midst of a text: group and Caps Lock are not as the user has locked them, and a
+/// borrowed key is pressed.
+int dieWhileTyping() {
+  x11::Connection connection;
+  x11::KeyboardMonitor monitor(connection);
+  x11::InputSender sender(connection, monitor);
+  sender.lockModifiers(XCB_MOD_MASK_LOCK, 0, XCB_MOD_MASK_LOCK);
+  sender.lockGroup(2, 1);
+  sender.lockGroup(0, 1);
+  constexpr x11::Keycode borrowed = 248;
+  sender.keepMappings({{borrowed, {}}});
+  sender.pressKey(borrowed);
+  connection.sync();
+  return ::raise(SIGKILL);
 }
 
 /// Types where no file can grow, as on a full disk, and is killed.
@@ -190,14 +208,16 @@ TEST(HeldTest, NothingStaysPressedAtTheEnd) {
   keyboard.setLayout("ru,gr");
   const std::string keymap = TypingKeyboard::dump();
   int foundPressed = 0;
-  // not elsewhere each time: from 4293242372 on it is killed while the group of a missing key is
-  // locked, and the group is not put back yet
-  const unsigned first = testSeed(1);
+  int foundLocked = 0;
+  const unsigned first = testSeed();
   for (unsigned seed = first; seed != first + 10; ++seed) {
     SCOPED_TRACE(seed);
-    if ((seed - first) % 2 != 0) {
+    const uint8_t group = seed / 4 % 2;
+    keyboard.lockGroup(group);
+    if (seed % 2 != 0) {
       ASSERT_TRUE(WIFSIGNALED(runHolder(std::to_string(seed) + " killed")));
       foundPressed += keyboard.pressedKeys().empty() ? 0 : 1;
+      foundLocked += keyboard.state().group == group ? 0 : 1;
       EXPECT_FALSE(TypingKeyboard::dump() == keymap) << "nothing to put back: no test";
       ASSERT_EQ(runHolder("0 nothing"), 0);
     } else {
@@ -206,11 +226,33 @@ TEST(HeldTest, NothingStaysPressedAtTheEnd) {
     EXPECT_EQ(keyboard.pressedKeys(), "");
     EXPECT_EQ(observer.pointer().buttons, 0U);
     EXPECT_EQ(keyboard.state().held, 0U);
-    EXPECT_EQ(keyboard.state().group, 0U);
+    EXPECT_EQ(keyboard.state().group, group);
     EXPECT_TRUE(TypingKeyboard::dump() == keymap);
   }
   EXPECT_GT(foundPressed, 0) << "nothing to release: no test";
+  EXPECT_GT(foundLocked, 0) << "no group to lock: no test";
   keyboard.lockCaps(false);
+}
+
+TEST(HeldTest, AKillAmidATextLeavesNothingBehind) {
+  Observer observer;
+  TypingKeyboard keyboard{observer};
+  keyboard.setLayout("us,ru,gr,il");
+  // none, or what the user has chosen after the kill
+  for (const uint8_t chosen : {0, 3}) {
+    keyboard.lockGroup(1);
+    keyboard.lockCaps(true);
+    ASSERT_TRUE(WIFSIGNALED(runHolder("0 typing")));
+    ASSERT_EQ(keyboard.state(), (TypingKeyboard::State{0, 0, 0}));
+    ASSERT_NE(keyboard.pressedKeys(), "");
+    keyboard.lockGroup(chosen);
+    ASSERT_EQ(runHolder("0 nothing"), 0);
+    EXPECT_EQ(keyboard.pressedKeys(), "");
+    const unsigned expected = chosen == 0 ? 1 : chosen;
+    EXPECT_EQ(keyboard.state(), (TypingKeyboard::State{0, XCB_MOD_MASK_LOCK, expected}));
+  }
+  keyboard.lockCaps(false);
+  keyboard.setLayout("us");
 }
 
 TEST(HeldTest, AFullDiskLeavesTheKeymapAlone) {
@@ -229,7 +271,7 @@ TEST(HeldTest, AFullDiskLeavesTheKeymapAlone) {
 class KeysTest : public ::testing::Test {
  protected:
   ~KeysTest() override {
-    x11::letGo();
+    x11::releaseEverything();
     keyboard.setLayout("us");
   }
 
@@ -431,7 +473,7 @@ TEST_F(KeysTest, AnotherLayoutMeanwhileStaysInForce) {
   EXPECT_THAT(listener.heard(4), ElementsAre("down eacute", "up eacute", "down z", "up z"));
   tap("z");
   EXPECT_THAT(listener.heard(2), ElementsAre("down z", "up z"));
-  x11::letGo();
+  x11::releaseEverything();
   EXPECT_TRUE(TypingKeyboard::dump() == keymap);
 }
 
@@ -454,6 +496,7 @@ TEST_F(KeysTest, WithoutPermissionOnlyReleasesGoOut) {
 int main(int argc, char** argv) {
   if (argc == 4 && std::string(argv[1]) == "hold") {
     if (std::string(argv[3]) == "full-disk") return tapdeck::testing::typeOnFullDisk();
+    if (std::string(argv[3]) == "typing") return tapdeck::testing::dieWhileTyping();
     return tapdeck::testing::holdAtRandom(static_cast<unsigned>(std::stoul(argv[2])), argv[3]);
   }
   ::testing::InitGoogleMock(&argc, argv);

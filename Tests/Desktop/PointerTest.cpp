@@ -25,7 +25,7 @@ class PointerTest : public ::testing::Test {
     observer.heard();
   }
   ~PointerTest() override {
-    x11::letGo();
+    x11::releaseEverything();
     permissions::setGranted(Permission::control, true);
   }
 
@@ -140,10 +140,10 @@ TEST_F(PointerTest, LetsGoOfWhatItHoldsAlsoWhenTheConnectionEnds) {
   post(kCGEventLeftMouseDown, 60, 60);
   post(kCGEventOtherMouseDown, 60, 60, kCGMouseButtonCenter);
   EXPECT_EQ(observer.pointer().buttons, 0b011U);
-  x11::letGo();
+  x11::releaseEverything();
   EXPECT_EQ(observer.pointer().buttons, 0U);
   observer.heard();
-  x11::letGo();
+  x11::releaseEverything();
   EXPECT_EQ(observer.heard(), Lines{});
 
   post(kCGEventRightMouseDown, 60, 60);

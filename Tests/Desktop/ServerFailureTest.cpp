@@ -83,7 +83,7 @@ TEST(ServerFailureTest, EveryFunctionComesBackWithAnAnswer) {
   EXPECT_FALSE(platform::mainScreen().has_value());
   EXPECT_EQ(platform::mouseLocation().x, 0);
   EXPECT_EQ(x11::pixelsPerPoint(), 1);
-  x11::letGo();
+  x11::releaseEverything();
   // the watch on the dead connection ends too: the loop runs dry instead of turning for ever
   runFor(std::chrono::milliseconds(100));
   EXPECT_TRUE(eventually([] { return g_main_context_pending(nullptr) == FALSE; }));
@@ -156,7 +156,7 @@ TEST(CursorTest, ShowsAgainAfterAsManyShowsAsHides) {
 
   CGDisplayHideCursor(0);
   EXPECT_TRUE(eventually(isHidden));
-  x11::letGo();
+  x11::releaseEverything();
   EXPECT_TRUE(eventually(isShown));
 }
 

@@ -75,12 +75,14 @@ TEST(JournalTest, ReadsWhatItWroteAndNothingElse) {
   InputRecord held;
   held.keys.set(8).set(255);
   held.buttons.set(1);
+  held.locks = {1, 2, 3, 4};
   held.mappings[156] = twoGroups(0x1008FF41, 'A', 0x6CA, 0x6EA);
   const auto bytes = writeRecord(held);
   const auto read = readRecord(bytes);
   ASSERT_TRUE(read);
   EXPECT_EQ(read->keys, held.keys);
   EXPECT_EQ(read->buttons, held.buttons);
+  EXPECT_EQ(read->locks, held.locks);
   EXPECT_EQ(read->mappings, held.mappings);
   for (size_t size = 0; size < bytes.size(); ++size) {
     EXPECT_FALSE(readRecord({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)}));
@@ -106,9 +108,9 @@ TEST(JournalTest, HasItsSpaceFromTheStart) {
     for (Keycode code = 8; code != 0; ++code) record.mappings[code] = twoGroups('a', 'A', 'b', 'B');
     journal.write(record);
     EXPECT_EQ(std::filesystem::file_size(file), size);
-    EXPECT_EQ(journal.takeLeftOver()->mappings, record.mappings);
+    EXPECT_EQ(journal.readLeftOver()->mappings, record.mappings);
     journal.write(InputRecord());
-    EXPECT_FALSE(journal.takeLeftOver());
+    EXPECT_FALSE(journal.readLeftOver());
   }
   EXPECT_FALSE(std::filesystem::exists(file)) << "nothing is held";
 }

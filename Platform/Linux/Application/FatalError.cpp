@@ -8,8 +8,8 @@
 
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/Linux/Support/Diagnostics.h"
-#include "Platform/Linux/X11/Ending.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
+#include "Platform/Linux/X11/Shutdown.h"
 
 namespace tapdeck {
 namespace {
@@ -32,8 +32,8 @@ void sayWhy() {
   std::set_terminate(std::abort);
   alarm(kPatienceSeconds);
   sayWhy();
-  x11::beginToEnd();
-  x11::letGo();
+  x11::beginShutdown();
+  x11::releaseEverything();
   removeSession(getpid());
   _exit(EXIT_FAILURE);
 }

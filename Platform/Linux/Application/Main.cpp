@@ -27,8 +27,8 @@
 #include "Platform/Linux/Fronts/Pasteboard.h"
 #include "Platform/Linux/Fronts/Queues.h"
 #include "Platform/Linux/Support/Diagnostics.h"
-#include "Platform/Linux/X11/Ending.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
+#include "Platform/Linux/X11/Shutdown.h"
 #include "Platform/UserDefaults.h"
 #include "Runner/MainFlutterWindow.h"
 #include "Runner/Waking.h"
@@ -94,7 +94,7 @@ void serve(const Options& options) {
   // Before the engine writes the session file, which a signal must not leave behind. None is heard
   // until the loop runs, and then there is a window.
   const TerminationSignals end([loop] {
-    x11::beginToEnd();
+    x11::beginShutdown();
     loop->quit();
   });
   const SignalSource show(SIGUSR1, [&mainWindow] { mainWindow->bringForward(); });
@@ -116,7 +116,7 @@ void serve(const Options& options) {
   loop->run();
   engine->stop();
   // while the signals are still heard: a second one must not end the process before this is done
-  x11::letGo();
+  x11::releaseEverything();
 }
 
 int run(const Options& options) {

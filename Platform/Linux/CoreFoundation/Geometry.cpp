@@ -6,28 +6,54 @@
 const CGRect CGRectNull = {
     {std::numeric_limits<CGFloat>::infinity(), std::numeric_limits<CGFloat>::infinity()}, {0, 0}};
 
+namespace {
+
+/// What a rectangle covers along one axis.
+struct Extent {
+  CGFloat min, size;
+  CGFloat mid() const { return min + size / 2; }
+  CGFloat max() const { return min + size; }
+  bool contains(CGFloat place) const { return place >= min && place < max(); }
+};
+
+Extent extentX(const CGRect& rect) {
+  return {rect.origin.x, rect.size.width};
+}
+
+Extent extentY(const CGRect& rect) {
+  return {rect.origin.y, rect.size.height};
+}
+
+/// The smallest one that covers both.
+Extent covering(const Extent& a, const Extent& b) {
+  const CGFloat min = std::min(a.min, b.min);
+  return {min, std::max(a.max(), b.max()) - min};
+}
+
+}  // namespace
+
 CGFloat CGRectGetMinX(CGRect rect) {
-  return rect.origin.x;
-}
-
-CGFloat CGRectGetMidX(CGRect rect) {
-  return rect.origin.x + rect.size.width / 2;
-}
-
-CGFloat CGRectGetMaxX(CGRect rect) {
-  return rect.origin.x + rect.size.width;
+  return extentX(rect).min;
 }
 
 CGFloat CGRectGetMinY(CGRect rect) {
-  return rect.origin.y;
+  return extentY(rect).min;
+}
+
+CGFloat CGRectGetMidX(CGRect rect) {
+  return extentX(rect).mid();
 }
 
 CGFloat CGRectGetMidY(CGRect rect) {
-  return rect.origin.y + rect.size.height / 2;
+  return extentY(rect).mid();
+}
+
+CGFloat CGRectGetMaxX(CGRect rect) {
+  return extentX(rect).max();
 }
 
 CGFloat CGRectGetMaxY(CGRect rect) {
-  return rect.origin.y + rect.size.height;
+  return extentY(rect).max();
 }
 
 CGFloat CGRectGetWidth(CGRect rect) {
@@ -39,8 +65,7 @@ CGFloat CGRectGetHeight(CGRect rect) {
 }
 
 bool CGRectContainsPoint(CGRect rect, CGPoint point) {
-  return point.x >= CGRectGetMinX(rect) && point.x < CGRectGetMaxX(rect) &&
-         point.y >= CGRectGetMinY(rect) && point.y < CGRectGetMaxY(rect);
+  return extentX(rect).contains(point.x) && extentY(rect).contains(point.y);
 }
 
 bool CGRectIsNull(CGRect rect) {
@@ -51,9 +76,7 @@ bool CGRectIsNull(CGRect rect) {
 CGRect CGRectUnion(CGRect a, CGRect b) {
   if (CGRectIsNull(a)) return b;
   if (CGRectIsNull(b)) return a;
-  const CGFloat minX = std::min(CGRectGetMinX(a), CGRectGetMinX(b));
-  const CGFloat minY = std::min(CGRectGetMinY(a), CGRectGetMinY(b));
-  const CGFloat maxX = std::max(CGRectGetMaxX(a), CGRectGetMaxX(b));
-  const CGFloat maxY = std::max(CGRectGetMaxY(a), CGRectGetMaxY(b));
-  return CGRectMake(minX, minY, maxX - minX, maxY - minY);
+  const Extent x = covering(extentX(a), extentX(b));
+  const Extent y = covering(extentY(a), extentY(b));
+  return CGRectMake(x.min, y.min, x.size, y.size);
 }

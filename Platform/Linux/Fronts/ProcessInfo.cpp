@@ -15,7 +15,7 @@ std::optional<std::string> environmentVariable(const std::string& name) {
 
 void stopProcess(const std::string& message) {
   std::fprintf(stderr, "❌ %s\n", message.c_str());
-  x11::letGo();
+  x11::releaseEverything();
   std::abort();
 }
 

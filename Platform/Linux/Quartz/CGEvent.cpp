@@ -1,4 +1,4 @@
-#include "Platform/Linux/X11/Ending.h"
+#include "Platform/Linux/X11/Shutdown.h"
 #include "Platform/Linux/X11/Input/Event.h"
 #include "Platform/Linux/X11/PointSpace.h"
 #include "Platform/Linux/X11/Session/ServerSession.h"
@@ -68,7 +68,7 @@ CGEventRef CGEventCreateMouseEvent(CGEventSourceRef, CGEventType type, CGPoint p
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode key, bool keyDown) {
-  if (tapdeck::x11::endOfPatience()) return nullptr;
+  if (tapdeck::x11::shutdownDeadline()) return nullptr;
   auto* event = new __CGEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp);
   event->keyCode = key;
   return event;

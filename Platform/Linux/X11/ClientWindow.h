@@ -9,7 +9,7 @@
 
 namespace tapdeck::x11 {
 
-// One window of another application, as its window manager keeps it (EWMH). Main thread only.
+// A window of another application, controlled through the window manager (EWMH). Main thread only.
 
 bool exists(Connection& connection, xcb_window_t window);
 

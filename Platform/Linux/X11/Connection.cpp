@@ -81,7 +81,7 @@ void Connection::flush() const {
   }
 }
 
-void Connection::finish() const {
+void Connection::sync() const {
   wait(xcb_get_input_focus(get()), xcb_get_input_focus_reply);
 }
 

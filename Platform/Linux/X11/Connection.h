@@ -44,9 +44,9 @@ class Connection {
   /// Sends what is buffered, and drops the events and errors that have come in. Whoever reads the
   /// connection's events calls xcb_flush instead.
   void flush() const;
-  /// Waits, for one round trip, until the server has carried out all that was sent. To call before
-  /// the connection ends, when the server drops what it has not read.
-  void finish() const;
+  /// Waits until the server has carried out all that was sent (one round trip, like XSync). To be
+  /// called before the connection ends, because the server then drops what it has not read.
+  void sync() const;
 
   /// Waits for the reply of `request`; null when the server refused it or is gone.
   template <typename Cookie, typename Packet>

@@ -105,7 +105,7 @@ void ServerState::observe(std::function<void()> changed) {
 
 void ServerState::readEvents() {
   while (const auto event = Received<xcb_generic_event_t>(xcb_poll_for_event(_connection.get()))) {
-    note(*event);
+    handle(*event);
     scheduleComparison();
   }
   if (!_connection.isAlive()) {
@@ -115,7 +115,7 @@ void ServerState::readEvents() {
   }
 }
 
-void ServerState::note(const xcb_generic_event_t& event) {
+void ServerState::handle(const xcb_generic_event_t& event) {
   if ((event.response_type & kEventTypeMask) == XCB_MAPPING_NOTIFY) {
     const auto& mapping = reinterpret_cast<const xcb_mapping_notify_event_t&>(event);
     if (mapping.request == XCB_MAPPING_POINTER) _buttonMapping.reset();

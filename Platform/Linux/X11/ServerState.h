@@ -50,7 +50,7 @@ class ServerState {
 
   void selectEvents();
   void readEvents();
-  void note(const xcb_generic_event_t& event);
+  void handle(const xcb_generic_event_t& event);
   const IntegerSettings& settings();
   const std::vector<uint8_t>& buttonMapping();
   Displays displays() { return {monitors(), pixelsPerPoint()}; }

@@ -9,8 +9,8 @@
 
 namespace tapdeck::x11 {
 
-// What the window manager tells every client, and the messages that it takes (EWMH). Main thread
-// only.
+// What the window manager and the applications tell every client, and the messages that the window
+// manager takes (EWMH). Each connection is for one thread at a time.
 
 /// A property of whole numbers; empty when it is missing or of another type.
 std::vector<uint32_t> numbersOf(Connection& connection, xcb_window_t window, const char* property,

@@ -37,7 +37,7 @@ Observer::Pointer Observer::pointer() const {
   const auto reply =
       owned(xcb_query_pointer_reply(get(), xcb_query_pointer(get(), root()), nullptr));
   if (reply == nullptr) throw std::runtime_error("the X server does not answer");
-  return {reply->root_x, reply->root_y, static_cast<unsigned>(reply->mask >> 8)};
+  return {reply->root_x, reply->root_y, static_cast<unsigned>(reply->mask >> 8 & 0x1f)};
 }
 
 xcb_window_t Observer::coverScreen() {

@@ -17,7 +17,7 @@ class ScreenPainter {
   void change();
   /// Fills a part of the screen with 0xRRGGBB (of a screen of depth 24) and waits.
   void fill(const xcb_rectangle_t& area, uint32_t colour);
-  void finish() const { _server.finish(); }
+  void finish() const { _server.sync(); }
   /// A part of the screen as it is now, by the plainest request that there is, as 0xffRRGGBB.
   std::vector<uint32_t> pixels(int x, int y, int width, int height) const;
 

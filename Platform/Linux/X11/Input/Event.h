@@ -20,7 +20,7 @@ struct __CGEvent final : tapdeck::cf::Object {
   int32_t verticalScroll = 0;
   int32_t horizontalScroll = 0;
   CGKeyCode keyCode = 0;
-  /// UTF-16; when it is not empty, the text is what the key event brings, whatever its code.
+  /// UTF-16; when it is not empty, the key event types this text and its key code is ignored.
   std::u16string text;
   /// NX_KEYTYPE_ of a system-defined event.
   uint32_t mediaKey = 0;

@@ -88,7 +88,7 @@ bool EventPoster::isTaken(const __CGEvent& event, const UsKey& key, bool isPermi
 }
 
 bool EventPoster::isGrabbed(const UsKey& key) const {
-  const auto map = fetchKeymap(_connection.get());
+  const auto map = fetchKeymap(_connection);
   // a key that the layout lacks cannot be grabbed by its keysym
   const auto place = map ? realKeyFor(key, *map, 0) : std::nullopt;
   return place && isKeyGrabbed(_connection, place->code);

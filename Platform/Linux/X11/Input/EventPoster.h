@@ -26,21 +26,21 @@ class EventPoster {
   void post(const __CGEvent& event);
   /// Moves the pointer without an event; needs no permission.
   void warp(Pixel pixel) { _queue.add(WarpStep{pixel}); }
-  /// Who gets the media keys (NX_KEYTYPE_) that no program has grabbed; it answers whether it has
-  /// taken the key, which is not sent then. Null for nobody.
+  /// Sets the function that is offered the media keys (NX_KEYTYPE_) that no program has grabbed; a
+  /// key for which it returns true is not sent. Null for none.
   void offerMediaKeys(std::function<bool(uint32_t keyType)> take) {
     _takeMediaKey = std::move(take);
   }
   /// Waits some seconds at most for queued steps; then releases all that is pressed and restores
   /// the keymap.
-  void letGo() { _queue.letGo(); }
+  void releaseEverything() { _queue.releaseEverything(); }
   /// The position to which queued events will move the pointer; absent when none will.
   std::optional<Pixel> waitingMotion() { return _queue.waitingMotion(); }
 
  private:
   void carryOut(const __CGEvent& event);
   void postKey(const __CGEvent& event, bool isPermitted);
-  /// Whether the media key goes to who is offered them instead of the server.
+  /// Whether the function that is offered media keys takes this one.
   bool isTaken(const __CGEvent& event, const UsKey& key, bool isPermitted);
   bool isGrabbed(const UsKey& key) const;
   bool move(CGPoint point);
@@ -52,7 +52,7 @@ class EventPoster {
   Connection& _connection;
   ServerState& _server;
   std::function<bool(uint32_t keyType)> _takeMediaKey;
-  /// Taken at their press: their release is not the server's either.
+  /// Those whose press was taken: their release is not sent either.
   std::set<uint32_t> _takenMediaKeys;
   ScrollSteps _vertical;
   ScrollSteps _horizontal;

@@ -7,8 +7,9 @@
 namespace tapdeck::x11 {
 namespace {
 
-// Nobody can ask who has grabbed a key, but only one client can: who tries learns of the other.
-// Each protocol refuses only where the same protocol's grab stands in the way.
+// X has no request that tells whether a key is grabbed, but only one client can grab it, so that a
+// refused attempt shows another client's grab. The core protocol and the X Input extension each
+// refuse only where there is a grab of their own kind.
 
 bool hasCoreGrab(const Connection& connection, Keycode code, uint8_t modifiers) {
   const auto attempt = xcb_grab_key_checked(connection.get(), 0, connection.root(), modifiers, code,

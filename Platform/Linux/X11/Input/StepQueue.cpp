@@ -1,9 +1,9 @@
 #include "Platform/Linux/X11/Input/StepQueue.h"
 
 #include <chrono>
-#include <iostream>
 
-#include "Platform/Linux/X11/Ending.h"
+#include "Platform/Linux/Support/Diagnostics.h"
+#include "Platform/Linux/X11/Shutdown.h"
 
 namespace tapdeck::x11 {
 namespace {
@@ -11,14 +11,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// Text is posted a character every 5 ms: after a pause of this length no more is expected.
-constexpr milliseconds kPause{15};
-// How long text is gathered for one change of the keymap, which every program has to read.
-constexpr milliseconds kGatherTime{150};
-// How long releases are gathered for one round trip that confirms them.
-constexpr milliseconds kConfirmTime{10};
-// How long the end waits for queued steps, which an application that does not answer may delay.
-constexpr std::chrono::seconds kEndTime{8};
+// Text is posted at a character every 5 ms; after a pause of this length it counts as complete.
+constexpr milliseconds kTextPause{15};
+// How long text is gathered at most for one change of the keymap, which every program has to read.
+constexpr milliseconds kMaxGatherTime{150};
+// How soon after a release the round trip that confirms it begins; it confirms all until then.
+constexpr milliseconds kConfirmDelay{10};
+// How long releaseEverything() waits for queued steps, which an application may delay.
+constexpr std::chrono::seconds kMaxDrainTime{8};
 
 }  // namespace
 
@@ -26,10 +26,10 @@ StepQueue::StepQueue(Connection& output, milliseconds idleTime)
     : _idleTime(idleTime), _keyboard(output), _thread([this] { run(); }) {}
 
 StepQueue::~StepQueue() {
-  letGo();
+  releaseEverything();
   {
     const Lock lock(_mutex);
-    _ends = true;
+    _isStopping = true;
   }
   _changed.notify_all();
   _thread.join();
@@ -58,10 +58,10 @@ std::optional<Pixel> StepQueue::waitingMotion() {
   return std::nullopt;
 }
 
-void StepQueue::letGo() {
+void StepQueue::releaseEverything() {
   Lock lock(_mutex);
-  if (!endOfPatience()) {
-    _changed.wait_for(lock, kEndTime, [this] { return _waiting.empty() && !_isBusy; });
+  if (!shutdownDeadline()) {
+    _changed.wait_for(lock, kMaxDrainTime, [this] { return _waiting.empty() && !_isBusy; });
   }
   _waiting.clear();
   _changed.wait(lock, [this] { return !_isBusy; });
@@ -71,14 +71,14 @@ void StepQueue::letGo() {
 
 void StepQueue::run() {
   Lock lock(_mutex);
-  while (!_ends) {
+  while (!_isStopping) {
     if (!_waiting.empty()) {
       _isBusy = true;
-      empty(lock);
+      drain(lock);
       _isBusy = false;
       _changed.notify_all();
     } else if (const auto since = _keyboard.unconfirmedSince()) {
-      confirmReleases(lock, *since + kConfirmTime);
+      confirmReleases(lock, *since + kConfirmDelay);
     } else if (!_keyboard.isBorrowing()) {
       _changed.wait(lock);
     } else if (const auto end = _keyboard.lastNeed() + _idleTime; Clock::now() < end) {
@@ -94,8 +94,8 @@ void StepQueue::run() {
   }
 }
 
-// The journal has to know that the server has read a release. This thread waits for that, so that
-// who posts the release need not.
+// A release stays in the journal until the server has read it. This thread waits for that, so that
+// the thread that posts the release need not.
 void StepQueue::confirmReleases(Lock& lock, Clock::time_point due) {
   if (Clock::now() < due) {
     _changed.wait_until(lock, due);
@@ -103,14 +103,14 @@ void StepQueue::confirmReleases(Lock& lock, Clock::time_point due) {
   }
   const uint64_t count = _keyboard.releaseCount();
   lock.unlock();
-  _keyboard.output().finish();
+  _keyboard.output().sync();
   lock.lock();
   _keyboard.confirmReleases(count);
 }
 
-void StepQueue::empty(Lock& lock) {
+void StepQueue::drain(Lock& lock) {
   while (!_waiting.empty()) {
-    if (endOfPatience()) {
+    if (shutdownDeadline()) {
       _waiting.clear();
       return;
     }
@@ -129,16 +129,16 @@ void StepQueue::empty(Lock& lock) {
     const bool prepared = !steps.empty() && _keyboard.prepare(steps);
     lock.lock();
     if (!prepared && !_waiting.empty() && !_keyboard.isReady(_waiting.front())) {
-      std::clog << "tapdeck: the keyboard's map has no room for what is typed.\n";
+      warn("the keyboard's map has no room for what is typed.");
       _waiting.pop_front();
     }
   }
 }
 
 void StepQueue::gather(Lock& lock) {
-  const auto latest = Clock::now() + kGatherTime;
-  while (!_ends && Clock::now() < latest && Clock::now() < _lastAdded + kPause) {
-    _changed.wait_until(lock, std::min(latest, _lastAdded + kPause));
+  const auto latest = Clock::now() + kMaxGatherTime;
+  while (!_isStopping && Clock::now() < latest && Clock::now() < _lastAdded + kTextPause) {
+    _changed.wait_until(lock, std::min(latest, _lastAdded + kTextPause));
   }
 }
 

@@ -26,13 +26,14 @@ class StepQueue {
   void add(Step step);
   /// The position to which queued steps will move the pointer; absent when none will.
   std::optional<Pixel> waitingMotion();
-  /// Waits some seconds at most for queued steps; then releases and restores everything.
-  void letGo();
+  /// Waits some seconds at most for queued steps; then releases what is pressed and restores locks
+  /// and keymap.
+  void releaseEverything();
 
  private:
   using Lock = std::unique_lock<std::mutex>;
   void run();
-  void empty(Lock& lock);
+  void drain(Lock& lock);
   void gather(Lock& lock);
   void confirmReleases(Lock& lock, std::chrono::steady_clock::time_point due);
 
@@ -43,7 +44,7 @@ class StepQueue {
   std::deque<Step> _waiting;
   /// The queue's thread uses `_keyboard`, even while it does not hold the lock.
   bool _isBusy = false;
-  bool _ends = false;
+  bool _isStopping = false;
   std::chrono::steady_clock::time_point _lastAdded;
   std::thread _thread;
 };

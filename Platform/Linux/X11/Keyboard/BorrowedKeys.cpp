@@ -21,7 +21,7 @@ class ServerGrab {
   }
   ~ServerGrab() {
     xcb_ungrab_server(_connection.get());
-    _connection.finish();
+    _connection.sync();
   }
   ServerGrab(const ServerGrab&) = delete;
   ServerGrab& operator=(const ServerGrab&) = delete;
@@ -45,23 +45,23 @@ void announceGroup(const Connection& connection) {
 
 BorrowedKeys::BorrowedKeys(Connection& output, InputSender& sender, KeyboardMonitor& monitor)
     : _output(output), _sender(sender), _monitor(monitor) {
-  if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
+  if (auto fetched = fetchKeymap(_output)) _current = std::move(*fetched);
   if (const InputRecord& left = _sender.leftOver(); !left.mappings.empty()) {
     // only keys that still look remapped by us: the user may have changed the layout since
     KeyMappings ours;
     for (const auto& [code, mapping] : left.mappings) {
-      const KeyMapping& now = _now.keys[code];
+      const KeyMapping& now = _current.keys[code];
       if (isTextKey(now) || hasUsGroup(now, mapping, code)) ours[code] = mapping;
     }
-    putBack(ours);
+    restore(ours);
     _sender.keepMappings({});
   }
-  _layout = _now;
+  _layout = _current;
 }
 
 bool BorrowedKeys::followChanges() {
   if (_monitor.takeMapChange()) {
-    auto fetched = fetchKeymap(_output.get());
+    auto fetched = fetchKeymap(_output);
     if (fetched) adopt(std::move(*fetched));
   }
   return _output.isAlive();
@@ -69,7 +69,7 @@ bool BorrowedKeys::followChanges() {
 
 bool BorrowedKeys::isIntact(const Keymap& fetched) const {
   return std::all_of(_originals.begin(), _originals.end(), [&](const auto& original) {
-    return fetched.keys[original.first] == _now.keys[original.first];
+    return fetched.keys[original.first] == _current.keys[original.first];
   });
 }
 
@@ -77,15 +77,15 @@ void BorrowedKeys::adopt(Keymap fetched) {
   if (!isIntact(fetched)) {
     KeyMappings ours;
     for (const auto& [code, mapping] : _originals) {
-      if (fetched.keys[code] == _now.keys[code]) ours[code] = mapping;
+      if (fetched.keys[code] == _current.keys[code]) ours[code] = mapping;
     }
-    _now = std::move(fetched);
-    putBack(ours);
+    _current = std::move(fetched);
+    restore(ours);
     forget();
     return;
   }
-  _now = std::move(fetched);
-  _layout = _now;
+  _current = std::move(fetched);
+  _layout = _current;
   for (const auto& [code, mapping] : _originals) _layout.keys[code] = mapping;
 }
 
@@ -102,7 +102,7 @@ std::optional<RealKey> BorrowedKeys::usKey(const UsKey& key) const {
 }
 
 void BorrowedKeys::markUsed(Keysym keysym) {
-  if (const auto slot = _text.find(keysym)) _text.use(*slot, ++_time);
+  if (const auto slot = _text.find(keysym)) _text.use(*slot, ++_useCount);
 }
 
 // All keys' first groups are filled first, as that is mostly the active one.
@@ -137,7 +137,8 @@ bool BorrowedKeys::assign(const Request& request) {
   KeyMappings mappings;
   const bool newText = !request.text.empty() && assignText(request.text, mappings);
   const bool newKeys = !request.keys.empty() && assignKeys(request.keys, mappings);
-  if (!mappings.empty()) send(mappings, newKeys ? ToldAs::newKeyboard : ToldAs::change);
+  if (!mappings.empty())
+    send(mappings, newKeys ? NotifyAs::newKeyboardNotify : NotifyAs::mapNotify);
   return (newText || newKeys) && isBorrowing();
 }
 
@@ -147,30 +148,30 @@ bool BorrowedKeys::assignText(const std::vector<Keysym>& text, KeyMappings& mapp
   std::set<Keycode> changed;
   bool any = false;
 
-  // no more than there are slots, else those needed first might get none
+  // no more than there are slots, so that later ones do not evict those that are typed first
   std::set<Keysym> needed;
   for (const Keysym keysym : text) {
     if (needed.size() < _text.size()) needed.insert(keysym);
   }
   const auto mustStay = [&](size_t slot) { return needed.contains(_text.at(slot)); };
-  const auto takeEmpty = [&](Keysym keysym) {
+  const auto assignEmpty = [&](Keysym keysym) {
     if (_text.find(keysym)) return;
-    if (const auto slot = _text.takeEmpty(keysym)) changed.insert(keyAt(*slot).code);
+    if (const auto slot = _text.assignEmpty(keysym)) changed.insert(keyAt(*slot).code);
   };
   for (const Keysym keysym : text) {
     if (_text.find(keysym) || !needed.contains(keysym)) continue;
-    auto slot = _text.takeEmpty(keysym);
-    if (!slot) slot = _text.takeOldest(keysym, _time, mustStay);
+    auto slot = _text.assignEmpty(keysym);
+    if (!slot) slot = _text.assignOldest(keysym, _useCount, mustStay);
     if (!slot) break;
     any = true;
     changed.insert(keyAt(*slot).code);
   }
   for (const Keysym keysym : needed) {
-    for (const Keysym companion : companionsOf(keysym)) takeEmpty(companion);
+    for (const Keysym companion : companionsOf(keysym)) assignEmpty(companion);
   }
   if (first) {
-    takeEmpty(keysyms::Return);
-    for (const Keysym keysym : companionsOf(' ')) takeEmpty(keysym);
+    assignEmpty(keysyms::Return);
+    for (const Keysym keysym : companionsOf(' ')) assignEmpty(keysym);
   }
   for (size_t key = 0; key < _textCodes.size(); ++key) {
     if (first || changed.contains(_textCodes[key])) mappings[_textCodes[key]] = textKeyMapping(key);
@@ -180,7 +181,7 @@ bool BorrowedKeys::assignText(const std::vector<Keysym>& text, KeyMappings& mapp
 
 // A layout that lacks one US key lacks others: all of them get theirs in one change.
 bool BorrowedKeys::assignKeys(std::vector<UsKey> keys, KeyMappings& mappings) {
-  const uint8_t group = furtherGroupOf(_layout);
+  const uint8_t group = usGroupOf(_layout);
   const auto others = usTextKeys();
   bool any = false;
   keys.insert(keys.end(), others.begin(), others.end());
@@ -195,21 +196,21 @@ bool BorrowedKeys::assignKeys(std::vector<UsKey> keys, KeyMappings& mappings) {
   return any;
 }
 
-void BorrowedKeys::send(const KeyMappings& mappings, ToldAs toldAs) {
+void BorrowedKeys::send(const KeyMappings& mappings, NotifyAs notifyAs) {
   for (const auto& [code, mapping] : mappings) _originals.try_emplace(code, _layout.keys[code]);
   _sender.keepMappings(_originals);
   const bool newActions = std::any_of(mappings.begin(), mappings.end(), [&](const auto& mapping) {
-    return mapping.second.actions != _now.keys[mapping.first].actions;
+    return mapping.second.actions != _current.keys[mapping.first].actions;
   });
   {
     const ServerGrab grab(_output);
-    sendKeysyms(_output.get(), _now, mappings, toldAs);
-    if (newActions) sendActions(_output.get(), _now, mappings);
+    sendKeysyms(_output.get(), _current, mappings, notifyAs);
+    if (newActions) sendActions(_output.get(), _current, mappings);
     announceGroup(_output);
-    _monitor.stateIsChanged();
+    _monitor.invalidateState();
   }
   // reads the keymap back: somebody else may have changed it meanwhile
-  _monitor.connection().finish();
+  _monitor.connection().sync();
   followChanges();
 }
 
@@ -245,19 +246,19 @@ std::vector<Keycode> BorrowedKeys::withoutGrabbed(std::vector<Keycode> codes) {
 void BorrowedKeys::giveBack() {
   followChanges();
   if (!isBorrowing()) return;
-  putBack(_originals);
+  restore(_originals);
   forget();
 }
 
-void BorrowedKeys::putBack(const KeyMappings& originals) {
+void BorrowedKeys::restore(const KeyMappings& originals) {
   if (!originals.empty()) {
     const ServerGrab grab(_output);
-    sendActions(_output.get(), _now, originals);
-    sendKeysyms(_output.get(), _now, originals);
+    sendActions(_output.get(), _current, originals);
+    sendKeysyms(_output.get(), _current, originals);
     announceGroup(_output);
-    _monitor.stateIsChanged();
+    _monitor.invalidateState();
   }
-  _monitor.connection().finish();
+  _monitor.connection().sync();
 }
 
 void BorrowedKeys::forget() {
@@ -266,8 +267,8 @@ void BorrowedKeys::forget() {
   _text = SlotPool(0);
   _usKeys.clear();
   _sender.keepMappings({});
-  if (auto fetched = fetchKeymap(_output.get())) _now = std::move(*fetched);
-  _layout = _now;
+  if (auto fetched = fetchKeymap(_output)) _current = std::move(*fetched);
+  _layout = _current;
 }
 
 }  // namespace tapdeck::x11

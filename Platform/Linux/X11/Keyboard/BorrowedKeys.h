@@ -20,8 +20,8 @@ namespace tapdeck::x11 {
 /// One thread at a time.
 class BorrowedKeys {
  public:
-  /// Changes the map through `output`, on which the keys are sent too, so that both keep their
-  /// order. Puts back what a process before this one left.
+  /// Changes the map through `output`, on which keys are sent too, so that both stay in order.
+  /// Restores the mappings that a process before this one left changed.
   BorrowedKeys(Connection& output, InputSender& sender, KeyboardMonitor& monitor);
   BorrowedKeys(const BorrowedKeys&) = delete;
   BorrowedKeys& operator=(const BorrowedKeys&) = delete;
@@ -35,8 +35,8 @@ class BorrowedKeys {
   bool isBorrowing() const { return !_originals.empty(); }
   bool isBorrowed(Keycode code) const { return _originals.contains(code); }
   /// The number of groups, those that our remapping added included.
-  int groups() const { return _now.groups(); }
-  /// Nothing is borrowed that could not be given back after a kill.
+  int groups() const { return _current.groups(); }
+  /// Whether what is borrowed could be given back after a kill; nothing is borrowed otherwise.
   bool mayBorrow() { return isBorrowing() || _sender.canKeepMappings(); }
 
   /// A keycode and the group in which it gives the keysym.
@@ -50,7 +50,7 @@ class BorrowedKeys {
   /// To be called before each use, so that what is in use is evicted last.
   void markUsed(Keysym keysym);
 
-  /// What is to get a key, in the order in which it is needed.
+  /// The keysyms and US keys that need a keycode, in the order in which they are typed.
   struct Request {
     std::vector<Keysym> text;
     std::vector<UsKey> keys;
@@ -69,12 +69,12 @@ class BorrowedKeys {
   /// Each adds to `mappings`; false when nothing new could be assigned.
   bool assignText(const std::vector<Keysym>& text, KeyMappings& mappings);
   bool assignKeys(std::vector<UsKey> keys, KeyMappings& mappings);
-  void send(const KeyMappings& mappings, ToldAs toldAs);
+  void send(const KeyMappings& mappings, NotifyAs notifyAs);
   bool chooseTextCodes();
   std::vector<Keycode> withoutGrabbed(std::vector<Keycode> codes);
   AssignedKey keyAt(size_t slot) const;
   KeyMapping textKeyMapping(size_t key) const;
-  void putBack(const KeyMappings& originals);
+  void restore(const KeyMappings& originals);
   void forget();
   bool isIntact(const Keymap& fetched) const;
   void adopt(Keymap fetched);
@@ -84,13 +84,13 @@ class BorrowedKeys {
   KeyboardMonitor& _monitor;
   Keymap _layout;
   /// The keymap on the server, our remapping included.
-  Keymap _now;
+  Keymap _current;
   KeyMappings _originals;
   std::vector<Keycode> _textCodes;
   SlotPool _text{0};
   /// By unshifted keysym.
   std::map<Keysym, RealKey> _usKeys;
-  uint64_t _time = 0;
+  uint64_t _useCount = 0;
 };
 
 }  // namespace tapdeck::x11

@@ -4,11 +4,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
-#include <iostream>
 #include <thread>
 
-#include "Platform/Linux/X11/Ending.h"
+#include "Platform/Linux/Support/Diagnostics.h"
+#include "Platform/Linux/X11/ClientMessage.h"
+#include "Platform/Linux/X11/Shutdown.h"
+#include "Platform/Linux/X11/WindowManager.h"
 
 namespace tapdeck::x11 {
 namespace {
@@ -16,22 +17,23 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-// for an application that is known to answer: a busy one may be that far behind
-constexpr milliseconds kMaxWait{5000};
-// for one that did not answer the last time
-constexpr milliseconds kShortWait{100};
-// for one that may not know the question; if it does not answer, the fixed pause after it
-constexpr milliseconds kFirstWait{2000};
-constexpr milliseconds kBlindWait{300};
-constexpr milliseconds kRefreshTime{500};
-constexpr milliseconds kTurn{10};
-// how soon a wait notices that the process ends
-constexpr milliseconds kLook{100};
+// How long an answer is awaited: from an application that is known to answer (a busy one may be
+// that far behind), from one that did not answer the last time, and from one that may not know the
+// question.
+constexpr milliseconds kAnsweringTimeout{5000};
+constexpr milliseconds kSilentTimeout{100};
+constexpr milliseconds kUnknownTimeout{2000};
+// for an application that does not know the question, in place of an answer
+constexpr milliseconds kUnknownPause{300};
+constexpr milliseconds kRefreshTimeout{500};
+// for the application's main loop to run once
+constexpr milliseconds kMainLoopPause{10};
+constexpr milliseconds kShutdownCheckInterval{100};
 
 }  // namespace
 
 ClientSync::~ClientSync() {
-  if (_own != XCB_WINDOW_NONE) xcb_destroy_window(_connection.get(), _own);
+  if (_selectionWindow != XCB_WINDOW_NONE) xcb_destroy_window(_connection.get(), _selectionWindow);
 }
 
 xcb_window_t ClientSync::noteFocus() {
@@ -47,9 +49,9 @@ void ClientSync::waitForKeymapRefresh() {
   if (window == XCB_WINDOW_NONE || isOwn(window) || !supportsPing(window)) return;
   if (_silent.contains(window)) return;
   // two answers, so that its main loop has run once in between
-  const Deadline deadline = Clock::now() + kRefreshTime;
+  const Deadline deadline = Clock::now() + kRefreshTimeout;
   for (int round = 0; round < 2 && ping(window, deadline); ++round) {
-    std::this_thread::sleep_for(kTurn);
+    std::this_thread::sleep_for(kMainLoopPause);
   }
 }
 
@@ -68,8 +70,10 @@ void ClientSync::waitUntilRead() {
 void ClientSync::waitUntilReadBy(xcb_window_t window) {
   const bool isPinged = supportsPing(window);
   const bool wasSilent = _silent.contains(window);
-  const bool isSureToKnow = isPinged || _answering.contains(window);
-  const milliseconds longest = wasSilent ? kShortWait : isSureToKnow ? kMaxWait : kFirstWait;
+  const bool knowsPing = isPinged || _answering.contains(window);
+  const milliseconds longest = wasSilent   ? kSilentTimeout
+                               : knowsPing ? kAnsweringTimeout
+                                           : kUnknownTimeout;
   const Deadline deadline = Clock::now() + longest;
   if (isPinged ? ping(window, deadline) : pingByEditres(window, deadline)) {
     _silent.erase(window);
@@ -77,11 +81,12 @@ void ClientSync::waitUntilReadBy(xcb_window_t window) {
     return;
   }
   _silent.insert(window);
-  if (isSureToKnow && !wasSilent) {
-    std::clog << "tapdeck: the application that is typed into does not answer; some of what is "
-                 "typed may get lost there.\n";
-  } else if (!isSureToKnow) {
-    std::this_thread::sleep_for(kBlindWait);
+  if (knowsPing && !wasSilent) {
+    warn(
+        "the application that is typed into does not answer; some of what is typed may get lost "
+        "there.");
+  } else if (!knowsPing) {
+    std::this_thread::sleep_for(kUnknownPause);
   }
 }
 
@@ -102,21 +107,11 @@ xcb_window_t ClientSync::applicationWindow(xcb_window_t focused) {
 
 // This process's own windows cannot answer: their thread may be the one that waits here.
 bool ClientSync::isOwn(xcb_window_t window) {
-  const auto bytes =
-      _connection.property(window, _connection.atom("_NET_WM_PID"), XCB_ATOM_CARDINAL);
-  uint32_t process = 0;
-  if (bytes.size() >= sizeof process) std::memcpy(&process, bytes.data(), sizeof process);
-  return process == static_cast<uint32_t>(::getpid());
+  return processOf(_connection, window) == ::getpid();
 }
 
 bool ClientSync::supportsPing(xcb_window_t window) {
-  const auto bytes = _connection.property(window, _connection.atom("WM_PROTOCOLS"), XCB_ATOM_ATOM);
-  std::vector<xcb_atom_t> protocols(bytes.size() / sizeof(xcb_atom_t));
-  if (!protocols.empty()) {
-    std::memcpy(protocols.data(), bytes.data(), protocols.size() * sizeof(xcb_atom_t));
-  }
-  return std::find(protocols.begin(), protocols.end(), _connection.atom("_NET_WM_PING")) !=
-         protocols.end();
+  return hasAnyAtom(_connection, window, "WM_PROTOCOLS", {"_NET_WM_PING"});
 }
 
 // The answer is sent to the root window, as if to a window manager. Qt 5 sends it with a mask that
@@ -124,12 +119,13 @@ bool ClientSync::supportsPing(xcb_window_t window) {
 bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
   const xcb_atom_t protocols = _connection.atom("WM_PROTOCOLS");
   const xcb_atom_t pingAtom = _connection.atom("_NET_WM_PING");
-  const uint32_t number = ++_number;
+  const uint32_t number = ++_lastPing;
   const auto listen = [this](uint32_t mask) {
     xcb_change_window_attributes(_connection.get(), _connection.root(), XCB_CW_EVENT_MASK, &mask);
   };
   listen(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
-  send(window, protocols, {pingAtom, number, window, 0, 0});
+  sendClientMessage(_connection, window, protocols, {pingAtom, number, window, 0, 0}, window,
+                    XCB_EVENT_MASK_NO_EVENT);
   const bool answered = waitForEvent(
       [&](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) != XCB_CLIENT_MESSAGE) return false;
@@ -148,14 +144,16 @@ bool ClientSync::ping(xcb_window_t window, Deadline deadline) {
 bool ClientSync::pingByEditres(xcb_window_t window, Deadline deadline) {
   constexpr uint32_t protocolVersion = 5;
   const xcb_atom_t selection = _connection.atom("TAPDECK_QUESTION");
-  if (_own == XCB_WINDOW_NONE) {
-    _own = xcb_generate_id(_connection.get());
-    xcb_create_window(_connection.get(), XCB_COPY_FROM_PARENT, _own, _connection.root(), -1, -1, 1,
-                      1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+  if (_selectionWindow == XCB_WINDOW_NONE) {
+    _selectionWindow = xcb_generate_id(_connection.get());
+    xcb_create_window(_connection.get(), XCB_COPY_FROM_PARENT, _selectionWindow, _connection.root(),
+                      -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0,
+                      nullptr);
   }
-  xcb_set_selection_owner(_connection.get(), _own, selection, XCB_CURRENT_TIME);
-  send(window, _connection.atom("Editres"),
-       {XCB_CURRENT_TIME, selection, ++_number & 0xff, protocolVersion, 0});
+  xcb_set_selection_owner(_connection.get(), _selectionWindow, selection, XCB_CURRENT_TIME);
+  sendClientMessage(_connection, window, _connection.atom("Editres"),
+                    {XCB_CURRENT_TIME, selection, ++_lastPing & 0xff, protocolVersion, 0}, window,
+                    XCB_EVENT_MASK_NO_EVENT);
   const bool answered = waitForEvent(
       [&](const xcb_generic_event_t& event) {
         if ((event.response_type & 0x7f) != XCB_SELECTION_REQUEST) return false;
@@ -177,18 +175,6 @@ bool ClientSync::pingByEditres(xcb_window_t window, Deadline deadline) {
   return answered;
 }
 
-void ClientSync::send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]) {
-  xcb_client_message_event_t message{};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = 32;
-  message.window = window;
-  message.type = type;
-  std::copy(std::begin(data), std::end(data), message.data.data32);
-  // without a mask it goes to the window's owner
-  xcb_send_event(_connection.get(), 0, window, XCB_EVENT_MASK_NO_EVENT,
-                 reinterpret_cast<const char*>(&message));
-}
-
 template <typename Matches>
 bool ClientSync::waitForEvent(Matches matches, Deadline deadline) {
   xcb_flush(_connection.get());
@@ -196,11 +182,11 @@ bool ClientSync::waitForEvent(Matches matches, Deadline deadline) {
     while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_connection.get())}) {
       if (matches(*event)) return true;
     }
-    const auto last = std::min(deadline, endOfPatience().value_or(deadline));
+    const auto last = std::min(deadline, shutdownDeadline().value_or(deadline));
     const auto left = std::chrono::duration_cast<milliseconds>(last - Clock::now());
     if (left.count() <= 0) return false;
     pollfd readable = {xcb_get_file_descriptor(_connection.get()), POLLIN, 0};
-    ::poll(&readable, 1, static_cast<int>(std::min(left, kLook).count()));
+    ::poll(&readable, 1, static_cast<int>(std::min(left, kShutdownCheckInterval).count()));
   }
   return false;
 }

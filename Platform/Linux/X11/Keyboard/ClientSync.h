@@ -7,24 +7,25 @@
 
 namespace tapdeck::x11 {
 
-/// Waits, by a question that an application answers (_NET_WM_PING, Editres), until applications
-/// have read what they were sent before. An application that does not answer holds nothing up for
-/// long. One thread at a time.
+/// Waits until applications have read the events that were sent to them: it sends a message that
+/// an application answers (_NET_WM_PING, or Editres), and the answer comes after those events. All
+/// waits are bounded. One thread at a time.
 class ClientSync {
  public:
-  /// `connection` is read here; nobody else may want its client messages.
+  /// Reads the events of `connection`; nobody else may.
   explicit ClientSync(Connection& connection) : _connection(connection) {}
   ~ClientSync();
   ClientSync(const ClientSync&) = delete;
   ClientSync& operator=(const ClientSync&) = delete;
 
-  /// Keys are sent to the application of this window, which has the focus.
+  /// To be called for the window that has the focus when keys are sent.
   void noteTypedInto(xcb_window_t focused) { _typedInto.insert(focused); }
-  /// Waits until every application that was noted has read all that was sent to it so far.
+  /// Waits until the applications of the noted windows, and of the one that has the focus now, have
+  /// read all that was sent to them so far. The notes end.
   void waitUntilRead();
-  /// Waits, half a second at most, until the application with the focus has had time to read a
-  /// changed keymap. The events of one connection are in order, but some programs read the keymap
-  /// on a second connection.
+  /// Gives the application that has the focus time to read a changed keymap: half a second at most.
+  /// An answer alone does not show that it has, because some programs read the keymap on a second
+  /// connection.
   void waitForKeymapRefresh();
 
  private:
@@ -36,17 +37,18 @@ class ClientSync {
   bool supportsPing(xcb_window_t window);
   bool ping(xcb_window_t window, Deadline deadline);
   bool pingByEditres(xcb_window_t window, Deadline deadline);
-  void send(xcb_window_t window, xcb_atom_t type, const uint32_t (&data)[5]);
   template <typename Matches>
   bool waitForEvent(Matches matches, Deadline deadline);
 
   Connection& _connection;
   std::set<xcb_window_t> _typedInto;
-  /// Windows that have ever answered, and those that did not the last time.
+  /// Windows that have answered at least once, and those that did not answer the last time.
   std::set<xcb_window_t> _answering;
   std::set<xcb_window_t> _silent;
-  xcb_window_t _own = XCB_WINDOW_NONE;
-  uint32_t _number = 0;
+  /// Owns the selection of an Editres message.
+  xcb_window_t _selectionWindow = XCB_WINDOW_NONE;
+  /// The number that the last message bore.
+  uint32_t _lastPing = 0;
 };
 
 }  // namespace tapdeck::x11

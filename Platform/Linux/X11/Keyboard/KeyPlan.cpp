@@ -50,7 +50,7 @@ struct Row {
   std::vector<Keysym> keysyms;
 };
 
-// no modifiers: what they do is not in their keysyms alone
+// without modifiers, whose effect is not in their keysyms alone
 const std::unordered_map<Keysym, Keycode>& usPlaces() {
   using namespace keysyms;
   static const std::unordered_map<Keysym, Keycode> places = [] {
@@ -138,7 +138,7 @@ std::optional<RealKey> modifierKeyFor(Keysym keysym, const Keymap& map, int acti
   return other;
 }
 
-bool isSpare(Keysym keysym) {
+bool isRare(Keysym keysym) {
   // keysymdef.h and XF86keysym.h: the launch keys 1 to F, and what multimedia and office keyboards
   // had; none of the volume, brightness, player, radio, power and browser keys. Nor any of the keys
   // for editing (copy, undo, find, open): browsers take those for commands by their place on the
@@ -261,7 +261,7 @@ std::optional<Keycode> usKeycodeOf(const UsKey& key, const Keymap& map) {
   return code;
 }
 
-uint8_t furtherGroupOf(const Keymap& map) {
+uint8_t usGroupOf(const Keymap& map) {
   return static_cast<uint8_t>(std::clamp(map.groups(), 1, kMaxGroups - 1));
 }
 
@@ -311,7 +311,7 @@ SpareKeys spareKeysOf(const Keymap& map) {
     if (std::all_of(key.keysyms.begin(), key.keysyms.end(),
                     [](Keysym keysym) { return keysym == kNoKeysym; })) {
       spare.unused.push_back(code);
-    } else if (isSpare(key.unshiftedKeysym(0))) {
+    } else if (isRare(key.unshiftedKeysym(0))) {
       spare.rare.push_back(code);
     }
   }

@@ -55,7 +55,7 @@ std::vector<UsKey> usTextKeys();
 /// Where a US keyboard has the key; absent when that place is a modifier or the like here.
 std::optional<Keycode> usKeycodeOf(const UsKey& key, const Keymap& map);
 /// The first group that the keymap does not have; its last one where it has four.
-uint8_t furtherGroupOf(const Keymap& map);
+uint8_t usGroupOf(const Keymap& map);
 /// The mapping with `key` added as its group `group`, the other groups unchanged.
 KeyMapping withUsGroup(const KeyMapping& mapping, const UsKey& key, uint8_t group);
 /// Whether `mapping`, the keycode's, is what withUsGroup makes of `original`: a process before this

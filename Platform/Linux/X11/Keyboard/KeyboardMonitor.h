@@ -10,7 +10,7 @@ namespace tapdeck::x11 {
 
 /// The part of the XKB state that keys are chosen by.
 struct KeyboardState {
-  /// The effective group; what of it is not locked is held or latched.
+  /// The effective group: the locked one with the base group (held keys) and the latched one added.
   uint8_t group = 0;
   uint8_t lockedGroup = 0;
   /// Real modifiers.
@@ -21,7 +21,7 @@ struct KeyboardState {
 /// XkbStateNotify) on a connection of its own. One thread at a time.
 class KeyboardMonitor {
  public:
-  /// Keys, and what else changes the keyboard's state, are sent on `output`.
+  /// `output` is the connection on which this process changes the keyboard's state.
   explicit KeyboardMonitor(Connection& output);
   KeyboardMonitor(const KeyboardMonitor&) = delete;
   KeyboardMonitor& operator=(const KeyboardMonitor&) = delete;
@@ -29,32 +29,32 @@ class KeyboardMonitor {
   /// The connection that the events come on; nobody else may read them.
   Connection& connection() { return _events; }
 
-  /// Whether the map has changed since this was asked last, as far as events have come in. No round
+  /// Whether the map has changed since the last call, by the events that have arrived. No round
   /// trip.
   bool takeMapChange();
 
-  /// The state after all that was sent on `output`. A round trip only after `stateIsChanged`, after
-  /// a change of the map, or while something is latched.
+  /// The state after all that was sent on `output`. It takes a round trip only after
+  /// `invalidateState`, after a change of the map, and while something is latched.
   KeyboardState state();
-  /// To be called whenever something sent on `output` changes the state: the events about it may
-  /// arrive after the next key is due.
-  void stateIsChanged();
+  /// To be called whenever something that changes the state is sent on `output`: the events about
+  /// it may arrive too late for the next key.
+  void invalidateState();
 
  private:
   void readEvents();
-  void note(const xcb_generic_event_t& event);
-  void askAgain();
+  void handle(const xcb_generic_event_t& event);
+  void requestState();
 
   Connection& _output;
   Connection _events;
   uint8_t _firstEvent = 0;
   bool _hasMapChanged = false;
-  /// Absent while events about changes of our own may be on their way.
+  /// Absent while events about changes by this process may still arrive.
   std::optional<KeyboardState> _state;
-  /// GetState on the events' own connection: its reply and the events after it are in order.
-  std::optional<xcb_xkb_get_state_cookie_t> _question;
-  /// The last event that the server sent after that reply.
-  std::optional<KeyboardState> _sinceQuestion;
+  /// A pending GetState on the connection of the events, so that its reply and they are in order.
+  std::optional<xcb_xkb_get_state_cookie_t> _stateRequest;
+  /// By the last event that the server sent after that reply.
+  std::optional<KeyboardState> _stateSinceRequest;
   bool _isLatched = false;
 };
 

@@ -22,7 +22,7 @@ class Writer {
   std::vector<uint8_t> _bytes;
 };
 
-/// A run of keys: the protocol takes no gaps, those between are sent as they are.
+/// A range of keycodes without gaps, as the protocol wants it: keys in between are sent unchanged.
 struct Run {
   explicit Run(const KeyMappings& mappings)
       : first(mappings.begin()->first), last(mappings.rbegin()->first) {}
@@ -65,7 +65,7 @@ uint16_t addActions(Writer& writer, const Keymap& map, const Run& run) {
 }  // namespace
 
 void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMappings& mappings,
-                 ToldAs toldAs) {
+                 NotifyAs notifyAs) {
   for (const auto& [code, mapping] : mappings) {
     KeyMapping& key = now.keys[code];
     auto actions = std::move(key.actions);
@@ -75,9 +75,9 @@ void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMappings& m
   const Run run(mappings);
   Writer values;
   const uint16_t keysyms = addKeysyms(values, now, run);
-  // The server tells of a new keyboard when the range of keycodes in the request is another than
-  // its own, and keeps its own where that is wider.
-  const Keycode first = toldAs == ToldAs::newKeyboard ? now.first + 1 : now.first;
+  // The server sends XkbNewKeyboardNotify when the range of keycodes in the request differs from
+  // its own, which it keeps where that is the wider one.
+  const Keycode first = notifyAs == NotifyAs::newKeyboardNotify ? now.first + 1 : now.first;
   xcb_xkb_set_map(connection, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_MAP_PART_KEY_SYMS, 0, first,
                   now.last, 0, 0, run.first, run.count(), keysyms, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
                   0, 0, 0, 0, 0, values.data());

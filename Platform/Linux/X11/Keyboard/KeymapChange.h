@@ -11,19 +11,19 @@ namespace tapdeck::x11 {
 /// New mappings for some keys.
 using KeyMappings = std::map<Keycode, KeyMapping>;
 
-// Every client is told of every change and reads the map anew, so that a change of many keys is as
-// dear as one of one key. Each of these sends one change of the core keyboard's map, for all of the
-// `mappings` (one at least) at once. `now` is the map as it stands, and becomes what it is
-// afterwards. The caller flushes.
+// Every client is told of every change and reads the map again, so that a change of many keys costs
+// as much as that of one. Each of these functions changes all `mappings` (at least one) of the core
+// keyboard's map in one request (SetMap). `now` is the map before the request, and is updated to
+// the map after it. The caller flushes.
 //
-// The server holds the number of a key's actions against the number of keysyms that it had before
-// the request: keysyms and actions cannot change together. It refuses more actions than keysyms.
+// Keysyms and actions need a request each: the server compares the number of a key's new actions
+// with the number of keysyms that it had before the request, and refuses more actions than keysyms.
 
-/// How the server tells of a change: some programs (Chromium) read the map anew only when they hear
-/// of a new keyboard.
-enum class ToldAs { change, newKeyboard };
+/// The event by which the server tells clients of the change: some programs (Chromium) read the map
+/// again only after XkbNewKeyboardNotify.
+enum class NotifyAs { mapNotify, newKeyboardNotify };
 void sendKeysyms(xcb_connection_t* connection, Keymap& now, const KeyMappings& mappings,
-                 ToldAs toldAs = ToldAs::change);
+                 NotifyAs notifyAs = NotifyAs::mapNotify);
 void sendActions(xcb_connection_t* connection, Keymap& now, const KeyMappings& mappings);
 
 }  // namespace tapdeck::x11

@@ -15,27 +15,31 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 template <typename... Functions>
-struct Match : Functions... {
+struct Overloaded : Functions... {
   using Functions::operator()...;
 };
 template <typename... Functions>
-Match(Functions...) -> Match<Functions...>;
+Overloaded(Functions...) -> Overloaded<Functions...>;
 
-// so many characters of a text are looked at for one change; more would find no key anyway
+// the characters of a text that one change of the keymap is planned for; there are fewer spare keys
 constexpr size_t kMaxTextAhead = 4096;
 
 constexpr std::chrono::milliseconds kMinGroupTime{20};
+
+// Not Alt and Super: where nothing was pressed with them, their release opens a menu in some
+// programs.
+constexpr uint8_t kReleasedForText = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL;
 
 }  // namespace
 
 LiveKeyboard::LiveKeyboard(Connection& output)
     : _output(output),
-      _sender(output),
       _monitor(output),
+      _sender(output, _monitor),
       _keys(output, _sender, _monitor),
-      _clients(_questions) {
-  xcb_test_grab_control(_questions.get(), 1);
-  _questions.flush();
+      _clients(_syncConnection) {
+  xcb_test_grab_control(_syncConnection.get(), 1);
+  _syncConnection.flush();
   // a process before this one may have been killed while the keymap was changed
   putGroupIntoRange();
 }
@@ -63,14 +67,15 @@ std::chrono::steady_clock::time_point LiveKeyboard::notBefore(const Step& step) 
 }
 
 void LiveKeyboard::carryOut(const Step& step) {
-  std::visit(Match{[this](const MotionStep& motion) { _sender.move(motion.pixel); },
-                   [this](const WarpStep& warp) { _sender.warp(warp.pixel); },
-                   [this](const ButtonStep& button) { carryOutButton(button); },
-                   [this](const WheelStep& wheel) {
-                     for (int left = wheel.turns; left > 0; --left) _sender.tapButton(wheel.button);
-                   },
-                   [this](const KeyStep& key) { carryOutKey(key); },
-                   [this](const TextStep& text) { type(text); }},
+  std::visit(Overloaded{[this](const MotionStep& motion) { _sender.move(motion.pixel); },
+                        [this](const WarpStep& warp) { _sender.warp(warp.pixel); },
+                        [this](const ButtonStep& button) { carryOutButton(button); },
+                        [this](const WheelStep& wheel) {
+                          for (int left = wheel.turns; left > 0; --left)
+                            _sender.tapButton(wheel.button);
+                        },
+                        [this](const KeyStep& key) { carryOutKey(key); },
+                        [this](const TextStep& text) { type(text); }},
              step);
   xcb_flush(_output.get());
 }
@@ -99,15 +104,9 @@ void LiveKeyboard::carryOutKey(const KeyStep& step) {
   }
 }
 
-void LiveKeyboard::lockModifier(uint8_t modifier, bool locked) {
-  _monitor.stateIsChanged();
-  xcb_xkb_latch_lock_state(_output.get(), XCB_XKB_ID_USE_CORE_KBD, modifier, locked ? modifier : 0,
-                           0, 0, 0, 0, 0);
-}
-
-void LiveKeyboard::lockGroup(uint8_t group) {
-  _monitor.stateIsChanged();
-  xcb_xkb_latch_lock_state(_output.get(), XCB_XKB_ID_USE_CORE_KBD, 0, 0, 1, group, 0, 0, 0);
+uint8_t LiveKeyboard::userGroup(const State& now) const {
+  const bool isOurs = _keyGroup && _keyGroup->group == now.lockedGroup;
+  return isOurs ? _keyGroup->userGroup : now.lockedGroup;
 }
 
 uint8_t LiveKeyboard::groupToLock(uint8_t wanted, const State& now) const {
@@ -119,11 +118,12 @@ uint8_t LiveKeyboard::groupToLock(uint8_t wanted, const State& now) const {
 void LiveKeyboard::putGroupIntoRange() {
   const int groups = std::max(1, _keys.layout().groups());
   const uint8_t locked = _monitor.state().lockedGroup;
-  if (locked >= groups) lockGroup(static_cast<uint8_t>(locked % groups));
+  const auto inRange = static_cast<uint8_t>(locked % groups);
+  if (locked != inRange) _sender.lockGroup(inRange, inRange);
 }
 
-// Borrowed keys mean something else once they are given back or assigned anew: who got them has to
-// have read them by then.
+// An application has to have read the events of borrowed keys before these are assigned to other
+// keysyms or given back.
 void LiveKeyboard::noteFocus(xcb_get_input_focus_cookie_t question) {
   const auto focus = _output.wait(question, xcb_get_input_focus_reply);
   if (focus != nullptr) _clients.noteTypedInto(focus->focus);
@@ -135,9 +135,11 @@ void LiveKeyboard::type(const TextStep& step) {
   const auto focus = xcb_get_input_focus(_output.get());
   const State before = _monitor.state();
   noteFocus(focus);
-  const bool isCapsLocked = (before.lockedModifiers & XCB_MOD_MASK_LOCK) != 0;
-  // The key events bear no Caps Lock, but some programs look at the keyboard's state instead.
-  if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, false);
+  const uint8_t capsLock = before.lockedModifiers & XCB_MOD_MASK_LOCK;
+  // The key events bear no modifiers, but some programs (Qt) go by the keyboard's state instead.
+  const std::vector<RealKey> released = modifiersToRelease();
+  for (const RealKey& modifier : released) sendKey(modifier, false, before);
+  if (capsLock != 0) _sender.lockModifiers(capsLock, 0, capsLock);
   uint8_t locked = before.lockedGroup;
   for (const Keysym keysym : step.keysyms) {
     const auto key = _keys.assignedKey(keysym);
@@ -147,19 +149,34 @@ void LiveKeyboard::type(const TextStep& step) {
     }
     _keys.markUsed(keysym);
     const uint8_t wanted = groupToLock(key->group, before);
-    if (wanted != locked) lockGroup(wanted);
+    if (wanted != locked) _sender.lockGroup(wanted, before.lockedGroup);
     locked = wanted;
     _sender.tapKey(key->code);
   }
-  if (locked != before.lockedGroup) lockGroup(before.lockedGroup);
-  if (isCapsLocked) lockModifier(XCB_MOD_MASK_LOCK, true);
+  if (locked != before.lockedGroup) _sender.lockGroup(before.lockedGroup, before.lockedGroup);
+  if (capsLock != 0) _sender.lockModifiers(capsLock, capsLock, capsLock);
+  for (const RealKey& modifier : released) sendKey(modifier, true, before);
+}
+
+std::vector<RealKey> LiveKeyboard::modifiersToRelease() const {
+  std::vector<RealKey> modifiers;
+  const auto add = [&](const RealKey& key) {
+    const bool isReleased = (_keys.layout().modifiers[key.code] & kReleasedForText) != 0;
+    if (isReleased && std::find(modifiers.begin(), modifiers.end(), key) == modifiers.end())
+      modifiers.push_back(key);
+  };
+  for (const auto& [keysym, pressed] : _sender.pressed().keys) {
+    add(pressed.key);
+    for (const RealKey& modifier : pressed.modifiers) add(modifier);
+  }
+  return modifiers;
 }
 
 void LiveKeyboard::typeOnLayout(Keysym keysym, int group) {
   const auto key = layoutKeyFor(keysym, _keys.layout(), group);
   if (!key) return;
   const auto shift = _keys.layout().keyFor(keysyms::Shift_L, group);
-  const bool needsShift = key->isShifted && shift && !isHeld({keysyms::Shift_L});
+  const bool needsShift = key->isShifted && shift;
   if (needsShift) _sender.pressKey(*shift);
   _sender.tapKey(key->code);
   if (needsShift) _sender.releaseKey(*shift);
@@ -194,30 +211,31 @@ void LiveKeyboard::press(const KeyStep& step) {
 std::optional<RealKey> LiveKeyboard::keyToPress(const UsKey& key, const State& now) {
   if (const auto real = realKeyFor(key, _keys.layout(), now.group)) return real;
   if (isCapsLock(key)) {
-    lockModifier(XCB_MOD_MASK_LOCK, (now.lockedModifiers & XCB_MOD_MASK_LOCK) == 0);
+    const uint8_t locked = ~now.lockedModifiers & XCB_MOD_MASK_LOCK;
+    _sender.lockModifiers(XCB_MOD_MASK_LOCK, locked, locked);
     return std::nullopt;
   }
   return _keys.usKey(key);
 }
 
 void LiveKeyboard::sendKey(const RealKey& key, bool down, const State& now) {
-  if (changesState(key.code, now)) _monitor.stateIsChanged();
-  if (key.group) lockGroup(groupToLock(*key.group, now));
+  if (changesState(key.code, now)) _monitor.invalidateState();
+  if (key.group) _sender.lockGroup(groupToLock(*key.group, now), userGroup(now));
   // the level is chosen at the press
   const bool locksShift = down && key.isShifted && (now.lockedModifiers & XCB_MOD_MASK_SHIFT) == 0;
-  if (locksShift) lockModifier(XCB_MOD_MASK_SHIFT, true);
+  if (locksShift) _sender.lockModifiers(XCB_MOD_MASK_SHIFT, XCB_MOD_MASK_SHIFT, 0);
   if (down) {
     _sender.pressKey(key.code);
   } else {
     _sender.releaseKey(key.code);
   }
-  if (locksShift) lockModifier(XCB_MOD_MASK_SHIFT, false);
-  if (key.group) lockGroup(now.lockedGroup);
+  if (locksShift) _sender.lockModifiers(XCB_MOD_MASK_SHIFT, 0, 0);
+  if (key.group) _sender.lockGroup(now.lockedGroup, userGroup(now));
 }
 
 void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
   const uint8_t locked = groupToLock(group, now);
-  lockGroup(locked);
+  _sender.lockGroup(locked, now.lockedGroup);
   _keyGroup = {key.unshifted, locked, now.lockedGroup, Clock::now()};
   now.group = group;
   now.lockedGroup = locked;
@@ -225,11 +243,10 @@ void LiveKeyboard::enterKeyGroup(const UsKey& key, uint8_t group, State& now) {
 
 void LiveKeyboard::leaveKeyGroup() {
   if (!_keyGroup) return;
-  const State now = _monitor.state();
-  // where the press was queued, its release follows at once
+  // the release of a press that was queued follows it at once
+  xcb_flush(_output.get());
   std::this_thread::sleep_until(_keyGroup->since + kMinGroupTime);
-  // the user may have chosen another one meanwhile
-  if (now.lockedGroup == _keyGroup->group) lockGroup(_keyGroup->lockedBefore);
+  _sender.restoreGroup();
   _keyGroup.reset();
 }
 

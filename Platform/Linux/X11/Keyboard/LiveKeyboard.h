@@ -71,15 +71,15 @@ class LiveKeyboard {
   /// Restores the user's keymap; may wait like `prepare`.
   void giveBack();
   bool isBorrowing() const { return _keys.isBorrowing(); }
-  /// When borrowed keys were last needed: now, while one is pressed.
+  /// When borrowed keys were last needed; the present time while one is pressed.
   std::chrono::steady_clock::time_point lastNeed() const;
   void releaseAll();
 
-  /// When the oldest release was sent that the server is not known to have carried out.
+  /// See InputSender.
   std::optional<std::chrono::steady_clock::time_point> unconfirmedSince() const {
     return _sender.unconfirmedSince();
   }
-  /// To be called after the server has answered to something that was sent behind so many releases.
+  /// To be called after a reply of the server to a request that was sent after so many releases.
   void confirmReleases(uint64_t count) { _sender.confirmReleases(count); }
   uint64_t releaseCount() const { return _sender.releaseCount(); }
   const Connection& output() const { return _output; }
@@ -91,12 +91,12 @@ class LiveKeyboard {
   struct KeyGroup {
     Keysym key;
     uint8_t group;
-    uint8_t lockedBefore;
+    uint8_t userGroup;
     std::chrono::steady_clock::time_point since;
   };
   using State = KeyboardState;
-  void lockModifier(uint8_t modifier, bool locked);
-  void lockGroup(uint8_t group);
+  /// The locked group that is not ours but the user's.
+  uint8_t userGroup(const State& now) const;
   /// The group to lock so that `wanted` is active, whatever is held or latched besides.
   uint8_t groupToLock(uint8_t wanted, const State& now) const;
   /// A layout switch may have locked a group that only borrowed keys have.
@@ -119,17 +119,19 @@ class LiveKeyboard {
   /// Whether a key that is still pressed is this modifier, or was pressed with it.
   bool isNeeded(const RealKey& modifier) const;
   void type(const TextStep& step);
-  /// Waits for the reply.
+  /// The modifiers that this process holds pressed and that are released while text is typed.
+  std::vector<RealKey> modifiersToRelease() const;
+  /// Waits for the reply, and notes the window for ClientSync.
   void noteFocus(xcb_get_input_focus_cookie_t question);
   /// With a key of the layout itself; nothing when it has none.
   void typeOnLayout(Keysym keysym, int group);
 
   Connection& _output;
-  InputSender _sender;
   KeyboardMonitor _monitor;
+  InputSender _sender;
   BorrowedKeys _keys;
-  /// For questions to the applications, whose answers are events.
-  Connection _questions;
+  /// ClientSync's: the answers of applications are events.
+  Connection _syncConnection;
   ClientSync _clients;
   std::optional<KeyGroup> _keyGroup;
   std::chrono::steady_clock::time_point _lastNeed;

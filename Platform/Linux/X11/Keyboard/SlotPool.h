@@ -11,9 +11,9 @@
 
 namespace tapdeck::x11 {
 
-/// Which keysym each group of each spare key (a slot) is assigned to: a cache that evicts the least
-/// recently used. Only what every application has read may be evicted, because an application looks
-/// a key event up in the keymap as it is when it reads the event, not as it was when it was sent.
+/// Which keysym is assigned to each slot (one group of one spare key): a cache that evicts the
+/// least recently used keysym. Only a keysym whose events every application has read may be
+/// evicted: an application looks a key event up in the keymap as it is when it reads the event.
 class SlotPool {
  public:
   explicit SlotPool(size_t slots) : _slots(slots) {}
@@ -21,15 +21,15 @@ class SlotPool {
   size_t size() const { return _slots.size(); }
   Keysym at(size_t slot) const { return _slots[slot].keysym; }
   std::optional<size_t> find(Keysym keysym) const;
-  /// `time` grows with every use.
+  /// `time` is a number that grows with every use.
   void use(size_t slot, uint64_t time) { _slots[slot].lastUse = time; }
 
-  /// Assigns an empty slot; absent when there is none.
-  std::optional<size_t> takeEmpty(Keysym keysym);
-  /// Evicts the least recently used of the slots whose last use was not after `read` and that need
-  /// not stay, and assigns it; absent when there is none.
-  std::optional<size_t> takeOldest(Keysym keysym, uint64_t read,
-                                   const std::function<bool(size_t slot)>& mustStay);
+  /// Assigns an empty slot to the keysym; absent when there is none.
+  std::optional<size_t> assignEmpty(Keysym keysym);
+  /// Assigns to the keysym the least recently used of the slots that were last used at `lastRead`
+  /// or before and that need not stay; absent when there is none.
+  std::optional<size_t> assignOldest(Keysym keysym, uint64_t lastRead,
+                                     const std::function<bool(size_t slot)>& mustStay);
 
  private:
   struct Slot {
@@ -39,7 +39,7 @@ class SlotPool {
   std::optional<size_t> fill(std::optional<size_t> slot, Keysym keysym);
 
   std::vector<Slot> _slots;
-  std::unordered_map<Keysym, size_t> _places;
+  std::unordered_map<Keysym, size_t> _slotByKeysym;
 };
 
 }  // namespace tapdeck::x11

@@ -12,8 +12,8 @@ namespace tapdeck::x11 {
 // neither the Caps Lock that is on nor a Control that is held, by this program or by a person,
 // reaches the application, while nothing of the keyboard's state changes.
 //
-// Groups, not levels: levels that held modifiers cannot disturb would need a key type of their own,
-// and programs on Xlib do not read a changed type again.
+// Groups rather than levels: levels that held modifiers do not change would need a new key type,
+// and programs on Xlib do not read changed key types again.
 
 inline constexpr int kTextGroups = 4;
 

@@ -33,9 +33,9 @@ void offerMediaKeys(std::function<bool(uint32_t keyType)> take) {
   if (session() != nullptr) session()->poster.offerMediaKeys(std::move(take));
 }
 
-void letGo() {
+void releaseEverything() {
   if (session() == nullptr) return;
-  session()->poster.letGo();
+  session()->poster.releaseEverything();
   session()->cursor.showAtOnce();
 }
 

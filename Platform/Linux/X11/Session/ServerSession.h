@@ -11,8 +11,8 @@
 
 namespace tapdeck::x11 {
 
-/// All that uses the connection to the X server. Its end releases every key and button that it
-/// holds pressed, and shows the cursor.
+/// Everything that uses the session's connection to the X server. Its destructor releases every key
+/// and button that it holds pressed, and shows the cursor.
 struct ServerSession {
   Connection connection;
   ServerState state;

@@ -22,6 +22,6 @@ void offerMediaKeys(std::function<bool(uint32_t keyType)> take);
 
 /// Releases every key and button that events posted here still hold pressed, and shows the cursor.
 /// Returns when the server has done so. The end of the process by exit does it too.
-void letGo();
+void releaseEverything();
 
 }  // namespace tapdeck::x11
