@@ -69,6 +69,8 @@ TEST_F(KeyboardTest, WhatIsStillHeldCanBeLetGoOf) {
   key("keyDown", "a");
   key("keyDown", "tab");
   key("keyUp", "tab");
+  reply("mouseDown");
+  reply("mouseUp");
   reply("mouseDown", "button", "middle");
   key("keyDown", "a");
   pointerAt(30, 40);

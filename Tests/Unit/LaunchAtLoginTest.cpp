@@ -82,11 +82,9 @@ TEST_F(LaunchAtLoginTest, KnowsTheHelperByTheFirstJobOfItsLabel) {
   system().hasServices = false;
   system().status = LoginItemStatus::enabled;
   const LaunchdJob other{"com.example.app", true}, nameless{std::nullopt, true};
-  const LaunchdJob on{kHelper, true}, off{kHelper, false};
+  const LaunchdJob on{kHelper, true}, off{kHelper, false}, unsaid{kHelper, std::nullopt};
   const std::vector<std::pair<std::vector<LaunchdJob>, bool>> cases = {
-      {{other, on, off}, true},
-      {{nameless, off, on}, false},
-  };
+      {{other, on, off}, true}, {{nameless, off, on}, false}, {{unsaid}, false}};
   for (const auto& [jobs, isEnabled] : cases) {
     system().jobs = jobs;
     EXPECT_EQ(login.isEnabled(), isEnabled);

@@ -73,11 +73,15 @@ TEST_F(PermissionsTest, ClicksAndScrollsPassWithoutTrust) {
   };
   scroll("scroll", 3, 0);
   scroll("scroll", int64_t{2147483648}, 0);
+  scroll("scroll", -INT32_MAX, 0);
+  scroll("scroll", INT32_MAX, 1);
   scroll("scrollHorizontal", 5.0, 1);
   scroll("scroll", 2.5, 1);
   EXPECT_THAT(trace(), ElementsAre(mouse(1, 100, 100, 0, 1), mouse(2, 100, 100, 0, 1),
                                    "post scroll unit 0 count 1 wheels -3 0 0 source none",
                                    "post scroll unit 0 count 1 wheels -2147483648 0 0 source none",
+                                   "post scroll unit 0 count 1 wheels 2147483647 0 0 source none",
+                                   "post scroll unit 0 count 1 wheels 2147483647 0 0 source none",
                                    "post scroll unit 0 count 2 wheels 0 5 0 source none"));
   EXPECT_DEATH(scroll("scroll", int64_t{2147483648}, 1), "❌ .*2147483648");
   EXPECT_DEATH(scroll("scrollHorizontal", INT64_MIN, 0), "❌ .*-9223372036854775808");

@@ -148,8 +148,10 @@ TEST_F(PointerTest, TheCursorIsReportedInFractionsOfADisplay) {
   EXPECT_EQ(cursor(-1, 250, Value("")), at(0, 0.5, false));
   EXPECT_EQ(cursor(-150, -25, Value("2")), at(0.25, 0.75, true));
   EXPECT_EQ(cursor(0, 0, Value("3")), nowhere);
-  script().bounds[2] = CGRectMake(0, 0, 10, 0);
-  EXPECT_EQ(cursor(0, 0, Value("2")), nowhere);
+  for (const CGSize flat : {CGSize{10, 0}, {0, 10}}) {
+    script().bounds[2].size = flat;
+    EXPECT_EQ(cursor(0, 0, Value("2")), nowhere);
+  }
   script().eventLocation.reset();
   EXPECT_EQ(reply("screenCursor"), at(0, 0, true));
 }

@@ -10,81 +10,68 @@ namespace {
 constexpr const char* kPrefix = "org.mpris.MediaPlayer2.";
 
 std::string textOf(GVariant* value) {
-  const std::unique_ptr<char, decltype(&g_free)> text(
-      value != nullptr ? g_variant_print(value, FALSE) : g_strdup("()"), g_free);
-  return text.get();
+  return value != nullptr ? glib::Text(g_variant_print(value, FALSE)).get() : "()";
 }
 
 }  // namespace
 
 BusPeer::BusPeer(const char* address, const std::string& name, Answer answer)
-    : _answer(std::move(answer)) {
-  GError* error = nullptr;
-  _connection = g_dbus_connection_new_for_address_sync(
-      address,
-      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-      nullptr, nullptr, &error);
-  if (_connection == nullptr) throw std::runtime_error(error->message);
-  _filter = g_dbus_connection_add_filter(_connection, filter, this, nullptr);
-  GVariant* reply =
-      g_dbus_connection_call_sync(_connection, "org.freedesktop.DBus", "/", "org.freedesktop.DBus",
-                                  "RequestName", g_variant_new("(su)", name.c_str(), 0U), nullptr,
-                                  G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-  if (reply == nullptr) throw std::runtime_error("the name is taken: " + name);
-  g_variant_unref(reply);
+    : _answer(std::move(answer)),
+      _connection(g_dbus_connection_new_for_address_sync(
+          address,
+          static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                            G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+          nullptr, nullptr, nullptr)) {
+  if (!_connection) throw std::runtime_error("no bus at " + std::string(address));
+  _filter = g_dbus_connection_add_filter(bus(), filter, this, nullptr);
+  if (!askBus("RequestName", g_variant_new("(su)", name.c_str(), 0U))) {
+    throw std::runtime_error("the name is taken: " + name);
+  }
 }
 
 BusPeer::~BusPeer() {
-  g_dbus_connection_remove_filter(_connection, _filter);
-  g_dbus_connection_close_sync(_connection, nullptr, nullptr);
-  g_object_unref(_connection);
-  g_clear_object(&_lastCall);
+  g_dbus_connection_remove_filter(bus(), _filter);
+  g_dbus_connection_close_sync(bus(), nullptr, nullptr);
+}
+
+glib::Variant BusPeer::askBus(const char* method, GVariant* arguments) const {
+  return glib::Variant(g_dbus_connection_call_sync(
+      bus(), "org.freedesktop.DBus", "/", "org.freedesktop.DBus", method, arguments, nullptr,
+      G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr));
 }
 
 int BusPeer::connectionNumber() const {
-  const std::string name = g_dbus_connection_get_unique_name(_connection);
+  const std::string name = g_dbus_connection_get_unique_name(bus());
   return std::stoi(name.substr(name.rfind('.') + 1));
 }
 
 bool BusPeer::callerIsThere() const {
-  std::string caller;
-  {
-    const std::lock_guard lock(_mutex);
-    caller = g_dbus_message_get_sender(_lastCall);
-  }
-  GVariant* reply = g_dbus_connection_call_sync(
-      _connection, "org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner",
-      g_variant_new("(s)", caller.c_str()), G_VARIANT_TYPE("(b)"), G_DBUS_CALL_FLAGS_NONE, -1,
-      nullptr, nullptr);
+  const auto reply =
+      askBus("NameHasOwner", g_variant_new("(s)", g_dbus_message_get_sender(lastCall().get())));
   gboolean isThere = FALSE;
-  g_variant_get(reply, "(b)", &isThere);
-  g_variant_unref(reply);
+  g_variant_get(reply.get(), "(b)", &isThere);
   return isThere != FALSE;
 }
 
 void BusPeer::refuse(const char* message) {
-  const std::lock_guard lock(_mutex);
-  GDBusMessage* reply = g_dbus_message_new_method_error_literal(
-      _lastCall, "org.freedesktop.DBus.Error.AccessDenied", message);
-  g_dbus_connection_send_message(_connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,
-                                 nullptr);
-  g_object_unref(reply);
+  send(g_dbus_message_new_method_error_literal(lastCall().get(),
+                                               "org.freedesktop.DBus.Error.AccessDenied", message));
 }
 
 void BusPeer::announce(const char* path, const char* interface, const char* signal,
                        GVariant* arguments) {
-  g_dbus_connection_emit_signal(_connection, nullptr, path, interface, signal, arguments, nullptr);
-  g_dbus_connection_flush_sync(_connection, nullptr, nullptr);
-}
-
-void BusPeer::vanish() {
-  g_dbus_connection_close(_connection, nullptr, nullptr, nullptr);
+  g_dbus_connection_emit_signal(bus(), nullptr, path, interface, signal, arguments, nullptr);
+  g_dbus_connection_flush_sync(bus(), nullptr, nullptr);
 }
 
 std::vector<std::string> BusPeer::calls() const {
   const std::lock_guard lock(_mutex);
   return _calls;
+}
+
+glib::Object<GDBusMessage> BusPeer::lastCall() const {
+  const std::lock_guard lock(_mutex);
+  return glib::Object<GDBusMessage>(G_DBUS_MESSAGE(g_object_ref(_lastCall.get())));
 }
 
 GDBusMessage* BusPeer::filter(GDBusConnection*, GDBusMessage* message, gboolean isIncoming,
@@ -103,15 +90,19 @@ void BusPeer::receive(GDBusMessage* call) {
   if (std::string(g_dbus_message_get_interface(call)) != "org.freedesktop.DBus.Properties") {
     const std::lock_guard lock(_mutex);
     _calls.push_back(method + textOf(arguments));
-    g_set_object(&_lastCall, call);
+    _lastCall.reset(G_DBUS_MESSAGE(g_object_ref(call)));
   }
   GVariant* body = _answer(method, arguments);
   if (body == nullptr) return;
   GDBusMessage* reply = g_dbus_message_new_method_reply(call);
   g_dbus_message_set_body(reply, body);
-  g_dbus_connection_send_message(_connection, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr,
-                                 nullptr);
-  g_object_unref(reply);
+  send(reply);
+}
+
+/// Takes the message.
+void BusPeer::send(GDBusMessage* message) const {
+  const glib::Object<GDBusMessage> owned(message);
+  g_dbus_connection_send_message(bus(), message, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
 }
 
 ScriptedPlayer::ScriptedPlayer(const std::string& name, std::string status)
@@ -134,21 +125,6 @@ void ScriptedPlayer::change(const std::string& status) {
   g_variant_builder_add(&changed, "{sv}", "PlaybackStatus", g_variant_new_string(status.c_str()));
   _peer.announce("/org/mpris/MediaPlayer2", "org.freedesktop.DBus.Properties", "PropertiesChanged",
                  g_variant_new("(sa{sv}as)", "org.mpris.MediaPlayer2.Player", &changed, nullptr));
-}
-
-void ScriptedPlayer::setLength(uint64_t length) {
-  const std::lock_guard lock(_mutex);
-  _length = length;
-}
-
-void ScriptedPlayer::hang() {
-  const std::lock_guard lock(_mutex);
-  _hangs = true;
-}
-
-void ScriptedPlayer::vanishAfter(int answers) {
-  const std::lock_guard lock(_mutex);
-  _answersLeft = answers;
 }
 
 GVariant* ScriptedPlayer::answer(const std::string& method) {

@@ -2,12 +2,14 @@
 
 #include <gio/gio.h>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "Platform/Linux/Support/GLibOwners.h"
 #include "Tests/Support/Desktop/ChildProcess.h"
 
 namespace tapdeck::testing {
@@ -35,19 +37,23 @@ class BusPeer {
   /// Sends a signal to everyone who listens.
   void announce(const char* path, const char* interface, const char* signal, GVariant* arguments);
   /// Leaves the bus, as a program does that ends.
-  void vanish();
+  void vanish() { g_dbus_connection_close(bus(), nullptr, nullptr, nullptr); }
 
  private:
   static GDBusMessage* filter(GDBusConnection* connection, GDBusMessage* message,
                               gboolean isIncoming, gpointer self);
+  GDBusConnection* bus() const { return _connection.get(); }
+  glib::Variant askBus(const char* method, GVariant* arguments) const;
   void receive(GDBusMessage* call);
+  void send(GDBusMessage* message) const;
+  glib::Object<GDBusMessage> lastCall() const;
 
   Answer _answer;
-  GDBusConnection* _connection;
+  glib::Object<GDBusConnection> _connection;
   guint _filter;
   mutable std::mutex _mutex;
   std::vector<std::string> _calls;
-  GDBusMessage* _lastCall = nullptr;
+  glib::Object<GDBusMessage> _lastCall;
 };
 
 /// A media player of the session bus that is as the test says.
@@ -61,10 +67,10 @@ class ScriptedPlayer {
   /// Plays, pauses or stops, and tells everyone.
   void change(const std::string& status);
   /// How long it says that is, in microseconds.
-  void setLength(uint64_t length);
-  void hang();
+  void setLength(uint64_t length) { _length = length; }
+  void hang() { _hangs = true; }
   /// It is gone after so many more answers.
-  void vanishAfter(int answers);
+  void vanishAfter(int answers) { _answersLeft = answers; }
   std::vector<std::string> calls() const { return _peer.calls(); }
   /// The bus counts its connections.
   int connectionNumber() const { return _peer.connectionNumber(); }
@@ -76,9 +82,9 @@ class ScriptedPlayer {
   mutable std::mutex _mutex;
   std::string _status;
   std::map<std::string, std::string> _texts{{"xesam:title", "Song"}};
-  uint64_t _length = 215000000;
-  bool _hangs = false;
-  int _answersLeft = -1;
+  std::atomic<uint64_t> _length = 215000000;
+  std::atomic<bool> _hangs = false;
+  std::atomic<int> _answersLeft = -1;
   BusPeer _peer;
 };
 

@@ -2,6 +2,7 @@
 
 #include <xcb/randr.h>
 
+#include <cstring>
 #include <stdexcept>
 
 namespace tapdeck::testing {
@@ -24,29 +25,19 @@ std::string lineFor(const xcb_generic_event_t& event) {
 
 }  // namespace
 
-Observer::Observer() : _connection(xcb_connect(nullptr, nullptr), &xcb_disconnect) {
-  if (xcb_connection_has_error(get()) != 0) throw std::runtime_error("no X server to observe");
-  _screen = xcb_setup_roots_iterator(xcb_get_setup(get())).data;
-}
-
-void Observer::sync() const {
-  owned(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
-}
-
 Observer::Pointer Observer::pointer() const {
-  const auto reply =
-      owned(xcb_query_pointer_reply(get(), xcb_query_pointer(get(), root()), nullptr));
+  const auto reply = wait(xcb_query_pointer(get(), root()), xcb_query_pointer_reply);
   if (reply == nullptr) throw std::runtime_error("the X server does not answer");
   return {reply->root_x, reply->root_y, static_cast<unsigned>(reply->mask >> 8)};
 }
 
 xcb_window_t Observer::coverScreen() {
   const xcb_window_t window = xcb_generate_id(get());
-  const uint32_t values[] = {_screen->white_pixel, 1,
+  const uint32_t values[] = {screen().white_pixel, 1,
                              XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE |
                                  XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_STRUCTURE_NOTIFY};
-  xcb_create_window(get(), XCB_COPY_FROM_PARENT, window, root(), 0, 0, _screen->width_in_pixels,
-                    _screen->height_in_pixels, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+  xcb_create_window(get(), XCB_COPY_FROM_PARENT, window, root(), 0, 0, screen().width_in_pixels,
+                    screen().height_in_pixels, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                     XCB_COPY_FROM_PARENT,
                     XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
   map(window);
@@ -79,12 +70,11 @@ void Observer::map(xcb_window_t window) {
   if (!mapped) throw std::runtime_error("the window was not mapped");
 }
 
-xcb_window_t Observer::activeWindow() const {
-  const auto reply = owned(xcb_get_property_reply(
-      get(), xcb_get_property(get(), 0, root(), atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 0, 1),
-      nullptr));
-  if (reply == nullptr || reply->length == 0) return XCB_WINDOW_NONE;
-  return *static_cast<xcb_window_t*>(xcb_get_property_value(reply.get()));
+xcb_window_t Observer::activeWindow() {
+  xcb_window_t active = XCB_WINDOW_NONE;
+  const auto bytes = property(root(), atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW);
+  if (bytes.size() >= sizeof active) std::memcpy(&active, bytes.data(), sizeof active);
+  return active;
 }
 
 std::vector<std::string> Observer::heard() const {
@@ -96,18 +86,6 @@ std::vector<std::string> Observer::heard() const {
   return lines;
 }
 
-xcb_atom_t Observer::atom(const std::string& name) const {
-  const auto request = xcb_intern_atom(get(), 0, static_cast<uint16_t>(name.size()), name.data());
-  return owned(xcb_intern_atom_reply(get(), request, nullptr))->atom;
-}
-
-std::string Observer::nameOf(xcb_atom_t atom) const {
-  const auto reply = owned(xcb_get_atom_name_reply(get(), xcb_get_atom_name(get(), atom), nullptr));
-  if (reply == nullptr) return {};
-  return {xcb_get_atom_name_name(reply.get()),
-          static_cast<size_t>(xcb_get_atom_name_name_length(reply.get()))};
-}
-
 xcb_window_t Observer::createHiddenWindow() const {
   const xcb_window_t window = xcb_generate_id(get());
   xcb_create_window(get(), XCB_COPY_FROM_PARENT, window, root(), -1, -1, 1, 1, 0,
@@ -115,9 +93,9 @@ xcb_window_t Observer::createHiddenWindow() const {
   return window;
 }
 
-xcb_window_t Observer::selectionOwner(const std::string& selection) const {
-  const auto request = xcb_get_selection_owner(get(), atom(selection));
-  return owned(xcb_get_selection_owner_reply(get(), request, nullptr))->owner;
+xcb_window_t Observer::selectionOwner(const std::string& selection) {
+  return wait(xcb_get_selection_owner(get(), atom(selection)), xcb_get_selection_owner_reply)
+      ->owner;
 }
 
 void Observer::setMonitor(const std::string& name, const std::string& geometry,
@@ -126,20 +104,16 @@ void Observer::setMonitor(const std::string& name, const std::string& geometry,
   if (std::system((command + " >/dev/null").c_str()) != 0) throw std::runtime_error(command);
 }
 
-void Observer::deleteMonitor(const std::string& name) const {
+void Observer::deleteMonitor(const std::string& name) {
   xcb_randr_delete_monitor(get(), root(), atom(name));
   sync();
 }
 
 void Observer::mapButtons(std::vector<uint8_t> map) const {
-  const auto present =
-      owned(xcb_get_pointer_mapping_reply(get(), xcb_get_pointer_mapping(get()), nullptr));
-  for (size_t i = map.size(); i < present->map_len; ++i) {
-    map.push_back(static_cast<uint8_t>(i + 1));
-  }
-  owned(xcb_set_pointer_mapping_reply(
-      get(), xcb_set_pointer_mapping(get(), static_cast<uint8_t>(map.size()), map.data()),
-      nullptr));
+  const auto present = wait(xcb_get_pointer_mapping(get()), xcb_get_pointer_mapping_reply);
+  while (map.size() < present->map_len) map.push_back(static_cast<uint8_t>(map.size() + 1));
+  wait(xcb_set_pointer_mapping(get(), static_cast<uint8_t>(map.size()), map.data()),
+       xcb_set_pointer_mapping_reply);
 }
 
 void Observer::publishSettings(const std::vector<uint8_t>& property) {

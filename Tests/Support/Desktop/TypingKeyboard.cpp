@@ -10,15 +10,9 @@
 #include "Tests/Support/Desktop/ChildProcess.h"
 
 namespace tapdeck::testing {
-namespace {
-
-constexpr auto owned = [](auto* packet) { return Observer::owned(packet); };
-
-}  // namespace
 
 TypingKeyboard::TypingKeyboard(Observer& observer) : _observer(observer) {
-  owned(xcb_xkb_use_extension_reply(_observer.get(), xcb_xkb_use_extension(_observer.get(), 1, 0),
-                                    nullptr));
+  _observer.wait(xcb_xkb_use_extension(_observer.get(), 1, 0), xcb_xkb_use_extension_reply);
 }
 
 void TypingKeyboard::setLayout(const std::string& layout) {
@@ -40,22 +34,21 @@ void TypingKeyboard::lockCaps(bool locked) {
 }
 
 TypingKeyboard::State TypingKeyboard::state() {
-  const auto reply = owned(xcb_xkb_get_state_reply(
-      _observer.get(), xcb_xkb_get_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+  const auto reply = _observer.wait(xcb_xkb_get_state(_observer.get(), XCB_XKB_ID_USE_CORE_KBD),
+                                    xcb_xkb_get_state_reply);
   if (reply == nullptr) throw std::runtime_error("the X server does not answer");
   return {reply->baseMods, reply->lockedMods, reply->group};
 }
 
 int TypingKeyboard::groups() {
-  const auto reply = owned(xcb_xkb_get_controls_reply(
-      _observer.get(), xcb_xkb_get_controls(_observer.get(), XCB_XKB_ID_USE_CORE_KBD), nullptr));
+  const auto reply = _observer.wait(xcb_xkb_get_controls(_observer.get(), XCB_XKB_ID_USE_CORE_KBD),
+                                    xcb_xkb_get_controls_reply);
   if (reply == nullptr) throw std::runtime_error("the X server does not answer");
   return reply->numGroups;
 }
 
 std::string TypingKeyboard::pressedKeys() {
-  const auto reply =
-      owned(xcb_query_keymap_reply(_observer.get(), xcb_query_keymap(_observer.get()), nullptr));
+  const auto reply = _observer.wait(xcb_query_keymap(_observer.get()), xcb_query_keymap_reply);
   std::string pressed;
   for (int code = 0; code < 256; ++code) {
     if ((reply->keys[code / 8] >> (code % 8) & 1) != 0) pressed += std::to_string(code) + " ";

@@ -153,6 +153,13 @@ struct Queued {
   std::vector<std::function<void()>> downloads;
 };
 
+/// What stands under the key, if anything does.
+template <typename Key, typename Content>
+std::optional<Content> at(const std::map<Key, Content>& all, const Key& key) {
+  const auto found = all.find(key);
+  return found != all.end() ? std::optional(found->second) : std::nullopt;
+}
+
 /// The script in force. Main thread only, as everything here.
 Script& script();
 
