@@ -105,16 +105,20 @@ void Page::send(const codec::Bytes& message) {
   soup_websocket_connection_send_binary(_socket.get(), message.data(), message.size());
 }
 
-void Page::sendText(const char* text) {
-  soup_websocket_connection_send_text(_socket.get(), text);
-}
-
 void Page::call(int64_t id, const std::string& channel, const MethodCall& call) {
   send(codec::encodeMessage(requestMessage(id, channel, call)));
 }
 
-bool Page::waitForMessages(size_t count) const {
-  return eventually([&] { return _messages.size() >= count; });
+Outcome Page::ask(const std::string& channel, const MethodCall& asked) {
+  const size_t before = _messages.size();
+  call(1, channel, asked);
+  EXPECT_TRUE(waitForMessages(before + 1));
+  return outcomeOf(_messages.at(before));
+}
+
+Outcome outcomeOf(const Value& message) {
+  const auto& payload = *(*message.getIf<Value::List>())[2].getIf<Value::Bytes>();
+  return codec::decodeEnvelope(payload).value();
 }
 
 int Page::waitForClose() {
@@ -152,10 +156,6 @@ std::string StandInTest::exchange(const std::string& requestLine,
   EXPECT_TRUE(
       eventually([&] { return !client.read() || client.received().starts_with("HTTP/1.1 101"); }));
   return client.received();
-}
-
-bool StandInTest::waitForPeers(size_t count) const {
-  return eventually([&] { return engine->peers().size() == count; });
 }
 
 void StandInTest::recordCalls() {

@@ -45,9 +45,13 @@ class Page {
 
   bool isOpen() const;
   void send(const codec::Bytes& message);
-  void sendText(const char* text);
+  void sendText(const char* text) { soup_websocket_connection_send_text(_socket.get(), text); }
   void call(int64_t id, const std::string& channel, const MethodCall& call);
-  bool waitForMessages(size_t count) const;
+  /// Calls, and gives what the next message says came of it.
+  Outcome ask(const std::string& channel, const MethodCall& call);
+  bool waitForMessages(size_t count) const {
+    return eventually([&] { return _messages.size() >= count; });
+  }
   int waitForClose();
   void close();
   void vanish();
@@ -85,7 +89,9 @@ class StandInTest : public testing::Test {
   /// One request whose headers are given as lines, with the main context running; the whole
   /// response, or its head when the connection is upgraded.
   std::string exchange(const std::string& requestLine, const std::string& headers) const;
-  bool waitForPeers(size_t count) const;
+  bool waitForPeers(size_t count) const {
+    return eventually([&] { return engine->peers().size() == count; });
+  }
   /// Makes the control channel write down its calls ("mouseUp button=left") and answer null.
   void recordCalls();
 
@@ -95,6 +101,9 @@ class StandInTest : public testing::Test {
   std::vector<std::string> calls;
   std::shared_ptr<StandInEngine> engine;
 };
+
+/// What a reply's message carries.
+Outcome outcomeOf(const Value& message);
 
 /// "mouseUp button=left", for a call whose arguments are strings.
 std::string lineOf(const MethodCall& call);
