@@ -8,7 +8,6 @@
 
 #include "Platform/Applications.h"
 #include "Runner/Media/PlayerScripts.h"
-#include "Tests/Desktop/MediaFixture.h"
 #include "Tests/Support/CoverServer.h"
 #include "Tests/Support/Desktop/MediaBusPeer.h"
 
@@ -17,6 +16,9 @@ namespace {
 
 using std::chrono::milliseconds;
 using namespace ::testing;
+
+/// Whoever hangs does so for ever; how soon it is noticed also depends on how busy the machine is.
+constexpr std::chrono::seconds kForEver{10};
 
 /// What the interpreter prints; of a failure its message.
 std::string run(const std::string& script) {

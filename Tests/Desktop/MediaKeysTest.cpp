@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Desktop/MediaFixture.h"
 #include "Tests/Support/Desktop/MediaBusPeer.h"
 #include "Tests/Support/Desktop/Observer.h"
 

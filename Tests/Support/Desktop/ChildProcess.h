@@ -13,8 +13,8 @@
 
 namespace tapdeck::testing {
 
-/// The executables of the host and of the calls to it, from the command line.
-inline std::string hostProgram, callProgram;
+/// The executables of the host, the calls to it and the interpreter, from the command line.
+inline std::string hostProgram, callProgram, interpreterProgram;
 
 /// A child process; killed with this object.
 class ChildProcess {

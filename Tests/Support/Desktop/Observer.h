@@ -49,7 +49,7 @@ class Observer : public x11::Connection {
   Pointer pointer() const {
     const auto reply = wait(xcb_query_pointer(get(), root()), xcb_query_pointer_reply);
     if (reply == nullptr) throw std::runtime_error("the X server does not answer");
-    return {reply->root_x, reply->root_y, static_cast<unsigned>(reply->mask >> 8)};
+    return {reply->root_x, reply->root_y, static_cast<unsigned>(reply->mask >> 8 & 0x1f)};
   }
 
   /// Opens a white window that covers the whole screen and hears every button and motion.

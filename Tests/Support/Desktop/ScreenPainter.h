@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <random>
 #include <vector>
 
@@ -53,39 +54,23 @@ class ScreenPainter {
                                  area.width, area.height};
     xcb_connection_t* server = _server.get();
     xcb_change_gc(server, _context, XCB_GC_FOREGROUND, &colour);
-    switch (between(0, 9)) {
-      case 0:
-        xcb_poly_fill_rectangle(server, on, _context, 1, &area);
-        break;
-      case 1:
-        xcb_poly_line(server, XCB_COORD_MODE_ORIGIN, on, _context, 2, diagonal);
-        break;
-      case 2:
-        xcb_poly_point(server, XCB_COORD_MODE_ORIGIN, on, _context, 2, diagonal);
-        break;
-      case 3:
-        xcb_copy_area(server, on, on, _context, area.x, area.y, diagonal[1].x, diagonal[1].y,
-                      area.width, area.height);
-        break;
-      case 4:
-        xcb_clear_area(server, 0, on, area.x, area.y, area.width, area.height);
-        break;
-      case 5:
-        xcb_unmap_window(server, window);
-        break;
-      case 6:
-        xcb_map_window(server, window);
-        break;
-      case 7:
+    const std::function<void()> ways[] = {
+        [&] { xcb_poly_fill_rectangle(server, on, _context, 1, &area); },
+        [&] { xcb_poly_line(server, XCB_COORD_MODE_ORIGIN, on, _context, 2, diagonal); },
+        [&] { xcb_poly_point(server, XCB_COORD_MODE_ORIGIN, on, _context, 2, diagonal); },
+        [&] {
+          xcb_copy_area(server, on, on, _context, area.x, area.y, diagonal[1].x, diagonal[1].y,
+                        area.width, area.height);
+        },
+        [&] { xcb_clear_area(server, 0, on, area.x, area.y, area.width, area.height); },
+        [&] { xcb_unmap_window(server, window); },
+        [&] { xcb_map_window(server, window); },
         // the values' order: x, y, width, height
-        xcb_configure_window(server, window, 0xf, geometry);
-        break;
-      case 8:
-        paintByRender(on, area);
-        break;
-      default:
-        putShared(on, area);
-    }
+        [&] { xcb_configure_window(server, window, 0xf, geometry); },
+        [&] { paintByRender(on, area); },
+        [&] { putShared(on, area); },
+    };
+    ways[between(0, std::size(ways) - 1)]();
     _server.flush();
   }
   /// Fills a part of the screen with 0xRRGGBB (of a screen of depth 24) and waits.
