@@ -11,6 +11,7 @@
 #include "Platform/Linux/Media/Players.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Tests/Support/Desktop/MediaBusPeer.h"
+#include "Tests/Support/Desktop/RunningHost.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -10,6 +10,7 @@
 #include "Runner/Media/PlayerScripts.h"
 #include "Tests/Support/CoverServer.h"
 #include "Tests/Support/Desktop/MediaBusPeer.h"
+#include "Tests/Support/Desktop/RunningHost.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -7,6 +7,7 @@
 
 #include "Tests/Support/Desktop/MediaBusPeer.h"
 #include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Desktop/RunningHost.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -1,54 +1,48 @@
 #pragma once
 
 #include <gio/gio.h>
-#include <gtest/gtest.h>
-#include <signal.h>
 
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "Platform/Linux/Support/GLibOwners.h"
 #include "Tests/Support/MainLoop.h"
 #include "Tests/Support/Surroundings.h"
 
 namespace tapdeck::testing {
 
-/// The executables of the host, the calls to it and the interpreter, from the command line.
-inline std::string hostProgram, callProgram, interpreterProgram;
-
 /// A child process; killed with this object.
 class ChildProcess {
  public:
   explicit ChildProcess(const std::vector<std::string>& arguments) {
-    GSubprocessLauncher* launcher = g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE);
-    g_subprocess_launcher_set_stdout_file_path(launcher, (_folder.path / "output").c_str());
-    g_subprocess_launcher_set_stderr_file_path(launcher, (_folder.path / "errors").c_str());
+    const glib::Object<GSubprocessLauncher> launcher(
+        g_subprocess_launcher_new(G_SUBPROCESS_FLAGS_NONE));
+    g_subprocess_launcher_set_stdout_file_path(launcher.get(), (_folder.path / "output").c_str());
+    g_subprocess_launcher_set_stderr_file_path(launcher.get(), (_folder.path / "errors").c_str());
     std::vector<const char*> words;
     for (const auto& argument : arguments) words.push_back(argument.c_str());
     words.push_back(nullptr);
-    _process = g_subprocess_launcher_spawnv(launcher, words.data(), nullptr);
-    g_object_unref(launcher);
+    _process.reset(g_subprocess_launcher_spawnv(launcher.get(), words.data(), nullptr));
     if (_process == nullptr) throw std::runtime_error("cannot start " + arguments.front());
   }
-  ~ChildProcess() {
-    kill();
-    g_object_unref(_process);
-  }
+  ~ChildProcess() { kill(); }
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  int id() const { return std::atoi(g_subprocess_get_identifier(_process)); }
-  void send(int signal) { g_subprocess_send_signal(_process, signal); }
+  int id() const { return std::atoi(g_subprocess_get_identifier(_process.get())); }
+  void send(int signal) { g_subprocess_send_signal(_process.get(), signal); }
   /// At once, and waits until it is gone; the main loop does not run meanwhile.
   void kill() {
-    g_subprocess_force_exit(_process);
-    g_subprocess_wait(_process, nullptr, nullptr);
+    g_subprocess_force_exit(_process.get());
+    g_subprocess_wait(_process.get(), nullptr, nullptr);
   }
-  bool isRunning() const { return g_subprocess_get_identifier(_process) != nullptr; }
+  bool isRunning() const { return g_subprocess_get_identifier(_process.get()) != nullptr; }
   /// Its exit status, for which the main loop runs; -1 when a signal ended it or it does not end.
   int status() {
     if (!eventually([this] { return !isRunning(); }, std::chrono::seconds(20))) return -1;
-    return g_subprocess_get_if_exited(_process) ? g_subprocess_get_exit_status(_process) : -1;
+    return g_subprocess_get_if_exited(_process.get()) ? g_subprocess_get_exit_status(_process.get())
+                                                      : -1;
   }
   /// Runs the main loop until it has written a line; false when it ends before.
   bool awaitLine() const {
@@ -60,20 +54,7 @@ class ChildProcess {
 
  private:
   TemporaryFolder _folder;
-  GSubprocess* _process;
-};
-
-/// A host on the display at hand, ready to be called. When it goes, it ends by itself and well.
-struct RunningHost : ChildProcess {
-  RunningHost() : ChildProcess({hostProgram, "--port", "0"}) {
-    if (!awaitLine()) throw std::runtime_error("the host does not start: " + errors());
-  }
-  ~RunningHost() {
-    if (!isRunning()) return;
-    send(SIGTERM);
-    EXPECT_EQ(status(), 0) << errors();
-    EXPECT_EQ(errors().find("CRITICAL"), std::string::npos) << errors();
-  }
+  glib::Object<GSubprocess> _process;
 };
 
 /// Runs a command to its end and takes its standard output.
@@ -81,12 +62,6 @@ inline std::string outputOf(const std::vector<std::string>& arguments) {
   ChildProcess process(arguments);
   process.status();
   return process.output();
-}
-
-/// What tapdeck-call prints of the reply.
-inline std::string call(const std::string& method, const std::string& arguments = "null",
-                        const std::string& channel = "com.tapdeck/control") {
-  return outputOf({callProgram, "--channel", channel, method, arguments});
 }
 
 }  // namespace tapdeck::testing

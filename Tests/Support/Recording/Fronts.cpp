@@ -46,7 +46,7 @@ CGPoint mouseLocation() {
 }
 
 double doubleClickInterval() {
-  return script().doubleClickInterval;
+  return 0.5;
 }
 
 CGEventRef createSystemDefinedEvent(uint32_t modifierFlags, int16_t subtype, int64_t data1,

@@ -10,14 +10,6 @@
 #include "Platform/Tasks.h"
 #include "Tests/Support/Recording/Recording.h"
 
-namespace tapdeck::recording {
-
-void completeDownloads() {
-  for (const auto& complete : std::exchange(queued().downloads, {})) complete();
-}
-
-}  // namespace tapdeck::recording
-
 namespace tapdeck::platform {
 
 using recording::queued;

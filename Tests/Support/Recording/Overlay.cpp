@@ -75,8 +75,3 @@ void RepeatingTimer::invalidate() {
 }
 
 }  // namespace tapdeck::platform
-
-void tapdeck::recording::fireTimers() {
-  const auto timers = queued().timers;
-  for (const auto& [number, fired] : timers) fired();
-}
