@@ -12,6 +12,7 @@
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/Linux/Permissions/Permissions.h"
 #include "Tests/Support/Desktop/PrivateServer.h"
+#include "Tests/Support/Desktop/RunningHost.h"
 #include "Tests/Support/MainLoop.h"
 
 namespace tapdeck::testing {

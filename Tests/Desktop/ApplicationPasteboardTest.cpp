@@ -56,7 +56,7 @@ class SelectionOwner {
     }
   }
   void answer(const xcb_selection_request_event_t& request) {
-    const auto form = _answer(_client.nameOf(request.target));
+    const auto form = _answer(_client.atomName(request.target));
     if (form && form->type == kSilentType) return;
     xcb_selection_notify_event_t notify{};
     notify.response_type = XCB_SELECTION_NOTIFY;
@@ -93,7 +93,7 @@ void putThereByXclip(const std::string& text) {
   const TemporaryFolder folder;
   const auto file = folder.path / "text";
   std::ofstream(file, std::ios::binary) << text;
-  const Observer observer;
+  Observer observer;
   const auto ownerBefore = observer.selectionOwner("CLIPBOARD");
   outputOf({"xclip", "-selection", "clipboard", file.string()});
   // It goes to the background before the X server has its request to own the selection.

@@ -26,11 +26,10 @@ class ScreenTest : public ::testing::Test {
 class LaserDotTest : public ScreenTest {
  protected:
   uint32_t colourAt(int x, int y) const {
-    const auto image = Observer::owned(xcb_get_image_reply(
-        observer.get(),
-        xcb_get_image(observer.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, observer.root(),
-                      static_cast<int16_t>(x), static_cast<int16_t>(y), 1, 1, ~0U),
-        nullptr));
+    const auto image =
+        observer.wait(xcb_get_image(observer.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, observer.root(),
+                                    static_cast<int16_t>(x), static_cast<int16_t>(y), 1, 1, ~0U),
+                      xcb_get_image_reply);
     const uint8_t* pixel = xcb_get_image_data(image.get());
     return static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]);
   }
@@ -100,13 +99,12 @@ class WindowMoveTest : public ScreenTest {
   /// Of the outermost window around it: the window manager's frame.
   Place frameCorner(xcb_window_t window) const {
     for (;;) {
-      const auto tree = Observer::owned(
-          xcb_query_tree_reply(observer.get(), xcb_query_tree(observer.get(), window), nullptr));
+      const auto tree = observer.wait(xcb_query_tree(observer.get(), window), xcb_query_tree_reply);
       if (tree->parent == observer.root()) break;
       window = tree->parent;
     }
-    const auto frame = Observer::owned(
-        xcb_get_geometry_reply(observer.get(), xcb_get_geometry(observer.get(), window), nullptr));
+    const auto frame =
+        observer.wait(xcb_get_geometry(observer.get(), window), xcb_get_geometry_reply);
     return {frame->x, frame->y};
   }
   xcb_window_t openFocused() {
@@ -115,7 +113,7 @@ class WindowMoveTest : public ScreenTest {
     return window;
   }
   void setNumbers(xcb_window_t window, const char* name, xcb_atom_t type,
-                  const std::vector<uint32_t>& values) const {
+                  const std::vector<uint32_t>& values) {
     xcb_change_property(observer.get(), XCB_PROP_MODE_REPLACE, window, observer.atom(name), type,
                         32, static_cast<uint32_t>(values.size()), values.data());
     observer.sync();

@@ -49,11 +49,11 @@ class AppsIconTest : public AppsTest {
     write(users / "app.desktop", entry("App", "Icon=" + icon));
     return Icon("app.desktop");
   }
-  const std::filesystem::path folder = userData() / "pictures";
+  const std::filesystem::path folder = userData / "pictures";
 };
 
 TEST_F(AppsIconTest, DrawsVectorsAtTheirFullSizeAndPicturesWhole) {
-  write(userData() / "icons/hicolor/scalable/apps/two-halves.svg", kTwoHalves);
+  write(userData / "icons/hicolor/scalable/apps/two-halves.svg", kTwoHalves);
   write(folder / "halves.svg", kTwoHalves);
   for (const auto& name : {std::string("two-halves"), (folder / "halves.svg").string()}) {
     const Icon icon = iconOf(name);

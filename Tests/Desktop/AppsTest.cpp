@@ -1,11 +1,13 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <gtkmm/main.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <fstream>
 
 #include "Platform/Linux/Applications/ApplicationWindows.h"
+#include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Apps/Launching.h"
 #include "Tests/Desktop/AppsFixture.h"
 #include "Tests/Support/Desktop/Observer.h"
@@ -15,6 +17,39 @@ namespace tapdeck::testing {
 namespace {
 
 using namespace ::testing;
+
+constexpr const char* kSchema = R"(<schemalist>
+  <schema id="org.gnome.shell" path="/org/gnome/shell/">
+    <key name="favorite-apps" type="as">
+      <default>['favourite.desktop', 'gone.desktop']</default>
+    </key>
+  </schema>
+</schemalist>)";
+
+/// GNOME with favourites, the system's icons, and no system folder but the test's own.
+class Environment : public ::testing::Environment, AppsTest {
+ public:
+  void SetUp() override {
+    std::filesystem::create_directories(systemData);
+    for (const char* name : {"icons", "mime"}) {
+      std::filesystem::create_directory_symlink(std::filesystem::path("/usr/share") / name,
+                                                systemData / name);
+    }
+    const std::filesystem::path schemas = systemData / "schemas";
+    write(schemas / "shell.gschema.xml", kSchema);
+    ASSERT_EQ(std::system(("glib-compile-schemas " + schemas.string()).c_str()), 0);
+    setenv("XDG_DATA_DIRS", systemData.c_str(), 1);
+    setenv("GSETTINGS_SCHEMA_DIR", schemas.c_str(), 1);
+    setenv("GSETTINGS_BACKEND", "memory", 1);
+    setenv("XDG_CURRENT_DESKTOP", "GNOME", 1);
+    ASSERT_TRUE(gtk_init_check(nullptr, nullptr));
+    Gtk::Main::init_gtkmm_internals();
+    x11::connectToWindowServer();
+  }
+
+ private:
+  void TestBody() override {}
+};
 
 TEST_F(AppsTest, ListsWhatMenusShowAndTheFavourites) {
   EXPECT_THAT(catalogue(), IsEmpty());
@@ -168,3 +203,9 @@ TEST_F(AppsWindowsTest, SaysWhatCannotBeStarted) {
 
 }  // namespace
 }  // namespace tapdeck::testing
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  testing::AddGlobalTestEnvironment(new tapdeck::testing::Environment);
+  return RUN_ALL_TESTS();
+}

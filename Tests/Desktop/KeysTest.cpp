@@ -329,10 +329,11 @@ TEST_F(KeysTest, ModifiersActOnEveryKindOfKey) {
     release("shift");
     EXPECT_THAT(listener.heard(4), ElementsAre("down Shift_L", "down S", "up S", "up Shift_L"));
   }
-  // a flag whose key nobody presses
-  tap("space", kCGEventFlagMaskCommand);
-  EXPECT_THAT(listener.heard(4), ElementsAre("down Super_L", "down Super+space", "up Super+space",
-                                             "up Super+Super_L"));
+  // flags whose keys nobody presses
+  tap("space", kCGEventFlagMaskCommand | kCGEventFlagMaskAlternate);
+  EXPECT_THAT(listener.heard(6),
+              ElementsAre("down Alt_L", "down Alt+Super_L", "down Alt+Super+space",
+                          "up Alt+Super+space", "up Alt+Super+Super_L", "up Alt+Alt_L"));
   for (const MediaKey key : {MediaKey::playPause, MediaKey::next, MediaKey::previous}) {
     postMediaKey(key);
   }

@@ -10,7 +10,7 @@
 #include "Platform/Linux/EngineProtocol/SessionFile.h"
 #include "Platform/LoginItems.h"
 #include "Platform/UserDefaults.h"
-#include "Tests/Support/Desktop/ChildProcess.h"
+#include "Tests/Support/Desktop/RunningHost.h"
 
 namespace tapdeck::testing {
 namespace {

@@ -8,15 +8,18 @@
 
 #include "Platform/Applications.h"
 #include "Runner/Media/PlayerScripts.h"
-#include "Tests/Desktop/MediaFixture.h"
 #include "Tests/Support/CoverServer.h"
 #include "Tests/Support/Desktop/MediaBusPeer.h"
+#include "Tests/Support/Desktop/RunningHost.h"
 
 namespace tapdeck::testing {
 namespace {
 
 using std::chrono::milliseconds;
 using namespace ::testing;
+
+/// Whoever hangs does so for ever; how soon it is noticed also depends on how busy the machine is.
+constexpr std::chrono::seconds kForEver{10};
 
 /// What the interpreter prints; of a failure its message.
 std::string run(const std::string& script) {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "Tests/Desktop/MediaFixture.h"
 #include "Tests/Support/Desktop/MediaBusPeer.h"
 #include "Tests/Support/Desktop/Observer.h"
+#include "Tests/Support/Desktop/RunningHost.h"
 
 namespace tapdeck::testing {
 namespace {
@@ -29,11 +29,9 @@ class KeyClient {
   KeyClient(Kind kind, xcb_keysym_t keysym) : _code(codeOf(keysym)) {
     if (kind == Kind::keyboard) {
       // as good as the focus, which the host's own window may take as it comes up
-      Observer::owned(xcb_grab_keyboard_reply(
-          _observer.get(),
-          xcb_grab_keyboard(_observer.get(), 0, _observer.root(), XCB_CURRENT_TIME,
-                            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
-          nullptr));
+      _observer.wait(xcb_grab_keyboard(_observer.get(), 0, _observer.root(), XCB_CURRENT_TIME,
+                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                     xcb_grab_keyboard_reply);
     } else if (kind == Kind::coreGrab) {
       xcb_grab_key(_observer.get(), 0, _observer.root(), 0, _code, XCB_GRAB_MODE_ASYNC,
                    XCB_GRAB_MODE_ASYNC);
@@ -57,9 +55,9 @@ class KeyClient {
   xcb_keycode_t codeOf(xcb_keysym_t keysym) {
     const xcb_setup_t* setup = xcb_get_setup(_observer.get());
     const auto count = static_cast<uint8_t>(setup->max_keycode - setup->min_keycode + 1);
-    const auto map = Observer::owned(xcb_get_keyboard_mapping_reply(
-        _observer.get(), xcb_get_keyboard_mapping(_observer.get(), setup->min_keycode, count),
-        nullptr));
+    const auto map =
+        _observer.wait(xcb_get_keyboard_mapping(_observer.get(), setup->min_keycode, count),
+                       xcb_get_keyboard_mapping_reply);
     const auto* keysyms = xcb_get_keyboard_mapping_keysyms(map.get());
     const auto* end = keysyms + xcb_get_keyboard_mapping_keysyms_length(map.get());
     const auto place = (std::find(keysyms, end, keysym) - keysyms) / map->keysyms_per_keycode;
@@ -68,8 +66,8 @@ class KeyClient {
 
   // as mutter does it
   void grabByInputExtension() {
-    Observer::owned(xcb_input_xi_query_version_reply(
-        _observer.get(), xcb_input_xi_query_version(_observer.get(), 2, 0), nullptr));
+    _observer.wait(xcb_input_xi_query_version(_observer.get(), 2, 0),
+                   xcb_input_xi_query_version_reply);
     const uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
     const uint32_t noModifiers = 0;
     const auto grab = xcb_input_xi_passive_grab_device(
@@ -77,8 +75,7 @@ class KeyClient {
         XCB_INPUT_DEVICE_ALL_MASTER, 1, 1, XCB_INPUT_GRAB_TYPE_KEYCODE,
         XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, &events,
         &noModifiers);
-    const auto reply =
-        Observer::owned(xcb_input_xi_passive_grab_device_reply(_observer.get(), grab, nullptr));
+    const auto reply = _observer.wait(grab, xcb_input_xi_passive_grab_device_reply);
     EXPECT_TRUE(reply != nullptr && reply->num_modifiers == 0);
   }
 

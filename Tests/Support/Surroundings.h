@@ -32,6 +32,11 @@ inline std::string contentsOf(const std::filesystem::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
+/// Of this process.
+inline std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
 /// Sets a variable of the environment (or takes it away, for nullptr) and puts it back.
 class EnvironmentVariable {
  public:

@@ -12,38 +12,31 @@ using platform::ActivationPolicy;
 constexpr const char* kDock = "/Users/me/Library/Preferences/com.apple.dock.plist";
 
 Value entry(const char* bundleId, const char* name, bool isRunning = false) {
-  return Value(ValueMap{
-      {"bundleId", Value(bundleId)}, {"name", Value(name)}, {"isRunning", Value(isRunning)}});
+  return Value(mapOf("bundleId", bundleId, "name", name, "isRunning", isRunning));
 }
 
-ValueMap withTileData(Value data) {
-  return ValueMap{{"tile-data", std::move(data)}};
+/// A tile of the Dock with these keys and values in turn.
+Value tileOf(const auto&... content) {
+  return Value(mapOf("tile-data", mapOf(content...)));
 }
 
 Value tile(const char* bundleId, const char* label) {
-  return Value(withTileData(
-      Value(ValueMap{{"bundle-identifier", Value(bundleId)}, {"file-label", Value(label)}})));
-}
-
-ValueMap named(const char* bundleId) {
-  return ValueMap{{"bundleId", Value(bundleId)}};
+  return tileOf("bundle-identifier", bundleId, "file-label", label);
 }
 
 class ApplicationsTest : public HostTest {
  protected:
   static recording::Applications& applications() { return script().applications; }
-  static void keepInDock(Value::List tiles) {
-    applications().propertyLists[kDock] = ValueMap{{"persistent-apps", Value(std::move(tiles))}};
+  static void keepInDock(const Value::List& tiles) {
+    applications().propertyLists[kDock] = mapOf("persistent-apps", tiles);
   }
   static void install(const std::string& folder, const std::string& name,
                       const std::string& bundleId) {
     applications().folders[folder].push_back(name);
     applications().bundles[folder + "/" + name] = bundleId;
   }
-  Value::List catalogue() {
-    const Value list = reply("getRunningApps");
-    return list.getIf<Value::List>() != nullptr ? *list.getIf<Value::List>() : Value::List();
-  }
+  Value::List catalogue() { return *reply("getRunningApps").getIf<Value::List>(); }
+  Value icon(const char* bundleId) { return reply("getAppIcon", "bundleId", bundleId); }
 };
 
 TEST_F(ApplicationsTest, TheFirstSourceOfAnIdentifierNamesIt) {
@@ -78,14 +71,12 @@ TEST_F(ApplicationsTest, OnlyOrdinaryApplicationsCountAsRunning) {
 }
 
 TEST_F(ApplicationsTest, SkipsTilesThatAreNoApplications) {
-  const auto tileOf = [](const ValueMap& data) { return Value(withTileData(Value(data))); };
   const Value text("text");
-  keepInDock({text, Value(ValueMap()), Value(withTileData(text)), tileOf({{"file-label", text}}),
-              tileOf({{"bundle-identifier", text}}),
-              tileOf({{"bundle-identifier", text}, {"file-label", Value(5)}}),
+  keepInDock({text, Value(mapOf()), Value(mapOf("tile-data", text)), tileOf("file-label", text),
+              tileOf("bundle-identifier", text), tileOf("bundle-identifier", text, "file-label", 5),
               tile("kept", "Kept")});
   EXPECT_THAT(catalogue(), ElementsAre(entry("kept", "Kept")));
-  applications().propertyLists[kDock] = ValueMap{{"persistent-apps", text}};
+  applications().propertyLists[kDock] = mapOf("persistent-apps", text);
   EXPECT_THAT(catalogue(), IsEmpty());
 }
 
@@ -105,8 +96,8 @@ TEST_F(ApplicationsTest, DrawsTheIconOfTheRunningApplicationElseOfTheFile) {
                             {ActivationPolicy::accessory, "safari", std::nullopt, 7},
                             {ActivationPolicy::regular, "safari", "Safari", 8}};
   install("/Applications", "Mail.app", "mail");
-  EXPECT_EQ(reply("getAppIcon", named("safari")), Value("iVBORw=="));
-  EXPECT_EQ(reply("getAppIcon", named("mail")), Value("iVBORw=="));
+  EXPECT_EQ(icon("safari"), Value("iVBORw=="));
+  EXPECT_EQ(icon("mail"), Value("iVBORw=="));
   EXPECT_THAT(trace(), ElementsAre("copy icon of process 7 onto 64x64 bitmap",
                                    "PNG of 64x64 bitmap compressed by 0.500000",
                                    "copy icon of /Applications/Mail.app onto 64x64 bitmap",
@@ -115,28 +106,28 @@ TEST_F(ApplicationsTest, DrawsTheIconOfTheRunningApplicationElseOfTheFile) {
   // one that runs may have no icon at hand, or just have ended
   install("/Applications", "Safari.app", "safari");
   applications().runningIconFails = true;
-  EXPECT_EQ(reply("getAppIcon", named("safari")), Value("iVBORw=="));
+  EXPECT_EQ(icon("safari"), Value("iVBORw=="));
   EXPECT_THAT(trace(), ElementsAre("copy icon of /Applications/Safari.app onto 64x64 bitmap",
                                    "PNG of 64x64 bitmap compressed by 0.500000"));
 
-  EXPECT_EQ(reply("getAppIcon", named("unknown")), Value(""));
+  EXPECT_EQ(icon("unknown"), Value(""));
   applications().iconFails = true;
-  EXPECT_EQ(reply("getAppIcon", named("mail")), Value(""));
+  EXPECT_EQ(icon("mail"), Value(""));
   applications().iconFails = false;
   applications().bitmapFails = true;
-  EXPECT_EQ(reply("getAppIcon", named("mail")), Value(""));
+  EXPECT_EQ(icon("mail"), Value(""));
   EXPECT_THAT(trace(), IsEmpty());
   applications().bitmapFails = false;
   applications().png.reset();
-  EXPECT_EQ(reply("getAppIcon", named("mail")), Value(""));
+  EXPECT_EQ(icon("mail"), Value(""));
 }
 
 TEST_F(ApplicationsTest, LaunchesWhatIsInstalledAndSaysNothing) {
   install("/Applications", "Mail.app", "mail");
-  EXPECT_EQ(reply("launchApp", named("mail")), Value());
+  EXPECT_EQ(reply("launchApp", "bundleId", "mail"), Value());
   EXPECT_THAT(trace(), ElementsAre("open application /Applications/Mail.app"));
-  EXPECT_EQ(reply("launchApp", named("unknown")), Value());
-  EXPECT_EQ(reply("launchApp", named("Mail")), Value());
+  EXPECT_EQ(reply("launchApp", "bundleId", "unknown"), Value());
+  EXPECT_EQ(reply("launchApp", "bundleId", "Mail"), Value());
   EXPECT_THAT(trace(), IsEmpty());
 }
 

@@ -14,40 +14,29 @@ TEST_F(DispatcherTest, EveryMethodHasItsReplyWithoutAWindow) {
   script().captureGrantedOnRequest = true;
   script().pasteboard = "kept";
   window.reset();
-  const ValueMap given{{"bundleId", Value("app")},
-                       {"dx", Value(1)},
-                       {"dy", Value(1)},
-                       {"x", Value(1)},
-                       {"y", Value(1)},
-                       {"display", Value("1")},
-                       {"button", Value("left")},
-                       {"amount", Value(3)},
-                       {"direction", Value(1)},
-                       {"key", Value("a")},
-                       {"text", Value("new")}};
-  const std::pair<const char*, Value> answering[] = {
-      {"getAppIcon", Value("")},
-      {"getDisplays", Value(Value::List())},
-      {"supportsWindowMove", Value(true)},
-      {"screenCaptureSupported", Value(true)},
-      {"screenPermissionGranted", Value(true)},
-      {"requestScreenPermission", Value(true)},
-      {"isAccessibilityTrusted", Value(false)},
-      {"requestAccessibilityPermission", Value(false)},
-      {"getVolumeLevel", Value(50)},
-      {"supportsNowPlaying", Value(true)},
-      {"getClipboard", Value("kept")},
-      {"setClipboard", Value(true)},
-  };
-  for (const auto& [method, value] : answering) EXPECT_EQ(reply(method, given), value) << method;
-  std::istringstream silent(
-      "getRunningApps launchApp moveMouse moveMouseAbs moveWindowToDisplay "
-      "openScreenRecordingSettings captureScreen resetScreenCapture screenCursor hideCursor "
-      "showCursor openAccessibilitySettings debugWarp click doubleClick mouseDown mouseUp scroll "
-      "scrollHorizontal keyPress keyDown keyUp typeText showLaser hideLaser mediaPlayPause "
-      "mediaNext mediaPrevious volumeUp volumeDown volumeMute lockScreen sleepSystem "
-      "shutdownSystem restartSystem");
-  for (std::string method; silent >> method;) EXPECT_EQ(reply(method, given), kNull) << method;
+  const ValueMap given =
+      mapOf("bundleId", "app", "dx", 1, "dy", 1, "x", 1, "y", 1, "display", "1", "button", "left",
+            "amount", 3, "direction", 1, "key", "a", "text", "new");
+  const std::pair<Value, const char*> answers[] = {
+      {Value("kept"), "getClipboard"},
+      {Value(""), "getAppIcon"},
+      {Value(Value::List()), "getDisplays"},
+      {Value(true),
+       "supportsWindowMove screenCaptureSupported screenPermissionGranted requestScreenPermission "
+       "supportsNowPlaying setClipboard"},
+      {Value(false), "isAccessibilityTrusted requestAccessibilityPermission"},
+      {Value(50), "getVolumeLevel"},
+      {kNull,
+       "getRunningApps launchApp moveMouse moveMouseAbs moveWindowToDisplay "
+       "openScreenRecordingSettings captureScreen resetScreenCapture screenCursor hideCursor "
+       "showCursor openAccessibilitySettings debugWarp click doubleClick mouseDown mouseUp scroll "
+       "scrollHorizontal keyPress keyDown keyUp typeText showLaser hideLaser mediaPlayPause "
+       "mediaNext mediaPrevious volumeUp volumeDown volumeMute lockScreen sleepSystem "
+       "shutdownSystem restartSystem"}};
+  for (const auto& [value, methods] : answers) {
+    std::istringstream names(methods);
+    for (std::string name; names >> name;) EXPECT_EQ(reply(name, given), value) << name;
+  }
   EXPECT_THAT(trace(), ElementsAre("preflight screen capture", "request screen capture",
                                    "clear pasteboard", "set pasteboard string 'new'",
                                    "open x-apple.systempreferences:com.apple.preference.security?"
@@ -66,11 +55,9 @@ TEST_F(DispatcherTest, MissingArgumentsGetTheMethodsOwnError) {
   const auto invalid = [](const char* message) {
     return Outcome(MethodError{"INVALID_ARGS", message, kNull});
   };
-  const std::vector<Value> badArguments = {
-      kNull, Value(3), Value(ValueMap{}),
-      Value(ValueMap{
-          {"dx", Value("3")}, {"x", Value(true)}, {"bundleId", Value(5)}, {"direction", Value(1)}}),
-      Value(ValueMap{{"dx", Value(1)}, {"x", Value(1)}, {"display", kNull}, {"amount", Value(3)}})};
+  const Value badArguments[] = {kNull, Value(3), Value(mapOf()),
+                                Value(mapOf("dx", "3", "x", true, "bundleId", 5, "direction", 1)),
+                                Value(mapOf("dx", 1, "x", 1, "display", kNull, "amount", 3))};
   for (const Value& bad : badArguments) {
     EXPECT_EQ(outcome("launchApp", bad), invalid("bundleId required"));
     EXPECT_EQ(outcome("moveMouse", bad), invalid("Invalid arguments"));
@@ -87,7 +74,7 @@ TEST_F(DispatcherTest, MissingArgumentsGetTheMethodsOwnError) {
 
 /// What the value is as a string, a number, an integer and a boolean; a dash for what it is not.
 std::string readings(const Value& value) {
-  const Value map(ValueMap{{"key", value}});
+  const Value map(mapOf("key", value));
   const Arguments arguments(map);
   std::ostringstream text;
   const auto add = [&](const auto& reading) {
@@ -119,16 +106,13 @@ TEST_F(DispatcherTest, ArgumentsAreReadByKind) {
   for (const auto& [value, text] : rows) EXPECT_EQ(readings(value), text);
 
   // one key that is no string, and the whole map is none that the host reads
-  ValueMap mixed{{"text", Value("3")}};
-  mixed.set(Value(1), Value("one"));
-  const Value mixedValue(mixed);
-  EXPECT_EQ(Arguments(mixedValue).string("text"), std::nullopt);
+  const Value mixed(mapOf("text", "3", 1, "one"));
+  EXPECT_EQ(Arguments(mixed).string("text"), std::nullopt);
 }
 
 TEST_F(DispatcherTest, BackgroundMethodsReplyFromTheMainQueue) {
-  for (const char* method : {"getNowPlaying", "mediaSeek"}) {
+  for (const char* method : {"getNowPlaying", "mediaSeek"})
     EXPECT_EQ(outcome(method), std::nullopt);
-  }
   EXPECT_THAT(trace(), ElementsAre("async on utility", "async on userInitiated"));
   recording::runGlobalQueues();
   EXPECT_THAT(engine->laterReplies, IsEmpty());
@@ -145,7 +129,7 @@ TEST_F(DispatcherTest, BackgroundMethodsReplyFromTheMainQueue) {
 
 TEST_F(DispatcherTest, ClipboardKeepsTextAndLeavesTheRestAlone) {
   EXPECT_EQ(reply("getClipboard"), Value(""));
-  EXPECT_EQ(reply("setClipboard", ValueMap{{"text", Value("")}}), Value(true));
+  EXPECT_EQ(reply("setClipboard", "text", ""), Value(true));
   EXPECT_THAT(trace(), ElementsAre("clear pasteboard", "set pasteboard string ''"));
   EXPECT_EQ(script().pasteboard, "");
 }

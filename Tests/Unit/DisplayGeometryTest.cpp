@@ -20,16 +20,8 @@ TEST_F(DisplayGeometryTest, RecordsHoldTenKeysInTopLeftPoints) {
                       screen(4, {{-1280.5, 0}, {1280.5, 1024}})};
   const auto record = [](const char* id, const char* name, int x, int y, int w, int h, double scale,
                          int pxW, int pxH, bool primary) {
-    return Value(ValueMap{{"id", Value(id)},
-                          {"name", Value(name)},
-                          {"x", Value(x)},
-                          {"y", Value(y)},
-                          {"w", Value(w)},
-                          {"h", Value(h)},
-                          {"scale", Value(scale)},
-                          {"pxW", Value(pxW)},
-                          {"pxH", Value(pxH)},
-                          {"primary", Value(primary)}});
+    return Value(mapOf("id", id, "name", name, "x", x, "y", y, "w", w, "h", h, "scale", scale,
+                       "pxW", pxW, "pxH", pxH, "primary", primary));
   };
   EXPECT_EQ(reply("getDisplays"),
             Value(Value::List{

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <random>
 #include <vector>
 
@@ -45,27 +46,18 @@ TEST(FrameComparisonTest, SeesEveryDifferenceOfMoreThanFour) {
     std::vector<uint8_t> other = likeness(frame, layout, random);
     ASSERT_FALSE(framesDiffer(frame.data(), other.data(), layout)) << "width " << width;
 
-    const size_t at = random.upTo(layout.rows - 1) * layout.stride + random.upTo(rowBytes - 1);
-    for (const int difference : {0, 1, 4, 5, 6, 127, 128, 251, 252, 255}) {
-      for (const int changed : {frame[at] + difference, frame[at] - difference}) {
+    const size_t row = random.upTo(layout.rows - 1) * layout.stride;
+    for (size_t at = row; at < row + rowBytes; ++at) {
+      const uint8_t before = other[at];
+      for (const int difference : {0, 4, -4, 5, -5, 128, -255}) {
+        const int changed = frame[at] + difference;
         if (changed < 0 || changed > 255) continue;
         other[at] = static_cast<uint8_t>(changed);
-        ASSERT_EQ(framesDiffer(frame.data(), other.data(), layout), difference > 4)
+        ASSERT_EQ(framesDiffer(frame.data(), other.data(), layout), std::abs(difference) > 4)
             << "width " << width << ", stride " << layout.stride << ", " << difference << " at "
             << at;
       }
-    }
-  }
-}
-
-TEST(FrameComparisonTest, LooksAtEveryByteOfARow) {
-  for (const size_t rowBytes : {4, 1020, 1024, 1028, 2044, 2052}) {
-    const FrameLayout layout{rowBytes, rowBytes, 2};
-    const std::vector<uint8_t> frame(layout.stride * layout.rows, 100);
-    for (size_t at = 0; at < frame.size(); ++at) {
-      auto other = frame;
-      other[at] = 105;
-      ASSERT_TRUE(framesDiffer(frame.data(), other.data(), layout)) << rowBytes << " " << at;
+      other[at] = before;
     }
   }
 }

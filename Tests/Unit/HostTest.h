@@ -25,6 +25,15 @@ inline void PrintTo(const Value& value, std::ostream* out) {
   value.visit([out](const auto& content) { *out << ::testing::PrintToString(content); });
 }
 
+/// The map of keys and values in turn: mapOf("x", 1, "on", true).
+template <typename... Content>
+ValueMap mapOf(const Content&... content) {
+  const std::vector<Value> turns{Value(content)...};
+  ValueMap map;
+  for (size_t i = 0; i < turns.size(); i += 2) map.set(turns[i], turns[i + 1]);
+  return map;
+}
+
 /// The whole host, awake, on the recording platform. Calls go through the real dispatcher.
 class HostTest : public ::testing::Test {
  protected:
@@ -76,16 +85,18 @@ class HostTest : public ::testing::Test {
            (clicks > 0 ? " field 1 = " + std::to_string(clicks) : "");
   }
 
-  std::optional<Outcome> outcome(const std::string& method, Value arguments = Value()) {
-    return engine->call(kControlChannel, method, std::move(arguments));
-  }
-  std::optional<Outcome> outcome(const std::string& method, ValueMap arguments) {
-    return outcome(method, Value(std::move(arguments)));
+  /// The arguments are one value, or keys and values in turn.
+  template <typename... Arguments>
+  std::optional<Outcome> outcome(const std::string& method, const Arguments&... arguments) {
+    if constexpr (sizeof...(arguments) < 2)
+      return engine->call(kControlChannel, method, Value(arguments...));
+    else
+      return engine->call(kControlChannel, method, Value(mapOf(arguments...)));
   }
   /// The reply of a call that must succeed at once.
-  template <typename Arguments = Value>
-  Value reply(const std::string& method, Arguments arguments = Arguments()) {
-    const auto result = outcome(method, std::move(arguments));
+  template <typename... Arguments>
+  Value reply(const std::string& method, const Arguments&... arguments) {
+    const auto result = outcome(method, arguments...);
     const auto* value = result ? std::get_if<Value>(&*result) : nullptr;
     EXPECT_NE(value, nullptr) << method << " did not succeed";
     return value != nullptr ? *value : Value();

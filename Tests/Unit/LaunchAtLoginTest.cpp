@@ -72,7 +72,7 @@ TEST_F(LaunchAtLoginTest, OperatesTheService) {
     system().status = before;
     system().registrationError = registrationError;
     system().unregistrationError = unregistrationError;
-    EXPECT_EQ(set(Value(ValueMap{{"setEnabledValue", Value(value)}})), Outcome(Value()));
+    EXPECT_EQ(set(Value(mapOf("setEnabledValue", value))), Outcome(Value()));
     EXPECT_EQ(trace(), calls);
     EXPECT_EQ(call("launchAtStartupIsEnabled"), Outcome(Value(after == enabled)));
   }
@@ -82,11 +82,9 @@ TEST_F(LaunchAtLoginTest, KnowsTheHelperByTheFirstJobOfItsLabel) {
   system().hasServices = false;
   system().status = LoginItemStatus::enabled;
   const LaunchdJob other{"com.example.app", true}, nameless{std::nullopt, true};
-  const LaunchdJob on{kHelper, true}, off{kHelper, false};
+  const LaunchdJob on{kHelper, true}, off{kHelper, false}, unsaid{kHelper, std::nullopt};
   const std::vector<std::pair<std::vector<LaunchdJob>, bool>> cases = {
-      {{other, on, off}, true},
-      {{nameless, off, on}, false},
-  };
+      {{other, on, off}, true}, {{nameless, off, on}, false}, {{unsaid}, false}};
   for (const auto& [jobs, isEnabled] : cases) {
     system().jobs = jobs;
     EXPECT_EQ(login.isEnabled(), isEnabled);
@@ -120,14 +118,14 @@ TEST_F(LaunchAtLoginTest, MigratesOnceAndRemovesTheHelper) {
 }
 
 TEST_F(LaunchAtLoginTest, TheChannelInsistsOnItsKey) {
-  ValueMap mixed{{"setEnabledValue", Value(true)}};
-  mixed.set(Value(1), Value(true));
-  for (const Value& noMap : {Value(true), Value(mixed)}) EXPECT_EQ(set(noMap), Outcome(Value()));
+  for (const Value& noMap : {Value(true), Value(mapOf("setEnabledValue", true, 1, true))}) {
+    EXPECT_EQ(set(noMap), Outcome(Value()));
+  }
   EXPECT_EQ(call("launchAtStartupToggle"), Outcome(NotImplemented{}));
   EXPECT_THAT(trace(), IsEmpty());
 
-  const auto setTo = [this](Value value) {
-    return set(Value(ValueMap{{"setEnabledValue", std::move(value)}}));
+  const auto setTo = [this](const Value& value) {
+    return set(Value(mapOf("setEnabledValue", value)));
   };
   for (const Value& on : {Value(true), Value(1), Value(1.0)}) {
     EXPECT_EQ(setTo(on), Outcome(Value()));
@@ -137,7 +135,7 @@ TEST_F(LaunchAtLoginTest, TheChannelInsistsOnItsKey) {
     EXPECT_EQ(setTo(off), Outcome(Value()));
     EXPECT_THAT(trace(), ElementsAre(kUnregister));
   }
-  EXPECT_DEATH(set(Value(ValueMap{})), "❌ .*setEnabledValue");
+  EXPECT_DEATH(set(Value(mapOf())), "❌ .*setEnabledValue");
   for (const Value& none : {Value(), Value(2), Value(0.5), Value("true")}) {
     EXPECT_DEATH(setTo(none), "❌ .*setEnabledValue");
   }

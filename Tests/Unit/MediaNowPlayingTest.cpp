@@ -12,9 +12,8 @@ class MediaNowPlayingTest : public MediaTest {
  protected:
   MediaNowPlayingTest() { script().media.jpeg = std::vector<uint8_t>{0xFF, 0xD8, 0xFF}; }
 
-  Value nowPlaying(Value includeArt = Value()) {
-    EXPECT_EQ(outcome("getNowPlaying", ValueMap{{"includeArt", std::move(includeArt)}}),
-              std::nullopt);
+  Value nowPlaying(const Value& includeArt = Value()) {
+    EXPECT_EQ(outcome("getNowPlaying", "includeArt", includeArt), std::nullopt);
     recording::runGlobalQueues();
     recording::runMainQueue();
     return std::get<Value>(engine->laterReplies.back());
@@ -25,8 +24,8 @@ class MediaNowPlayingTest : public MediaTest {
     answers[{"art", player}] = art;
   }
   /// What of the reply stands under the key; a text for what is not there.
-  Value told(const char* key, Value includeArt = Value(true)) {
-    const Value all = nowPlaying(std::move(includeArt));
+  Value told(const char* key, const Value& includeArt = Value(true)) {
+    const Value all = nowPlaying(includeArt);
     const auto* map = all.getIf<ValueMap>();
     const Value* found = map != nullptr ? map->find(key) : nullptr;
     return found != nullptr ? *found : Value("absent");
@@ -35,15 +34,9 @@ class MediaNowPlayingTest : public MediaTest {
 
 Value info(const char* title, const char* artist, const char* album, double duration,
            double position, bool playing, bool canSeek, const char* app, const char* trackId) {
-  return Value(ValueMap{{"title", Value(title)},
-                        {"artist", Value(artist)},
-                        {"album", Value(album)},
-                        {"duration", Value(duration)},
-                        {"position", Value(position)},
-                        {"playing", Value(playing)},
-                        {"canSeek", Value(canSeek)},
-                        {"app", Value(app)},
-                        {"trackId", Value(trackId)}});
+  return Value(mapOf("title", title, "artist", artist, "album", album, "duration", duration,
+                     "position", position, "playing", playing, "canSeek", canSeek, "app", app,
+                     "trackId", trackId));
 }
 
 TEST_F(MediaNowPlayingTest, RepliesAreReadFieldByField) {

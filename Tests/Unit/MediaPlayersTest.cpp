@@ -12,14 +12,14 @@ using ::testing::Each;
 
 class MediaPlayersTest : public MediaTest {
  protected:
-  Value seek(Value position) {
-    EXPECT_EQ(outcome("mediaSeek", ValueMap{{"position", std::move(position)}}), std::nullopt);
+  Value seek(const Value& position) {
+    EXPECT_EQ(outcome("mediaSeek", "position", position), std::nullopt);
     recording::runGlobalQueues();
     recording::runMainQueue();
     return std::get<Value>(engine->laterReplies.back());
   }
-  std::string seekProgram(Value position) {
-    EXPECT_EQ(seek(std::move(position)), Value());
+  std::string seekProgram(const Value& position) {
+    EXPECT_EQ(seek(position), Value());
     Trace all = trace();
     return all.size() >= 2 ? all[all.size() - 2] : "";
   }

@@ -15,7 +15,7 @@ class PermissionsTest : public HostTest {
     attach({screen(1, {{0, 0}, {1440, 900}})});
     pointerAt(100, 100);
   }
-  void move() { reply("moveMouse", ValueMap{{"dx", Value(1)}, {"dy", Value(0)}}); }
+  void move() { reply("moveMouse", "dx", 1, "dy", 0); }
 };
 
 TEST_F(PermissionsTest, TheGatePromptsOnceAndLetsNothingThrough) {
@@ -23,7 +23,7 @@ TEST_F(PermissionsTest, TheGatePromptsOnceAndLetsNothingThrough) {
   script().trustedOnPrompt = true;  // the prompt's own answer does not open the gate
   CaptureStdout();
   move();
-  reply("moveMouseAbs", ValueMap{{"x", Value(0.5)}, {"y", Value(0.5)}});
+  reply("moveMouseAbs", "x", 0.5, "y", 0.5);
   move();
   EXPECT_EQ(GetCapturedStdout(), kPromptLine);
   EXPECT_THAT(trace(),
@@ -67,20 +67,24 @@ TEST_F(PermissionsTest, RequestingPromptsEachTimeAndInTheGatesPlace) {
 
 TEST_F(PermissionsTest, ClicksAndScrollsPassWithoutTrust) {
   script().trusted = false;
-  reply("click", ValueMap{{"button", Value("left")}});
-  const auto scroll = [&](const char* method, Value amount, int direction) {
-    reply(method, ValueMap{{"amount", std::move(amount)}, {"direction", Value(direction)}});
+  reply("click", "button", "left");
+  const auto scroll = [&](const char* method, const auto& amount, int direction) {
+    reply(method, "amount", amount, "direction", direction);
   };
-  scroll("scroll", Value(3), 0);
-  scroll("scroll", Value(int64_t{2147483648}), 0);
-  scroll("scrollHorizontal", Value(5.0), 1);
-  scroll("scroll", Value(2.5), 1);
+  scroll("scroll", 3, 0);
+  scroll("scroll", int64_t{2147483648}, 0);
+  scroll("scroll", -INT32_MAX, 0);
+  scroll("scroll", INT32_MAX, 1);
+  scroll("scrollHorizontal", 5.0, 1);
+  scroll("scroll", 2.5, 1);
   EXPECT_THAT(trace(), ElementsAre(mouse(1, 100, 100, 0, 1), mouse(2, 100, 100, 0, 1),
                                    "post scroll unit 0 count 1 wheels -3 0 0 source none",
                                    "post scroll unit 0 count 1 wheels -2147483648 0 0 source none",
+                                   "post scroll unit 0 count 1 wheels 2147483647 0 0 source none",
+                                   "post scroll unit 0 count 1 wheels 2147483647 0 0 source none",
                                    "post scroll unit 0 count 2 wheels 0 5 0 source none"));
-  EXPECT_DEATH(scroll("scroll", Value(int64_t{2147483648}), 1), "❌ .*2147483648");
-  EXPECT_DEATH(scroll("scrollHorizontal", Value(INT64_MIN), 0), "❌ .*-9223372036854775808");
+  EXPECT_DEATH(scroll("scroll", int64_t{2147483648}, 1), "❌ .*2147483648");
+  EXPECT_DEATH(scroll("scrollHorizontal", INT64_MIN, 0), "❌ .*-9223372036854775808");
 }
 
 TEST_F(PermissionsTest, ScreenRecordingIsAskedAfreshAndPanesAreOpened) {

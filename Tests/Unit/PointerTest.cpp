@@ -14,12 +14,8 @@ class PointerTest : public HostTest {
     pointerAt(100, 200);
     window->_isAccessibilityTrusted = true;
   }
-  Value move(double dx, double dy) {
-    return reply("moveMouse", ValueMap{{"dx", Value(dx)}, {"dy", Value(dy)}});
-  }
-  Value withButton(const char* method, const char* button) {
-    return reply(method, ValueMap{{"button", Value(button)}});
-  }
+  Value move(double dx, double dy) { return reply("moveMouse", "dx", dx, "dy", dy); }
+  void withButton(const char* method, const char* button) { reply(method, "button", button); }
 };
 
 TEST_F(PointerTest, MovesByWholePointsAndCarriesTheRest) {
@@ -55,9 +51,8 @@ TEST_F(PointerTest, AnAccumulatedDistanceMustBeAnInteger) {
 TEST_F(PointerTest, AbsoluteMovesGoToFractionsAndForgetTheRest) {
   attach({screen(1, {{0, 0}, {1440, 900}}), screen(2, {{-1000, 0}, {1000, 500}})});
   move(0.5, 0.5);
-  const auto to = [&](double x, double y, Value display) {
-    return reply("moveMouseAbs",
-                 ValueMap{{"x", Value(x)}, {"y", Value(y)}, {"display", std::move(display)}});
+  const auto to = [&](double x, double y, const Value& display) {
+    return reply("moveMouseAbs", "x", x, "y", y, "display", display);
   };
   EXPECT_EQ(to(1, 1, Value("2")), kNull);
   EXPECT_EQ(window->_fractionalX, 0);
@@ -113,7 +108,7 @@ TEST_F(PointerTest, AHeldButtonTurnsMovesIntoDrags) {
   EXPECT_EQ(window->_heldMouseButton, "left");
   withButton("mouseUp", "right");  // another name clears it all the same
   move(1, 1);
-  reply("mouseUp", ValueMap{{"button", Value(5)}});
+  reply("mouseUp", "button", 5);
   EXPECT_THAT(trace(), ElementsAre(mouse(3, 100, 200, 1, 0, "none"), mouse(7, 101, 201, 1),
                                    mouse(1, 100, 200, 0, 0, "none"), mouse(6, 101, 201),
                                    mouse(4, 100, 200, 1, 0, "none"), mouse(5, 101, 201),
@@ -140,31 +135,33 @@ TEST_F(PointerTest, WhatCannotBeMadeIsLeftOut) {
 
 TEST_F(PointerTest, TheCursorIsReportedInFractionsOfADisplay) {
   attach({screen(1, {{0, 0}, {1000, 500}}), screen(2, {{-200, 500}, {200, 100}})});
-  const auto cursor = [&](double x, double y, Value display) {
+  const auto cursor = [&](double x, double y, const Value& display) {
     pointerAt(x, y, 500);
-    return reply("screenCursor", ValueMap{{"display", std::move(display)}});
+    return reply("screenCursor", "display", display);
   };
   const auto at = [](double x, double y, bool on) {
-    return Value(ValueMap{{"x", Value(x)}, {"y", Value(y)}, {"onDisplay", Value(on)}});
+    return Value(mapOf("x", x, "y", y, "onDisplay", on));
   };
-  const Value nowhere(ValueMap{{"onDisplay", Value(false)}});
+  const Value nowhere(mapOf("onDisplay", false));
   EXPECT_EQ(cursor(250, 125, kNull), at(0.25, 0.25, true));
   EXPECT_EQ(cursor(1000, 0, Value(7)), at(1, 0, true)) << "the edges count";
   EXPECT_EQ(cursor(-1, 250, Value("")), at(0, 0.5, false));
   EXPECT_EQ(cursor(-150, -25, Value("2")), at(0.25, 0.75, true));
   EXPECT_EQ(cursor(0, 0, Value("3")), nowhere);
-  script().bounds[2] = CGRectMake(0, 0, 10, 0);
-  EXPECT_EQ(cursor(0, 0, Value("2")), nowhere);
+  for (const CGSize flat : {CGSize{10, 0}, {0, 10}}) {
+    script().bounds[2].size = flat;
+    EXPECT_EQ(cursor(0, 0, Value("2")), nowhere);
+  }
   script().eventLocation.reset();
   EXPECT_EQ(reply("screenCursor"), at(0, 0, true));
 }
 
 TEST_F(PointerTest, WarpsToAPointOrToTheMainScreensMiddle) {
-  reply("debugWarp", ValueMap{{"x", Value(-9000)}, {"y", Value(12.5)}});
-  reply("debugWarp", ValueMap{{"x", Value(3)}});
+  reply("debugWarp", "x", -9000, "y", 12.5);
+  reply("debugWarp", "x", 3);
   EXPECT_THAT(trace(), ElementsAre("warp to (-9000,12.5)"));
   script().mainScreen = screen(2, {{1440, 100}, {1000, 600}});
-  reply("debugWarp", ValueMap{{"x", Value(3)}, {"y", Value("4")}});
+  reply("debugWarp", "x", 3, "y", "4");
   EXPECT_THAT(trace(), ElementsAre("warp to (1940,500)"));
 }
 

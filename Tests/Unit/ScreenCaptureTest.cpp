@@ -5,16 +5,15 @@
 namespace tapdeck {
 namespace {
 
-const Value kUnchanged(ValueMap{{"unchanged", Value(true)}});
+const Value kUnchanged(mapOf("unchanged", true));
 
 Value frame(int width, int height) {
-  return Value(ValueMap{{"jpeg", Value(std::vector<uint8_t>{0xff, 0xd8, 0xff, 0xd9})},
-                        {"w", Value(width)},
-                        {"h", Value(height)}});
+  return Value(
+      mapOf("jpeg", std::vector<uint8_t>{0xff, 0xd8, 0xff, 0xd9}, "w", width, "h", height));
 }
 
 Value failure(const char* code) {
-  return Value(ValueMap{{"error", Value(code)}});
+  return Value(mapOf("error", code));
 }
 
 class ScreenCaptureTest : public HostTest {
@@ -26,7 +25,7 @@ class ScreenCaptureTest : public HostTest {
   }
   ~ScreenCaptureTest() override { reply("resetScreenCapture"); }
 
-  Value capture(ValueMap arguments = {}) { return reply("captureScreen", std::move(arguments)); }
+  Value capture(const auto&... arguments) { return reply("captureScreen", arguments...); }
   static std::vector<uint8_t>& drawn() { return script().images.displays.at(1).drawn; }
 };
 
@@ -64,7 +63,7 @@ TEST_F(ScreenCaptureTest, LimitsWidthAndNeverScalesUp) {
   };
   for (const auto& [width, height, maxWidth, outWidth, outHeight] : rows) {
     script().images.displays[1] = {width, height, {}};
-    EXPECT_EQ(capture({{"maxWidth", maxWidth}, {"force", Value(true)}}), frame(outWidth, outHeight))
+    EXPECT_EQ(capture("maxWidth", maxWidth, "force", true), frame(outWidth, outHeight))
         << width << "x" << height;
   }
 }
@@ -75,18 +74,18 @@ TEST_F(ScreenCaptureTest, LimitsQuality) {
       {Value(100), "0.95"}, {Value(), "0.6"},   {Value("high"), "0.6"}, {Value(70.5), "0.6"},
   };
   for (const auto& [quality, factor] : rows) {
-    capture({{"quality", quality}, {"force", Value(1)}});
+    capture("quality", quality, "force", 1);
     EXPECT_THAT(trace(), Contains("add 1280x800 at quality " + std::string(factor)));
   }
 }
 
 TEST_F(ScreenCaptureTest, TakesTheDisplayThatIsNamed) {
-  EXPECT_EQ(capture({{"display", Value("")}}), frame(1280, 800));
-  EXPECT_EQ(capture({{"display", Value(2)}, {"force", Value("yes")}}), kUnchanged) << "wrong types";
-  EXPECT_EQ(capture({{"display", Value("2")}}), frame(1024, 768));
+  EXPECT_EQ(capture("display", ""), frame(1280, 800));
+  EXPECT_EQ(capture("display", 2, "force", "yes"), kUnchanged) << "wrong types";
+  EXPECT_EQ(capture("display", "2"), frame(1024, 768));
   EXPECT_EQ(capture(), frame(1280, 800)) << "one last frame for all displays";
   trace();
-  EXPECT_EQ(capture({{"display", Value("3")}}), failure("no_display"));
+  EXPECT_EQ(capture("display", "3"), failure("no_display"));
   EXPECT_THAT(trace(), IsEmpty());
 }
 
@@ -106,7 +105,7 @@ TEST_F(ScreenCaptureTest, EachStepThatFailsIsAnswered) {
     EXPECT_EQ(capture(), isKept ? kUnchanged : frame(1280, 800)) << failing;
   }
   script().images.jpeg.clear();
-  EXPECT_EQ(capture({{"force", Value(true)}}), failure("encode_failed"));
+  EXPECT_EQ(capture("force", true), failure("encode_failed"));
   for (const auto& [width, height] : {std::pair{0, 1800}, {2880, 0}}) {
     script().images.displays[1] = {static_cast<size_t>(width), static_cast<size_t>(height), {}};
     EXPECT_EQ(capture(), failure("capture_failed"));
@@ -126,7 +125,7 @@ TEST_F(ScreenCaptureTest, MeasuresDriftAgainstTheLastFrameSent) {
     byte = static_cast<uint8_t>(value);
     EXPECT_EQ(capture(), isSent ? frame(1280, 800) : kUnchanged) << value;
   }
-  EXPECT_EQ(capture({{"force", Value(true)}}), frame(1280, 800));
+  EXPECT_EQ(capture("force", true), frame(1280, 800));
 }
 
 TEST_F(ScreenCaptureTest, PixelsOfTheSameVersionAreNotComparedAgain) {
@@ -142,7 +141,7 @@ TEST_F(ScreenCaptureTest, PixelsOfTheSameVersionAreNotComparedAgain) {
 }
 
 TEST_F(ScreenCaptureTest, ANewGeometryOrAResetSendsTheFrame) {
-  const ValueMap narrow{{"maxWidth", Value(640)}};
+  const ValueMap narrow = mapOf("maxWidth", 640);
   EXPECT_EQ(capture(), frame(1280, 800));
   EXPECT_EQ(capture(narrow), frame(640, 400));
   EXPECT_EQ(capture(narrow), kUnchanged);

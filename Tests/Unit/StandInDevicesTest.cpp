@@ -13,12 +13,7 @@ constexpr const char* kDevices = "tapdeck.engine/devices";
 class StandInDevices : public StandInTest {
  protected:
   Outcome ask(Page& page, const std::string& method, Value arguments = Value()) {
-    const size_t before = page.messages().size();
-    page.call(1, kDevices, {method, std::move(arguments)});
-    EXPECT_TRUE(page.waitForMessages(before + 1));
-    return codec::decodeEnvelope(
-               *(*page.messages()[before].getIf<Value::List>())[2].getIf<Value::Bytes>())
-        .value();
+    return page.ask(kDevices, {method, std::move(arguments)});
   }
   std::string pair(Page& page, const std::string& name) {
     const Outcome outcome = ask(page, "pair", Value(ValueMap{{"name", Value(name)}}));

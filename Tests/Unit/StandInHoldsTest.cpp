@@ -68,8 +68,8 @@ TEST(StandInHolds, HidesOfTheCursorAreCounted) {
   const MethodCall hide = call("hideCursor");
   const MethodCall show = call("showCursor");
   Holds holds;
-  note(holds, 1, {hide, hide, show, hide});
   note(holds, 2, {hide});
+  note(holds, 1, {hide, hide, show, hide});
   EXPECT_THAT(endOf(holds, 1), ElementsAre("showCursor", "showCursor"));
   // Somebody else's show counts, one show too many does not.
   note(holds, 3, {hide, hide, hide, show});

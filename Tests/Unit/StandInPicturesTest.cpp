@@ -38,11 +38,7 @@ class StandInPictures : public StandInTest {
     ValueMap arguments{{"maxWidth", Value(width)}};
     if (quality) arguments.set(Value("quality"), Value(*quality));
     if (force) arguments.set(Value("force"), Value(true));
-    const size_t before = page.messages().size();
-    page.call(1, kControl, {"captureScreen", Value(arguments)});
-    EXPECT_TRUE(page.waitForMessages(before + 1));
-    const auto& payload = *(*page.messages()[before].getIf<Value::List>())[2].getIf<Value::Bytes>();
-    const auto outcome = codec::decodeEnvelope(payload).value();
+    const Outcome outcome = page.ask(kControl, {"captureScreen", Value(arguments)});
     const auto& reply = *std::get<Value>(outcome).getIf<Value::Map>();
     if (reply.find("unchanged") != nullptr) return "unchanged";
     const auto& jpeg = *reply.find("jpeg")->getIf<Value::Bytes>();

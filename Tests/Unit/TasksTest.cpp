@@ -58,12 +58,6 @@ bool hasNoChildren() {
   return waitid(P_ALL, 0, &ended, WEXITED | WNOHANG | WNOWAIT) != 0 && errno == ECHILD;
 }
 
-size_t openDescriptors() {
-  size_t count = 0;
-  for ([[maybe_unused]] const auto& entry : fs::directory_iterator("/proc/self/fd")) ++count;
-  return count;
-}
-
 class TasksTest : public ::testing::Test {
  protected:
   TasksTest() {
@@ -135,7 +129,7 @@ TEST_F(TasksTest, ChildrenGetNoDescriptorsOfOurs) {
 
 TEST_F(TasksTest, TwoHundredRunsLeaveNothingBehind) {
   runScriptDetached("true");
-  const size_t before = openDescriptors();
+  const auto before = openDescriptors();
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([] {

@@ -22,7 +22,7 @@ class WindowPlacementTest : public HostTest {
   };
   Effect effectOf(const std::string& display) {
     CaptureStdout();
-    EXPECT_EQ(reply("moveWindowToDisplay", ValueMap{{"display", Value(display)}}), Value());
+    EXPECT_EQ(reply("moveWindowToDisplay", "display", display), Value());
     return {trace(), GetCapturedStdout()};
   }
 };

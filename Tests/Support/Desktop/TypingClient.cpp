@@ -29,6 +29,7 @@ std::vector<std::string> commandFor(TypingClient::Kind kind, const std::string& 
   }
   // raw, so that no line discipline interprets what comes; shown, so that the terminal works as
   // hard as it does for people
+  const std::string keep = "stty raw -echo; exec tee \"$0\"";
   return {"env",
           "LC_ALL=C.UTF-8",
           "XMODIFIERS=@im=none",
@@ -39,17 +40,13 @@ std::vector<std::string> commandFor(TypingClient::Kind kind, const std::string& 
           "-e",
           "sh",
           "-c",
-          "stty raw -echo; exec tee \"$0\"",
+          keep,
           file};
 }
 
 std::string activeTitle(Observer& observer) {
-  const auto cookie = xcb_get_property(observer.get(), 0, observer.activeWindow(), XCB_ATOM_WM_NAME,
-                                       XCB_GET_PROPERTY_TYPE_ANY, 0, 256);
-  const auto reply = Observer::owned(xcb_get_property_reply(observer.get(), cookie, nullptr));
-  if (reply == nullptr) return {};
-  return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-          static_cast<size_t>(xcb_get_property_value_length(reply.get()))};
+  const auto title = observer.property(observer.activeWindow(), XCB_ATOM_WM_NAME, XCB_ATOM_STRING);
+  return {title.begin(), title.end()};
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 namespace tapdeck::platform {
 
+using recording::at;
 using recording::record;
 using recording::script;
 
@@ -15,12 +16,6 @@ namespace {
 
 const recording::Applications& applications() {
   return recording::script().applications;
-}
-
-template <typename Content>
-std::optional<Content> at(const std::map<std::string, Content>& all, const std::string& key) {
-  const auto found = all.find(key);
-  return found != all.end() ? std::optional(found->second) : std::nullopt;
 }
 
 }  // namespace

@@ -32,9 +32,8 @@ std::string localizedName(const Screen& screen) {
 }
 
 CGRect visibleFrame(const Screen& screen) {
-  const auto& frames = script().windows.visibleFrames;
-  const auto found = frames.find(screen.number.value_or(0));
-  return found != frames.end() ? found->second : screen.frame;
+  const auto frame = recording::at(script().windows.visibleFrames, screen.number.value_or(0));
+  return frame.value_or(screen.frame);
 }
 
 void observeScreenParameters(std::function<void()> changed) {
@@ -47,7 +46,7 @@ CGPoint mouseLocation() {
 }
 
 double doubleClickInterval() {
-  return script().doubleClickInterval;
+  return 0.5;
 }
 
 CGEventRef createSystemDefinedEvent(uint32_t modifierFlags, int16_t subtype, int64_t data1,
@@ -80,8 +79,7 @@ void sleepMicroseconds(uint32_t microseconds) {
 }
 
 std::optional<std::string> environmentVariable(const std::string& name) {
-  const auto found = script().environment.find(name);
-  return found != script().environment.end() ? std::optional(found->second) : std::nullopt;
+  return recording::at(script().environment, name);
 }
 
 void stopProcess(const std::string& message) {

@@ -10,14 +10,6 @@
 #include "Platform/Tasks.h"
 #include "Tests/Support/Recording/Recording.h"
 
-namespace tapdeck::recording {
-
-void completeDownloads() {
-  for (const auto& complete : std::exchange(queued().downloads, {})) complete();
-}
-
-}  // namespace tapdeck::recording
-
 namespace tapdeck::platform {
 
 using recording::queued;
@@ -154,9 +146,7 @@ std::string temporaryDirectory() {
 
 std::optional<std::vector<uint8_t>> contentsAtPath(const std::string& path) {
   record("read " + path);
-  const auto& files = script().media.files;
-  const auto found = files.find(path);
-  return found != files.end() ? std::optional(found->second) : std::nullopt;
+  return recording::at(script().media.files, path);
 }
 
 void removeItem(const std::string& path) {

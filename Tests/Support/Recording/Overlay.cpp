@@ -14,28 +14,13 @@ namespace {
 using recording::queued;
 using recording::record;
 
-std::string describe(const Colour& colour) {
-  char text[64];
-  std::snprintf(text, sizeof text, "(%g %g %g %g)", colour.red, colour.green, colour.blue,
-                colour.alpha);
-  return text;
-}
-
 std::string describe(const OverlayStyle& style) {
-  char text[512];
+  char text[96];
   const CGRect& rect = style.contentRect;
-  std::snprintf(text, sizeof text,
-                "(%g,%g,%g,%g) mask %llu %s %s%s%s alpha %g level %d behaviour 0x%llx layer %s "
-                "radius %g glow %s opacity %g radius %g offset (%g,%g)",
-                rect.origin.x, rect.origin.y, rect.size.width, rect.size.height,
-                static_cast<unsigned long long>(style.styleMask),
-                style.isOpaque ? "opaque" : "see-through", describe(style.background).c_str(),
-                style.hasShadow ? " with shadow" : "",
-                style.ignoresMouseEvents ? " click-through" : "", style.alpha, style.level,
+  std::snprintf(text, sizeof text, "%gx%g radius %g level %d behaviour 0x%llx%s%s", rect.size.width,
+                rect.size.height, style.cornerRadius, style.level,
                 static_cast<unsigned long long>(style.collectionBehaviour),
-                describe(style.layerBackground).c_str(), style.cornerRadius,
-                describe(style.layerShadow).c_str(), static_cast<double>(style.shadowOpacity),
-                style.shadowRadius, style.shadowOffset.width, style.shadowOffset.height);
+                style.isOpaque ? " opaque" : "", style.ignoresMouseEvents ? " click-through" : "");
   return text;
 }
 
@@ -90,8 +75,3 @@ void RepeatingTimer::invalidate() {
 }
 
 }  // namespace tapdeck::platform
-
-void tapdeck::recording::fireTimers() {
-  const auto timers = queued().timers;
-  for (const auto& [number, fired] : timers) fired();
-}

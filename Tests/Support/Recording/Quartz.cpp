@@ -121,8 +121,7 @@ CGDirectDisplayID CGMainDisplayID() {
 }
 
 CGRect CGDisplayBounds(CGDirectDisplayID display) {
-  const auto found = script().bounds.find(display);
-  return found != script().bounds.end() ? found->second : CGRectMake(0, 0, 0, 0);
+  return tapdeck::recording::at(script().bounds, display).value_or(CGRectMake(0, 0, 0, 0));
 }
 
 CGError CGDisplayHideCursor(CGDirectDisplayID display) {

@@ -2,11 +2,13 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
+#include <cstdio>
 #include <functional>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Engine/Value.h"
@@ -118,7 +120,6 @@ struct Script {
   std::optional<CGPoint> eventLocation = CGPoint{0, 0};
   /// Sleeping moves it on.
   double uptime = 100;
-  double doubleClickInterval = 0.5;
 
   bool trusted = true;
   /// What the call that prompts answers.
@@ -155,41 +156,85 @@ struct Queued {
   std::vector<std::function<void()>> downloads;
 };
 
-/// The script in force. Main thread only, as everything here.
-Script& script();
+/// What stands under the key, if anything does.
+template <typename Key, typename Content>
+std::optional<Content> at(const std::map<Key, Content>& all, const Key& key) {
+  const auto found = all.find(key);
+  return found != all.end() ? std::optional(found->second) : std::nullopt;
+}
 
-Queued& queued();
+/// The script in force. Main thread only, as everything here.
+inline Script& script() {
+  static Script current;
+  return current;
+}
+
+inline Queued& queued() {
+  static Queued current;
+  return current;
+}
+
+inline std::vector<std::string>& trace() {
+  static std::vector<std::string> current;
+  return current;
+}
 
 /// Events that were handed out before mean nothing any more.
 void forgetEvents();
 
 /// Puts the script back to its defaults and forgets trace, queued work and observers.
-void reset();
+inline void reset() {
+  script() = Script();
+  trace().clear();
+  queued() = Queued();
+  forgetEvents();
+}
 
 /// Adds a line to the trace; for the other recording parts.
-void record(const std::string& line);
+inline void record(const std::string& line) {
+  trace().push_back(line);
+}
 
 /// The platform calls since the last time, in order, one line each. Calls that only read are
 /// not in it.
-std::vector<std::string> takeTrace();
+inline std::vector<std::string> takeTrace() {
+  return std::exchange(trace(), {});
+}
 
 /// Runs what was queued so far on the global queues, or on the main queue, in order.
-void runGlobalQueues();
-void runMainQueue();
+inline void runAll(std::vector<std::function<void()>>& queue) {
+  for (auto& work : std::exchange(queue, {})) work();
+}
+inline void runGlobalQueues() {
+  runAll(queued().global);
+}
+inline void runMainQueue() {
+  runAll(queued().main);
+}
+/// Hands over what is still to come of downloads.
+inline void completeDownloads() {
+  runAll(queued().downloads);
+}
 
 /// Delivers one notification of changed screen parameters.
-void notifyScreenParameters();
+inline void notifyScreenParameters() {
+  for (const auto& observer : queued().screenObservers) observer();
+}
 
 /// Lets every timer that still runs fire once.
-void fireTimers();
-
-/// Hands over what is still to come of downloads.
-void completeDownloads();
+inline void fireTimers() {
+  const auto timers = queued().timers;
+  for (const auto& [number, fired] : timers) fired();
+}
 
 /// Makes an event that is posted as `description`; owned by the caller.
 CGEventRef makeDescribedEvent(const std::string& description);
 
 /// "(11,20)" with as many digits as a double needs.
-std::string describe(CGPoint point);
+inline std::string describe(CGPoint point) {
+  char text[64];
+  std::snprintf(text, sizeof text, "(%.15g,%.15g)", point.x, point.y);
+  return text;
+}
 
 }  // namespace tapdeck::recording
