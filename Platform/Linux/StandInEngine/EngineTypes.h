@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -30,6 +31,9 @@ struct EngineOptions {
   /// Whether connections over the network are encrypted, and with which certificate; as above.
   bool isEncrypted = false;
   std::string certificateFile = "";
+  /// Whether a press of a button still waits to be sent, as presses need a pause between them: the
+  /// next one is not carried out meanwhile, and all others do not come behind a row of presses.
+  std::function<bool()> isPressWaiting = {};
 };
 /// One open connection, for people to read.
 struct EnginePeer {

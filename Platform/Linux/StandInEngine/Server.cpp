@@ -81,6 +81,12 @@ bool isTextTooLong(const MethodCall& call) {
   return std::cmp_greater(characters, kMaxTextCharacters);
 }
 
+bool pressesButton(const Request& request) {
+  if (request.channel != kControlChannel) return false;
+  const std::string& method = request.call.method;
+  return method == "click" || method == "doubleClick" || method == "mouseDown";
+}
+
 codec::Bytes encodeBoundedReply(int64_t id, const std::string& channel, const Outcome& outcome) {
   codec::Bytes message = encodeReply(id, channel, outcome);
   if (message.size() <= kMaxReply) return message;
@@ -116,10 +122,14 @@ Server::Server(EngineOptions options)
       // libsoup still resolves dots and decodes letters; what is left is looked up as it stands
       _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))),
       _pending(_options.pendingLimit),
-      _turns([this](uint64_t connection, const Request& request) {
-        const auto keep = shared_from_this();
-        carryOut(connection, request);
-      }),
+      _turns(
+          [this](uint64_t connection, const Request& request) {
+            const auto keep = shared_from_this();
+            carryOut(connection, request);
+          },
+          [isPressWaiting = _options.isPressWaiting](const Request& request) {
+            return !isPressWaiting || !pressesButton(request) || !isPressWaiting();
+          }),
       _devices(_options.devicesFile) {}
 
 void Server::start() {

@@ -10,6 +10,8 @@ namespace {
 constexpr std::chrono::milliseconds kTurn{2};
 /// A connection that was idle comes before those that were not, but cannot save up more than this.
 constexpr std::chrono::milliseconds kHeadStart{20};
+/// What may not start yet is asked for again after so long.
+constexpr guint kPauseMilliseconds = 5;
 constexpr size_t kMaxWaitingBytes = size_t{16} << 10;
 constexpr size_t kMaxWaitingRequests = 64;
 
@@ -20,12 +22,16 @@ void Turns::add(ConnectionNumber connection, Request request, size_t size) {
   if (lane.requests.empty()) lane.used = std::max(lane.used, _served - kHeadStart);
   lane.requests.push_back({std::move(request), size});
   lane.bytes += size;
-  if (_source) return;
-  _source.reset(g_idle_source_new());
+  if (!_source || _isPausing) goOn(/*isPausing=*/false);
+}
+
+void Turns::goOn(bool isPausing) {
+  _isPausing = isPausing;
+  _source.reset(isPausing ? g_timeout_source_new(kPauseMilliseconds) : g_idle_source_new());
   g_source_set_priority(_source.get(), G_PRIORITY_DEFAULT);
   const GSourceFunc callback = [](gpointer self) noexcept -> gboolean {
     static_cast<Turns*>(self)->takeTurn();
-    // it has taken its source away where nothing waits any more, or is gone
+    // it has changed its source where nothing may start, or is gone
     return G_SOURCE_CONTINUE;
   };
   g_source_set_callback(_source.get(), callback, this, nullptr);
@@ -42,9 +48,20 @@ Turns::Lanes::iterator Turns::next() {
   auto least = _lanes.end();
   for (auto lane = _lanes.begin(); lane != _lanes.end(); ++lane) {
     if (lane->second.requests.empty()) continue;
+    if (!_mayStart(lane->second.requests.front().request)) continue;
     if (least == _lanes.end() || lane->second.used < least->second.used) least = lane;
   }
   return least;
+}
+
+void Turns::pauseOrEnd() {
+  const bool isEmpty = std::all_of(_lanes.begin(), _lanes.end(),
+                                   [](const auto& lane) { return lane.second.requests.empty(); });
+  if (isEmpty) {
+    _source.reset();
+  } else if (!_isPausing) {
+    goOn(/*isPausing=*/true);
+  }
 }
 
 void Turns::takeTurn() {
@@ -54,7 +71,7 @@ void Turns::takeTurn() {
   do {
     const auto lane = next();
     if (lane == _lanes.end()) {
-      _source.reset();
+      pauseOrEnd();
       return;
     }
     const ConnectionNumber connection = lane->first;
@@ -68,6 +85,7 @@ void Turns::takeTurn() {
     const auto same = _lanes.find(connection);
     if (same != _lanes.end()) same->second.used += Clock::now() - start;
   } while (Clock::now() < end);
+  if (_isPausing) goOn(/*isPausing=*/false);
 }
 
 }  // namespace tapdeck::standin

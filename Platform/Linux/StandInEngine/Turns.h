@@ -19,9 +19,12 @@ class Turns {
   using ConnectionNumber = uint64_t;
   /// Carries out one request. The connection may have ended in the meantime.
   using Work = std::function<void(ConnectionNumber, const Request&)>;
+  /// Whether a request may be carried out yet. Its connection waits until then, the others go on.
+  using MayStart = std::function<bool(const Request&)>;
 
   /// `work` may destroy this object.
-  explicit Turns(Work work) : _work(std::make_shared<const Work>(std::move(work))) {}
+  Turns(Work work, MayStart mayStart)
+      : _work(std::make_shared<const Work>(std::move(work))), _mayStart(std::move(mayStart)) {}
   Turns(const Turns&) = delete;
   Turns& operator=(const Turns&) = delete;
 
@@ -48,12 +51,18 @@ class Turns {
 
   Lanes::iterator next();
   void takeTurn();
+  /// Takes the next turn as soon as other sources had theirs, or when it is time to ask again for
+  /// what may not start yet.
+  void goOn(bool isPausing);
+  void pauseOrEnd();
 
   std::shared_ptr<const Work> _work;
+  MayStart _mayStart;
   Lanes _lanes;
   /// Where on that scale the connection stood that was served last.
   Clock::duration _served{0};
   Source _source;
+  bool _isPausing = false;
 };
 
 }  // namespace tapdeck::standin
