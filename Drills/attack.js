@@ -321,7 +321,8 @@ async function refusals(host) {
     ["the Origin null", engine, [own, ...upgrade, protocol, "Origin: null"], 403],
     ["the own page over https", engine, [own, ...upgrade, protocol, `Origin: https://127.0.0.1:${port}`], 403],
     ["another subprotocol", engine, [own, ...upgrade, "Sec-WebSocket-Protocol: other"], 400],
-    ["a path with dots", "/%2e%2e/%2e%2e/etc/passwd", [own], 404], ["a POST", "/", [own], 405, "POST"],
+    ["a path with dots", "/%2e%2e/%2e%2e/etc/passwd", [own], 404], ["an escaped path", "/%69ndex.html", [own], 404],
+    ["a whole URL", `http://127.0.0.1:${port}/`, [own], 404], ["a POST", "/", [own], 405, "POST"],
   ];
   for (const [what, path, headers, wanted, method] of cases) {
     await table.check(`HTTP: ${what}`, async () => {
