@@ -3,7 +3,7 @@
 
 import { spawn } from "node:child_process";
 import { connect } from "node:net";
-import { writeFile } from "node:fs/promises";
+import { appendFile, mkdir, writeFile } from "node:fs/promises";
 
 import { encodeMessage, encodeMethodCall } from "../Console/connection/codec.js";
 import { exec, Host, percentile, sleep, Table, timed, within, Witness } from "./desktop.js";
@@ -163,6 +163,71 @@ async function endInText() {
     isFine && witness.keys.length < 10_000 && witness.pressed.length === 0 && isRestored];
   });
   witness.close();
+}
+
+/** Writes into the file until its disk is full. */
+async function fill(file) {
+  for (let size = 1 << 16; size > 0; size >>= 4) {
+    while (await appendFile(file, Buffer.alloc(size)).then(() => true, () => false));
+  }
+}
+
+async function fullDisk() {
+  const folder = `${process.env.HOME}/small`;
+  await mkdir(folder, { mode: 0o700 });
+  const env = { ...process.env, XDG_RUNTIME_DIR: folder, XDG_DATA_HOME: folder, XDG_CONFIG_HOME: folder };
+  const onSmallDisk = (command) => ["unshare", "--map-current-user", "--mount", "sh", "-ec",
+    `mount -t tmpfs -o size=256k,mode=700 none "${folder}"; ${command}; exec "$@"`, "sh"];
+  await table.check("a disk that is full", async () => {
+    const filling = `cat /dev/zero > "${folder}/all" 2> /dev/null || :`;
+    const why = await Host.start(onSmallDisk(filling), env).then(() => "started", ({ message }) => message.trim());
+    return [why.split("\n").at(-1), "a reason", /session.json: No space left/.test(why)];
+  });
+  await table.check("a disk that fills up", async () => {
+    const before = await keymap();
+    const host = await Host.start(onSmallDisk(":"), env);
+    const witness = await Witness.open();
+    const line = await openLine(host);
+    await fill(host.path(`${folder}/all`));
+    await line.call("keyDown", { key: "shift" });
+    await line.call("keyUp", { key: "shift" });
+    await line.call("typeText", { text: "éЖ漢" });
+    await within(PATIENCE, () => witness.keys.length >= 8);
+    const typed = witness.keys.filter(({ isDown }) => isDown).map(({ keysym }) => keysym).join(" ");
+    const [seen, bound, isFine] = ended(await host.stop());
+    const isRestored = await keymap() === before;
+    witness.close();
+    return [`${typed}, ${seen}, the keymap ${isRestored ? "as before" : "changed"}`,
+      `Shift_L eacute U0416 U6F22, ${bound}, as before`,
+      typed === "Shift_L eacute U0416 U6F22" && isFine && isRestored];
+  });
+}
+
+async function noMemory() {
+  const owner = await fillClipboard(15 * MIB);
+  const host = await Host.start();
+  const witness = await Witness.open();
+  await table.check("no memory left", async () => {
+    const line = await openLine(host);
+    await line.call("keyDown", { key: "shift" });
+    if (!await within(PATIENCE, () => witness.pressed.length === 1)) return ["no key went down", "one", false];
+    // what the allocator has reserved serves for a while
+    const bytes = Math.ceil((await host.memory("VmSize") + 4) * MIB);
+    await exec("prlimit", ["--pid", host.pid, `--as=${bytes}`]);
+    const slow = await Promise.all(Array.from({ length: 6 }, () => openLine(host)));
+    for (const each of slow) {
+      each.pause();
+      for (let i = 0; i < 2; i++) each.call("getClipboard").catch(() => {});
+    }
+    const status = await Promise.race([host.ended, sleep(PATIENCE, "still runs", { ref: false })]);
+    await within(PATIENCE, () => witness.pressed.length === 0);
+    const why = host.errors.trim().split("\n").at(-1);
+    return [`ended with ${status}, "${why}", ${witness.pressed.length} keys down`, "a reason, none down",
+      status !== "still runs" && why !== "" && witness.pressed.length === 0];
+  });
+  host.process.kill("SIGKILL");
+  witness.close();
+  owner.kill();
 }
 
 async function silence(host) {
@@ -367,5 +432,7 @@ await secondHost(host);
 await table.check("SIGTERM after all that", async () => ended(await host.stop()));
 await starve();
 await endInText();
+await fullDisk();
+await noMemory();
 table.end();
 process.exit();
