@@ -67,6 +67,7 @@ async function unansweredMethods(line) {
 
 async function flood(host) {
   const before = await host.descriptors();
+  const memory = await host.memory();
   const halfOpen = [];
   await table.check("2,000 anonymous requests", async () => {
     let served = 0;
@@ -75,8 +76,9 @@ async function flood(host) {
     }));
     await within(PATIENCE, async () => await host.descriptors() <= before + 8);
     const after = await host.descriptors();
-    return [`${served} served, ${before} descriptors before, ${after} after`, "all, at most 8 more",
-      served === 2000 && after <= before + 8];
+    const more = await host.memory() - memory;
+    return [`${served} served, ${before} descriptors before, ${after} after, ${more.toFixed(1)} MiB more`,
+      "all, at most 8 more, at most 8 MiB", served === 2000 && after <= before + 8 && more <= 8];
   });
   await table.check("then 1,000 half-open connections", async () => {
     for (let i = 0; i < 1000; i++) {
