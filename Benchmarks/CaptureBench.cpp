@@ -57,19 +57,28 @@ void line(const char* what, const Samples& samples) {
   std::printf("  %-40s %8.3f %8.3f\n", what, samples.least(), samples.median());
 }
 
-void share(const char* what, double ratio, double atMost) {
-  std::printf("  %-40s %8.2f  at most %.2f: %s", what, ratio, atMost,
-              ratio <= atMost ? "met" : "MISSED");
+/// The display in the table's rows, such as "2880 x 1800".
+std::string displayName;
+
+/// What `of` takes as a share of what `beside`, which has a name, does.
+void share(const char* what, double of, double beside, const char* besideName, double atMost) {
+  const double ratio = of / beside;
+  const bool isMet = ratio <= atMost;
+  std::printf("  %-40s %8.2f  at most %.2f: %s", what, ratio, atMost, isMet ? "met" : "MISSED");
+  addToTable({displayName + ": " + what, shown(of, 2, "ms"), shown(beside, 2, "ms, ") + besideName,
+              shown(ratio, 2), "≤ " + shown(atMost, 2), isMet});
 }
 
-/// What `of` takes as a share of what `beside` does, judged by the medians.
-void share(const char* what, const Samples& of, const Samples& beside, double atMost) {
-  share(what, of.median() / beside.median(), atMost);
+/// Judged by the medians.
+void share(const char* what, const Samples& of, const Samples& beside, const char* besideName,
+           double atMost) {
+  share(what, of.median(), beside.median(), besideName, atMost);
   std::printf(" (%.2f by the minima)\n", of.least() / beside.least());
 }
 
-void share(const char* what, const ProcessorTime& of, const ProcessorTime& beside, double atMost) {
-  share(what, of.sum() / beside.sum(), atMost);
+void share(const char* what, const ProcessorTime& of, const ProcessorTime& beside,
+           const char* besideName, double atMost) {
+  share(what, of.sum(), beside.sum(), besideName, atMost);
   std::printf("\n");
 }
 
@@ -165,9 +174,10 @@ void reportFrames(const FrameTimes& times) {
   line("captureScreen, one twentieth changed", times.hostTwentieth);
   line("captureScreen, unchanged", times.hostUnchanged);
   std::printf("\nmedian of captureScreen as a share of the bare loop's\n");
-  share("all changed", times.hostChanged, times.bareChanged, 1.10);
-  share("one twentieth changed, of all changed", times.hostTwentieth, times.bareChanged, 0.75);
-  share("unchanged", times.hostUnchanged, times.bareUnchanged, 0.25);
+  share("all changed", times.hostChanged, times.bareChanged, "the bare loop", 1.10);
+  share("one twentieth changed", times.hostTwentieth, times.bareChanged,
+        "the bare loop, all changed", 0.75);
+  share("unchanged", times.hostUnchanged, times.bareUnchanged, "the bare loop", 0.25);
 }
 
 void reportProcessorTime(const FrameTimes& times, const Scaling& scaling, pid_t server) {
@@ -182,8 +192,8 @@ void reportProcessorTime(const FrameTimes& times, const Scaling& scaling, pid_t 
   row("captureScreen, all changed (median)", ours);
   row("ffmpeg (mean)", byFfmpeg);
   row("GStreamer (mean)", byGstreamer);
-  share("captureScreen as a share of ffmpeg", ours, byFfmpeg, 0.45);
-  share("captureScreen as a share of GStreamer", ours, byGstreamer, 0.65);
+  share("processor time", ours, byFfmpeg, "ffmpeg", 0.45);
+  share("processor time", ours, byGstreamer, "GStreamer", 0.65);
 }
 
 bool differByteByByte(const uint8_t* a, const uint8_t* b, size_t bytes) {
@@ -221,7 +231,7 @@ void measureComparison(const pixels::PixelBuffer& frame) {
   line("the host's, equal frames", byUs);
   line("the host's, each byte up to 4 off", byUsNoisy);
   line("byte by byte, equal frames", byBytes);
-  share("the host's as a share of memcmp", byUs, byMemcmp, 1.2);
+  share("comparing two frames", byUs, byMemcmp, "memcmp", 1.2);
   std::printf("  %-40s %8.2f\n  %-40s %8.2f\n", "the same with each byte up to 4 off",
               byUsNoisy.median() / byMemcmp.median(), "byte by byte as a share of memcmp",
               byBytes.median() / byMemcmp.median());
@@ -234,6 +244,8 @@ void measure(int width, int height) {
   wakeMainWindow(window, host);
   CaptureScene scene;
   BareLoop bare(scene.width(), scene.height(), width, height);
+  displayName =
+      "capture of " + std::to_string(scene.width()) + " x " + std::to_string(scene.height());
 
   std::printf("\n== %d x %d to %d x %d, quality %d, %d frames of each kind\n\n", scene.width(),
               scene.height(), width, height, kQuality, kFrames);

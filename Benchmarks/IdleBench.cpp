@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "Benchmarks/Measuring.h"
 #include "Platform/Linux/Call/HostConnection.h"
 #include "Tests/Support/Desktop/ChildProcess.h"
 
@@ -66,10 +67,19 @@ Idleness watch(const testing::ChildProcess& host) {
           megabytes("Private_Clean") + megabytes("Private_Dirty")};
 }
 
-void print(const char* situation, const Idleness& idleness, const char* maxWakeUps) {
-  std::printf("%-18s | %9.2f %7s | %9.1f %7.0f | %9.1f %7.0f\n", situation,
+void print(const char* situation, const Idleness& idleness, double maxWakeUps) {
+  std::printf("%-18s | %9.2f %7.1f | %9.1f %7.0f | %9.1f %7.0f\n", situation,
               idleness.wakeUpsPerSecond, maxWakeUps, idleness.resident, kMaxResident, idleness.own,
               kMaxPrivate);
+  const auto add = [situation](const char* what, double measured, const char* unit, double bound) {
+    benchmarks::addToTable({std::string("idle, ") + situation + ": " + what,
+                            benchmarks::shown(measured, unit == std::string("MB") ? 1 : 2, unit),
+                            "", "", benchmarks::shown(bound, bound < 1 ? 1 : 0),
+                            measured <= bound});
+  };
+  add("wake-ups", idleness.wakeUpsPerSecond, "a second", maxWakeUps);
+  add("resident memory", idleness.resident, "MB", kMaxResident);
+  add("memory of its own", idleness.own, "MB", kMaxPrivate);
 }
 
 }  // namespace
@@ -86,9 +96,9 @@ int main(int argc, char** argv) {
                 "private", "at");
     std::printf("%-18s | %9s %7s | %9s %7s | %9s %7s\n", "", "a second", "most", "MB", "most", "MB",
                 "most");
-    print("nobody connected", watch(host), "0");
+    print("nobody connected", watch(host), 0);
     const HostConnection page(readSession().value(), std::nullopt);
-    print("a hidden page", watch(host), "0.5");
+    print("a hidden page", watch(host), 0.5);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "bench_idle: %s\n", error.what());
     return 1;

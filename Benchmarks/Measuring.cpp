@@ -1,5 +1,8 @@
 #include "Benchmarks/Measuring.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <stdexcept>
 
 namespace tapdeck::benchmarks {
@@ -11,6 +14,24 @@ double processorMilliseconds(pid_t process) {
     throw std::runtime_error("a process's time cannot be read");
   }
   return static_cast<double>(used.tv_sec) * 1e3 + static_cast<double>(used.tv_nsec) / 1e6;
+}
+
+std::string shown(double value, int decimals, const char* unit) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.*f%s%s", decimals, value, *unit != '\0' ? " " : "", unit);
+  return text;
+}
+
+void addToTable(const TableRow& row) {
+  const char* file = std::getenv("TAPDECK_BENCH_TABLE");
+  if (file == nullptr) return;
+  std::ofstream table(file, std::ios::app);
+  table << "| " << row.what;
+  const std::string bound = row.bound + (row.bound.empty() || row.isMet ? "" : ": MISSED");
+  for (const std::string& cell : {row.measured, row.beside, row.ratio, bound}) {
+    table << " | " << (cell.empty() ? "–" : cell);
+  }
+  table << " |\n";
 }
 
 }  // namespace tapdeck::benchmarks

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <ctime>
+#include <string>
 #include <vector>
 
 namespace tapdeck::benchmarks {
@@ -39,5 +40,23 @@ double millisecondsOf(const Work& work) {
 /// The processor time, in milliseconds, that a process has used up to now, its own code and the
 /// kernel's for it; 0 for the calling process. Throws where the process is not there.
 double processorMilliseconds(pid_t process);
+
+/// A value as people read it, such as "0.07 ms".
+std::string shown(double value, int decimals, const char* unit = "");
+
+/// A line of the table of all benchmarks (`./tapdeck bench`); what there is none of stays empty.
+struct TableRow {
+  std::string what;
+  std::string measured;
+  /// What it is measured against: the least that is possible, or what another program needs.
+  std::string beside;
+  std::string ratio;
+  std::string bound;
+  /// Whether the bound is kept.
+  bool isMet = true;
+};
+
+/// Adds the line to the file that $TAPDECK_BENCH_TABLE names; nothing without one.
+void addToTable(const TableRow& row);
 
 }  // namespace tapdeck::benchmarks

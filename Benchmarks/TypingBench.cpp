@@ -7,6 +7,7 @@
 #include <memory>
 #include <vector>
 
+#include "Benchmarks/Measuring.h"
 #include "Platform/Linux/X11/Session/WindowServer.h"
 #include "Runner/Input/TextTyping.h"
 #include "Runner/Input/UnicodeText.h"
@@ -44,9 +45,16 @@ size_t arrived(const Clusters& sent, const Clusters& received) {
   return lengths.back();
 }
 
+/// Of typing 5 ms a character.
+constexpr double kMaxRate = 200;
+
+/// What is typed, where, and by whom.
+struct Task {
+  std::string application, textName, typist;
+};
+
 template <typename Type>
-void measure(const std::string& typist, const std::string& text, TypingClient& client,
-             const Type& type) {
+void measure(const Task& task, const std::string& text, TypingClient& client, const Type& type) {
   const auto start = std::chrono::steady_clock::now();
   type();
   const std::string received = client.received(text);
@@ -54,10 +62,18 @@ void measure(const std::string& typist, const std::string& text, TypingClient& c
   const Clusters sent = graphemeClusters(text);
   const Clusters came = graphemeClusters(received);
   const size_t right = arrived(sent, came);
-  std::printf("%-18s %6zu %8.1f %8.1f %6zu %6zu  %s\n", typist.c_str(), sent.size(),
-              static_cast<double>(sent.size()) / seconds, seconds, sent.size() - right,
-              came.size() - right, received == text ? "exact" : "WRONG");
+  const double rate = static_cast<double>(sent.size()) / seconds;
+  const bool isExact = received == text;
+  std::printf("%-9s %-8s %-18s %6zu %8.1f %8.1f %6zu %6zu  %s\n", task.application.c_str(),
+              task.textName.c_str(), task.typist.c_str(), sent.size(), rate, seconds,
+              sent.size() - right, came.size() - right, isExact ? "exact" : "WRONG");
   std::fflush(stdout);
+  const bool isOurs = task.typist == "tapdeck";
+  benchmarks::addToTable(
+      {"typing: " + task.textName + " into " + task.application + ", " + task.typist,
+       benchmarks::shown(rate, 0, "characters/s, ") + (isExact ? "exact" : "wrong"),
+       benchmarks::shown(kMaxRate, 0, "characters/s, 5 ms each"),
+       benchmarks::shown(rate / kMaxRate, 2), isOurs ? "exact" : "", isExact});
 }
 
 void typeByXdotool(const std::string& text, const std::string& delay) {
@@ -88,13 +104,13 @@ int main(int argc, char** argv) {
   Observer observer;
   TypingClient client(isTerminal ? TypingClient::Kind::terminal : TypingClient::Kind::textView,
                       observer);
-  std::printf("%-9s %-8s ", argv[1], argv[2]);
   if (std::string(argv[3]) == "tapdeck") {
     x11::connectToWindowServer();
-    measure("tapdeck", text, client, [&] { typeUnicodeText(text); });
+    measure({argv[1], argv[2], "tapdeck"}, text, client, [&] { typeUnicodeText(text); });
     x11::releaseEverything();
   } else {
     const std::string delay = argc > 4 ? argv[4] : "12";
-    measure("xdotool, " + delay + " ms", text, client, [&] { typeByXdotool(text, delay); });
+    measure({argv[1], argv[2], "xdotool, " + delay + " ms"}, text, client,
+            [&] { typeByXdotool(text, delay); });
   }
 }

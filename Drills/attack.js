@@ -3,7 +3,7 @@
 
 import { spawn } from "node:child_process";
 import { connect } from "node:net";
-import { writeFile } from "node:fs/promises";
+import { appendFile, mkdir, writeFile } from "node:fs/promises";
 
 import { encodeMessage, encodeMethodCall } from "../Console/connection/codec.js";
 import { exec, Host, percentile, sleep, Table, timed, within, Witness } from "./desktop.js";
@@ -67,6 +67,7 @@ async function unansweredMethods(line) {
 
 async function flood(host) {
   const before = await host.descriptors();
+  const memory = await host.memory();
   const halfOpen = [];
   await table.check("2,000 anonymous requests", async () => {
     let served = 0;
@@ -75,8 +76,9 @@ async function flood(host) {
     }));
     await within(PATIENCE, async () => await host.descriptors() <= before + 8);
     const after = await host.descriptors();
-    return [`${served} served, ${before} descriptors before, ${after} after`, "all, at most 8 more",
-      served === 2000 && after <= before + 8];
+    const more = await host.memory() - memory;
+    return [`${served} served, ${before} descriptors before, ${after} after, ${more.toFixed(1)} MiB more`,
+      "all, at most 8 more, at most 8 MiB", served === 2000 && after <= before + 8 && more <= 8];
   });
   await table.check("then 1,000 half-open connections", async () => {
     for (let i = 0; i < 1000; i++) {
@@ -112,6 +114,7 @@ async function starve() {
     const again = () => { if (goesOn) each.call("doubleClick").then(again, () => {}); };
     for (let i = 0; i < 16; i++) again();
   }
+  const memory = await host.memory();
   await table.check('"moveMouse" beside seven phones that do "doubleClick" without pause', async () => {
     const times = [];
     for (let i = 0; i < 300; i++) {
@@ -123,6 +126,16 @@ async function starve() {
     return [`p50 ${percentile(times, 0.5).toFixed(1)} ms, p99 ${late.toFixed(1)} ms ` +
       `(${others} double clicks meanwhile)`,
       "p99 under 50 ms", late < 50 && others > 0];
+  });
+  await table.check("keys beside them", async () => {
+    const times = [];
+    for (let i = 1; i <= 20; i++) {
+      await line.call("keyPress", { key: "a" });
+      times.push(await timed(() => within(1000, () => witness.keys.length >= 2 * i)));
+    }
+    const late = Math.max(...times);
+    const more = await host.memory() - memory;
+    return [`typed after ${ms(late)} at most, ${more.toFixed(0)} MiB more`, "500 ms, 8 MiB", late < 500 && more <= 8];
   });
   await table.check("SIGTERM beside them", async () => ended(await host.stop()));
   goesOn = false;
@@ -152,6 +165,71 @@ async function endInText() {
     isFine && witness.keys.length < 10_000 && witness.pressed.length === 0 && isRestored];
   });
   witness.close();
+}
+
+/** Writes into the file until its disk is full. */
+async function fill(file) {
+  for (let size = 1 << 16; size > 0; size >>= 4) {
+    while (await appendFile(file, Buffer.alloc(size)).then(() => true, () => false));
+  }
+}
+
+async function fullDisk() {
+  const folder = `${process.env.HOME}/small`;
+  await mkdir(folder, { mode: 0o700 });
+  const env = { ...process.env, XDG_RUNTIME_DIR: folder, XDG_DATA_HOME: folder, XDG_CONFIG_HOME: folder };
+  const onSmallDisk = (command) => ["unshare", "--map-current-user", "--mount", "sh", "-ec",
+    `mount -t tmpfs -o size=256k,mode=700 none "${folder}"; ${command}; exec "$@"`, "sh"];
+  await table.check("a disk that is full", async () => {
+    const filling = `cat /dev/zero > "${folder}/all" 2> /dev/null || :`;
+    const why = await Host.start(onSmallDisk(filling), env).then(() => "started", ({ message }) => message.trim());
+    return [why.split("\n").at(-1), "a reason", /session.json: No space left/.test(why)];
+  });
+  await table.check("a disk that fills up", async () => {
+    const before = await keymap();
+    const host = await Host.start(onSmallDisk(":"), env);
+    const witness = await Witness.open();
+    const line = await openLine(host);
+    await fill(host.path(`${folder}/all`));
+    await line.call("keyDown", { key: "shift" });
+    await line.call("keyUp", { key: "shift" });
+    await line.call("typeText", { text: "éЖ漢" });
+    await within(PATIENCE, () => witness.keys.length >= 8);
+    const typed = witness.keys.filter(({ isDown }) => isDown).map(({ keysym }) => keysym).join(" ");
+    const [seen, bound, isFine] = ended(await host.stop());
+    const isRestored = await keymap() === before;
+    witness.close();
+    return [`${typed}, ${seen}, the keymap ${isRestored ? "as before" : "changed"}`,
+      `Shift_L eacute U0416 U6F22, ${bound}, as before`,
+      typed === "Shift_L eacute U0416 U6F22" && isFine && isRestored];
+  });
+}
+
+async function noMemory() {
+  const owner = await fillClipboard(15 * MIB);
+  const host = await Host.start();
+  const witness = await Witness.open();
+  await table.check("no memory left", async () => {
+    const line = await openLine(host);
+    await line.call("keyDown", { key: "shift" });
+    if (!await within(PATIENCE, () => witness.pressed.length === 1)) return ["no key went down", "one", false];
+    // what the allocator has reserved serves for a while
+    const bytes = Math.ceil((await host.memory("VmSize") + 4) * MIB);
+    await exec("prlimit", ["--pid", host.pid, `--as=${bytes}`]);
+    const slow = await Promise.all(Array.from({ length: 6 }, () => openLine(host)));
+    for (const each of slow) {
+      each.pause();
+      for (let i = 0; i < 2; i++) each.call("getClipboard").catch(() => {});
+    }
+    const status = await Promise.race([host.ended, sleep(PATIENCE, "still runs", { ref: false })]);
+    await within(PATIENCE, () => witness.pressed.length === 0);
+    const why = host.errors.trim().split("\n").at(-1);
+    return [`ended with ${status}, "${why}", ${witness.pressed.length} keys down`, "a reason, none down",
+      status !== "still runs" && why !== "" && witness.pressed.length === 0];
+  });
+  host.process.kill("SIGKILL");
+  witness.close();
+  owner.kill();
 }
 
 async function silence(host) {
@@ -310,7 +388,8 @@ async function refusals(host) {
     ["the Origin null", engine, [own, ...upgrade, protocol, "Origin: null"], 403],
     ["the own page over https", engine, [own, ...upgrade, protocol, `Origin: https://127.0.0.1:${port}`], 403],
     ["another subprotocol", engine, [own, ...upgrade, "Sec-WebSocket-Protocol: other"], 400],
-    ["a path with dots", "/%2e%2e/%2e%2e/etc/passwd", [own], 404], ["a POST", "/", [own], 405, "POST"],
+    ["a path with dots", "/%2e%2e/%2e%2e/etc/passwd", [own], 404], ["an escaped path", "/%69ndex.html", [own], 404],
+    ["a whole URL", `http://127.0.0.1:${port}/`, [own], 404], ["a POST", "/", [own], 405, "POST"],
   ];
   for (const [what, path, headers, wanted, method] of cases) {
     await table.check(`HTTP: ${what}`, async () => {
@@ -355,5 +434,7 @@ await secondHost(host);
 await table.check("SIGTERM after all that", async () => ended(await host.stop()));
 await starve();
 await endInText();
+await fullDisk();
+await noMemory();
 table.end();
 process.exit();

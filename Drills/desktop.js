@@ -37,18 +37,24 @@ export class Host {
   output = "";
   errors = "";
 
-  /** Starts one; `session` says where it is. */
-  static async start() {
+  /** Starts one; `session` says where it is. `wrapper` is a command that is to start it. */
+  static async start(wrapper = [], env = process.env) {
     const host = new Host();
-    host.process = spawn(process.env.TAPDECK_HOST, ["--port", "0"], { stdio: ["ignore", "pipe", "pipe"] });
+    const [command, ...args] = [...wrapper, process.env.TAPDECK_HOST, "--port", "0"];
+    host.process = spawn(command, args, { stdio: ["ignore", "pipe", "pipe"], env });
     host.process.stderr.on("data", (data) => { host.errors += data; });
     host.process.stdout.on("data", (data) => { host.output += data; });
     host.ended = once(host.process, "exit").then(([status, signal]) => signal ?? status);
-    const file = await within(60_000, () => /address is in (.*)\n/.exec(host.output)?.[1]);
-    if (!file) throw new Error(`The host did not start: ${host.errors}`);
-    host.session = JSON.parse(await readFile(file, "utf8"));
+    const startOf = () => /address is in (.*)\n/.exec(host.output)?.[1];
+    await within(60_000, () => startOf() || host.process.exitCode !== null);
+    if (!startOf()) throw new Error(`The host did not start: ${host.errors}`);
+    // it may see other file systems than this process
+    host.session = JSON.parse(await readFile(host.path(startOf()), "utf8"));
     return host;
   }
+
+  /** The host's file of that path. */
+  path(file) { return `/proc/${this.pid}/root${file}`; }
 
   get pid() { return this.process.pid; }
 

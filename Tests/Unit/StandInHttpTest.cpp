@@ -55,12 +55,25 @@ TEST_F(StandInHttp, WhatTheBrowserHoldsIsNotSentAgain) {
 }
 
 TEST_F(StandInHttp, NothingElseIsServed) {
-  for (const char* path :
-       {"//", "/index.html/", "/../../../../etc/passwd", "/%2e%2e/%2e%2e/%2e%2e/etc/passwd",
-        "/com/tapdeck/console/index.html", "/index.html%00", "/engine/"}) {
+  const std::string paths[] = {"//", "/index.html/", "/../../../../etc/passwd",
+                               "/%2e%2e/%2e%2e/%2e%2e/etc/passwd",
+                               "/com/tapdeck/console/index.html", "/index.html%00", "/engine/",
+                               // what a normal form of would be served
+                               "/%69ndex.html", "/./index.html", "/x/../index.html", "//index.html",
+                               "/?x", "http://" + host() + "/", enginePath().replace(1, 1, "%65")};
+  for (const auto& path : paths) {
     EXPECT_THAT(get(path), AllOf(StartsWith("HTTP/1.1 404"), HasSubstr("nosniff"))) << path;
   }
   EXPECT_THAT(get("/", "POST"), StartsWith("HTTP/1.1 405"));
+
+  RawClient slow(port());
+  const std::string parts[] = {"GET /ind", "ex.html HT", "TP/1.1\n", "Host: " + host() + "\n\n"};
+  for (const auto& part : parts) {
+    ASSERT_TRUE(slow.write(part));
+    runFor(std::chrono::milliseconds(20));
+  }
+  EXPECT_TRUE(eventually([&] { return !slow.read(); }));
+  EXPECT_THAT(slow.received(), StartsWith("HTTP/1.1 200"));
 }
 
 TEST_F(StandInHttp, OnlyItsOwnHost) {

@@ -97,6 +97,22 @@ TEST_F(StandInLimits, SlowReader) {
   EXPECT_TRUE(eventually([&] { return !client->read(); }));
 }
 
+TEST_F(StandInLimits, NothingIsSentToAPeerThatIsGone) {
+  int complaints = 0;
+  const GLogFunc count = [](const char*, GLogLevelFlags, const char*, gpointer data) {
+    ++*static_cast<int*>(data);
+  };
+  const guint handler = g_log_set_handler("libsoup", G_LOG_LEVEL_CRITICAL, count, &complaints);
+  openRawWithoutHolding().reset();
+  EXPECT_TRUE(eventually([&] {
+    g_main_context_iteration(nullptr, FALSE);
+    engine->invokeMethod("c", "m", Value());
+    return engine->peers().empty();
+  }));
+  g_log_remove_handler("libsoup", handler);
+  EXPECT_EQ(complaints, 0);
+}
+
 TEST_F(StandInLimits, SilentPeer) {
   startEngine(std::chrono::milliseconds(1500));
   // libsoup's client answers pings; the raw one does not.

@@ -105,6 +105,24 @@ TEST_F(StandInSharing, ABusyPageDoesNotHoldUpAnother) {
   EXPECT_THAT(calls, SizeIs(Lt(kBusyCalls / 10)));
 }
 
+TEST_F(StandInSharing, APressThatMustWaitHoldsUpNoOther) {
+  bool isPressWaiting = true;
+  engine.reset();
+  engine = StandInEngine::start(
+      {.port = 0, .devicesFile = devicesFile(), .isPressWaiting = [&] { return isPressWaiting; }});
+  recordCalls();
+  const auto busy = openPage();
+  const auto other = openPage();
+  busy->call(1, kControl, {"doubleClick", Value()});
+  busy->call(2, kControl, {"scroll", Value()});
+  other->call(1, kControl, {"moveMouse", Value()});
+  ASSERT_TRUE(other->waitForMessages(1));
+  EXPECT_THAT(calls, ElementsAre("moveMouse"));
+  isPressWaiting = false;
+  ASSERT_TRUE(busy->waitForMessages(2));
+  EXPECT_THAT(calls, ElementsAre("moveMouse", "doubleClick", "scroll"));
+}
+
 TEST_F(StandInSharing, WhatHasNotStartedGoesWithItsPage) {
   takeTimeForCalls();
   const auto busy = openBusyPage();

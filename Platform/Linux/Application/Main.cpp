@@ -104,6 +104,7 @@ void serve(const Options& options) {
   engineOptions.address = options.address.value_or(
       platform::userDefaultsBool(kAllowNetwork) ? kEveryAddress : kThisComputer);
   engineOptions.isEncrypted = options.isEncrypted || platform::userDefaultsBool(kEncryptNetwork);
+  engineOptions.isPressWaiting = x11::isPressWaiting;
   const auto engine = StandInEngine::start(engineOptions);
   const auto state = std::make_shared<MainFlutterWindow>();
   wakeMainWindow(state, engine);

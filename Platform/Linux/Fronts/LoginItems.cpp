@@ -51,8 +51,8 @@ std::vector<std::string> runningOptions() {
   return words;
 }
 
-/// The word as an argument in the Exec key of a desktop entry (Desktop Entry Specification, "The
-/// Exec key"): in double quotes, with "%%" for "%", which would begin a field code.
+/// The word as an argument in a desktop entry's Exec key, as freedesktop.org defines it: in double
+/// quotes, with "%%" for "%", which would begin a field code.
 std::string quoted(const std::string& word) {
   constexpr std::string_view special = "\"`$\\";
   std::string text = "\"";

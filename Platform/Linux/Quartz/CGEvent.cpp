@@ -1,7 +1,7 @@
-#include "Platform/Linux/X11/Shutdown.h"
 #include "Platform/Linux/X11/Input/Event.h"
 #include "Platform/Linux/X11/PointSpace.h"
 #include "Platform/Linux/X11/Session/ServerSession.h"
+#include "Platform/Linux/X11/Shutdown.h"
 
 using tapdeck::x11::session;
 

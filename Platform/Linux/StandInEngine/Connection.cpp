@@ -147,6 +147,11 @@ bool Connection::endIfPeerIsGone() {
 
 void Connection::send(const codec::Bytes& message) {
   if (_ended) return;
+  if (soup_websocket_connection_get_state(_socket.get()) != SOUP_WEBSOCKET_STATE_OPEN) {
+    // the peer's end was read, the signal for it is to come
+    end();
+    return;
+  }
   soup_websocket_connection_send_binary(_socket.get(), message.data(), message.size());
 }
 

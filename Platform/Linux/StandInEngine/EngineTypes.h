@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -34,6 +35,9 @@ struct EngineOptions {
   bool isEncrypted = false;
   /// Where the certificate for that is kept; empty for the user's data folder.
   std::string certificateFile = "";
+  /// Whether a press of a button still waits to be sent, as presses need a pause between them: the
+  /// next one is not carried out meanwhile, and all others do not come behind a row of presses.
+  std::function<bool()> isPressWaiting = {};
 };
 
 /// One open connection, for people to read.

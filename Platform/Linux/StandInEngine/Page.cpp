@@ -1,6 +1,5 @@
 #include "Platform/Linux/StandInEngine/Page.h"
 
-#include <string_view>
 #include <utility>
 
 extern "C" GResource* tapdeck_console_get_resource(void);
@@ -70,8 +69,7 @@ Page::Page() {
   }
 }
 
-bool Page::serve(SoupServerMessage* message) const {
-  const std::string path = g_uri_get_path(soup_server_message_get_uri(message));
+bool Page::serve(SoupServerMessage* message, std::string_view path) const {
   const auto found = _files.find(path == "/" ? "/index.html" : path);
   if (found == _files.end()) return false;
   const File& file = found->second;

@@ -4,6 +4,7 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 
 #include "Platform/Linux/Support/GLibOwners.h"
 
@@ -17,7 +18,7 @@ class Page {
   /// Answers a GET or HEAD request for a URL path such as "/" or "/style.css": the file, compressed
   /// where the browser takes that, or "not modified" for the entity tag that it names. False, and
   /// nothing done, when there is no such file.
-  bool serve(SoupServerMessage* message) const;
+  bool serve(SoupServerMessage* message, std::string_view path) const;
 
  private:
   /// A file's bytes in one content coding, and their entity tag (RFC 9110, 8.8.3).

@@ -1,6 +1,7 @@
 #include "Platform/Linux/StandInEngine/PendingConnections.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tapdeck::standin {
 
@@ -10,7 +11,8 @@ PendingConnections::~PendingConnections() {
   for (Entry& entry : _entries) g_object_weak_unref(G_OBJECT(entry.connection), gone, &entry);
 }
 
-void PendingConnections::add(GSocketConnection* connection, GSocketAddress* remote) {
+void PendingConnections::add(GSocketConnection* connection, GSocketAddress* remote,
+                             std::shared_ptr<const RequestLine> requestLine) {
   if (open() >= kMaxCount) {
     end(*std::find_if(_entries.begin(), _entries.end(),
                       [](const Entry& each) { return !each.hasEnded; }));
@@ -18,7 +20,7 @@ void PendingConnections::add(GSocketConnection* connection, GSocketAddress* remo
   GSocket* socket = g_socket_connection_get_socket(connection);
   Entry& entry = _entries.emplace_back(
       Entry{this, connection, Object<GSocket>(G_SOCKET(g_object_ref(socket))),
-            Object<GSocketAddress>(G_SOCKET_ADDRESS(g_object_ref(remote))),
+            Object<GSocketAddress>(G_SOCKET_ADDRESS(g_object_ref(remote))), std::move(requestLine),
             glib::Source(g_timeout_source_new(static_cast<guint>(_limit.count()))), false});
   g_object_weak_ref(G_OBJECT(connection), gone, &entry);
   const GSourceFunc late = [](gpointer data) noexcept -> gboolean {
@@ -27,6 +29,13 @@ void PendingConnections::add(GSocketConnection* connection, GSocketAddress* remo
   };
   g_source_set_callback(entry.deadline.get(), late, &entry, nullptr);
   g_source_attach(entry.deadline.get(), nullptr);
+}
+
+std::string_view PendingConnections::requestTarget(GSocketAddress* remote) const {
+  const auto entry = std::find_if(_entries.begin(), _entries.end(), [remote](const Entry& each) {
+    return each.remote.get() == remote;
+  });
+  return entry != _entries.end() ? entry->requestLine->target() : std::string_view();
 }
 
 Object<GSocket> PendingConnections::take(GSocketAddress* remote) {

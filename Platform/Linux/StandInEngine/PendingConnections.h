@@ -4,9 +4,10 @@
 
 #include <chrono>
 #include <list>
-#include <optional>
-#include <string>
+#include <memory>
+#include <string_view>
 
+#include "Platform/Linux/StandInEngine/RequestLine.h"
 #include "Platform/Linux/Support/GLibOwners.h"
 
 namespace tapdeck::standin {
@@ -23,7 +24,10 @@ class PendingConnections {
   ~PendingConnections();
 
   /// The connection goes off the list by itself when its last owner lets go of it.
-  void add(GSocketConnection* connection, GSocketAddress* remote);
+  void add(GSocketConnection* connection, GSocketAddress* remote,
+           std::shared_ptr<const RequestLine> requestLine);
+  /// What the connection from there asks for, as it was sent; empty when it is not on the list.
+  std::string_view requestTarget(GSocketAddress* remote) const;
   /// The connection from there has become a WebSocket: its socket, which is bounded no longer; null
   /// when it is not on the list.
   glib::Object<GSocket> take(GSocketAddress* remote);
@@ -35,6 +39,7 @@ class PendingConnections {
     GSocketConnection* connection;
     glib::Object<GSocket> socket;
     glib::Object<GSocketAddress> remote;
+    std::shared_ptr<const RequestLine> requestLine;
     glib::Source deadline;
     /// Its end is under way.
     bool hasEnded;

@@ -10,6 +10,8 @@ namespace {
 constexpr std::chrono::milliseconds kTimeSlice{2};
 /// A connection that was idle goes before the others, but by no more than this.
 constexpr std::chrono::milliseconds kHeadStart{20};
+/// What may not start yet is asked for again after so long.
+constexpr guint kPauseMilliseconds = 5;
 constexpr size_t kMaxWaitingBytes = size_t{16} << 10;
 constexpr size_t kMaxWaitingRequests = 64;
 
@@ -20,12 +22,16 @@ void RequestScheduler::add(ConnectionNumber connection, Request request, size_t 
   if (queue.requests.empty()) queue.used = std::max(queue.used, _served - kHeadStart);
   queue.requests.push_back({std::move(request), size});
   queue.bytes += size;
-  if (_source) return;
-  _source.reset(g_idle_source_new());
+  if (!_source || _isPausing) goOn(/*isPausing=*/false);
+}
+
+void RequestScheduler::goOn(bool isPausing) {
+  _isPausing = isPausing;
+  _source.reset(isPausing ? g_timeout_source_new(kPauseMilliseconds) : g_idle_source_new());
   g_source_set_priority(_source.get(), G_PRIORITY_DEFAULT);
   const GSourceFunc callback = [](gpointer self) noexcept -> gboolean {
     static_cast<RequestScheduler*>(self)->runSlice();
-    // it has taken its source away where nothing waits any more, or is gone
+    // it has changed its source where nothing may start, or is gone
     return G_SOURCE_CONTINUE;
   };
   g_source_set_callback(_source.get(), callback, this, nullptr);
@@ -42,9 +48,20 @@ RequestScheduler::Queues::iterator RequestScheduler::next() {
   auto least = _queues.end();
   for (auto queue = _queues.begin(); queue != _queues.end(); ++queue) {
     if (queue->second.requests.empty()) continue;
+    if (!_mayStart(queue->second.requests.front().request)) continue;
     if (least == _queues.end() || queue->second.used < least->second.used) least = queue;
   }
   return least;
+}
+
+void RequestScheduler::pauseOrEnd() {
+  const bool isEmpty = std::all_of(_queues.begin(), _queues.end(),
+                                   [](const auto& queue) { return queue.second.requests.empty(); });
+  if (isEmpty) {
+    _source.reset();
+  } else if (!_isPausing) {
+    goOn(/*isPausing=*/true);
+  }
 }
 
 void RequestScheduler::runSlice() {
@@ -54,7 +71,7 @@ void RequestScheduler::runSlice() {
   do {
     const auto queue = next();
     if (queue == _queues.end()) {
-      _source.reset();
+      pauseOrEnd();
       return;
     }
     const ConnectionNumber connection = queue->first;
@@ -68,6 +85,7 @@ void RequestScheduler::runSlice() {
     const auto same = _queues.find(connection);
     if (same != _queues.end()) same->second.used += Clock::now() - start;
   } while (Clock::now() < end);
+  if (_isPausing) goOn(/*isPausing=*/false);
 }
 
 }  // namespace tapdeck::standin

@@ -20,9 +20,12 @@ class RequestScheduler {
  public:
   /// Carries out one request. The connection may have ended in the meantime.
   using Work = std::function<void(ConnectionNumber, const Request&)>;
+  /// Whether a request may be carried out yet. Its connection waits until then, the others go on.
+  using MayStart = std::function<bool(const Request&)>;
 
   /// `work` may destroy this object.
-  explicit RequestScheduler(Work work) : _work(std::make_shared<const Work>(std::move(work))) {}
+  RequestScheduler(Work work, MayStart mayStart)
+      : _work(std::make_shared<const Work>(std::move(work))), _mayStart(std::move(mayStart)) {}
   RequestScheduler(const RequestScheduler&) = delete;
   RequestScheduler& operator=(const RequestScheduler&) = delete;
 
@@ -50,12 +53,18 @@ class RequestScheduler {
 
   Queues::iterator next();
   void runSlice();
+  /// Takes the next turn as soon as other sources had theirs, or when it is time to ask again for
+  /// what may not start yet.
+  void goOn(bool isPausing);
+  void pauseOrEnd();
 
   std::shared_ptr<const Work> _work;
+  MayStart _mayStart;
   Queues _queues;
   /// The largest `used` of a queue at the time that it was served.
   Clock::duration _served{0};
   glib::Source _source;
+  bool _isPausing = false;
 };
 
 }  // namespace tapdeck::standin

@@ -84,6 +84,12 @@ bool isTextTooLong(const MethodCall& call) {
   return std::cmp_greater(characters, kMaxTextCharacters);
 }
 
+bool pressesButton(const Request& request) {
+  if (request.channel != kControlChannel) return false;
+  const std::string& method = request.call.method;
+  return method == "click" || method == "doubleClick" || method == "mouseDown";
+}
+
 codec::Bytes encodeBoundedReply(int64_t id, const std::string& channel, const Outcome& outcome) {
   codec::Bytes message = encodeReply(id, channel, outcome);
   if (message.size() <= kMaxReply) return message;
@@ -116,13 +122,17 @@ std::string whyNotListening(const EngineOptions& options, const GError& error) {
 Server::Server(EngineOptions options)
     : _options(std::move(options)),
       _token(randomDigits(16)),
-      // libsoup still resolves dots and decodes letters; what is left is looked up as it stands
+      // else libsoup answers some paths itself
       _http(SOUP_SERVER(g_object_new(SOUP_TYPE_SERVER, "raw-paths", TRUE, nullptr))),
       _pending(_options.pendingLimit),
-      _scheduler([this](ConnectionNumber connection, const Request& request) {
-        const auto keep = shared_from_this();
-        carryOut(connection, request);
-      }),
+      _scheduler(
+          [this](ConnectionNumber connection, const Request& request) {
+            const auto keep = shared_from_this();
+            carryOut(connection, request);
+          },
+          [isPressWaiting = _options.isPressWaiting](const Request& request) {
+            return !isPressWaiting || !pressesButton(request) || !isPressWaiting();
+          }),
       _devices(_options.devicesFile) {}
 
 void Server::start() {
@@ -259,13 +269,15 @@ void Server::takeIn(Object<GSocketConnection> accepted) {
   const Object<GSocketAddress> remote(
       g_socket_connection_get_remote_address(accepted.get(), nullptr));
   if (!local || !remote) return;
-  _pending.add(accepted.get(), remote.get());
+  const auto requestLine = std::make_shared<RequestLine>();
+  _pending.add(accepted.get(), remote.get(), requestLine);
   Object<GIOStream> stream(G_IO_STREAM(g_object_ref(accepted.get())));
   if (isEncryptedAt(local.get())) {
     stream.reset(
         g_tls_server_connection_new(G_IO_STREAM(accepted.get()), _certificate.get(), nullptr));
     if (!stream) return;
   }
+  stream = newNotingStream(stream.get(), requestLine);
   soup_server_accept_iostream(_http.get(), stream.get(), local.get(), remote.get(), nullptr);
 }
 
@@ -306,18 +318,21 @@ void Server::admit(SoupServerMessage* message) {
 }
 
 void Server::serve(SoupServerMessage* message, GHashTable* query) {
-  const std::string_view path = g_uri_get_path(soup_server_message_get_uri(message));
+  // libsoup's path is a normal form of what was sent, which no browser needs
+  const std::string_view target =
+      _pending.requestTarget(soup_server_message_get_remote_address(message));
+  const std::string_view path = target.substr(0, target.find('?'));
   if (path == "/engine") {
     serveUpgrade(message, query);
   } else if (path == "/access") {
     serveAccess(message, query);
   } else {
-    servePage(message);
+    servePage(message, target);
   }
 }
 
-void Server::servePage(SoupServerMessage* message) const {
-  if (!_page.serve(message)) refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
+void Server::servePage(SoupServerMessage* message, std::string_view path) const {
+  if (!_page.serve(message, path)) refuse(message, SOUP_STATUS_NOT_FOUND, "Not Found");
 }
 
 /// Says what an upgrade would meet with, since a browser tells a page nothing of a refused one.

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Engine/UIEngine.h"
@@ -71,7 +72,7 @@ class Server : public std::enable_shared_from_this<Server> {
   void takeIn(glib::Object<GSocketConnection> accepted);
   void admit(SoupServerMessage* message);
   void serve(SoupServerMessage* message, GHashTable* query);
-  void servePage(SoupServerMessage* message) const;
+  void servePage(SoupServerMessage* message, std::string_view path) const;
   void serveAccess(SoupServerMessage* message, GHashTable* query);
   void serveUpgrade(SoupServerMessage* message, GHashTable* query);
   /// Answers the message as it stands, which is a refusal, late; 429 where too many wait already.

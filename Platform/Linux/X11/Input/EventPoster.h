@@ -36,6 +36,8 @@ class EventPoster {
   void releaseEverything() { _queue.releaseEverything(); }
   /// The position to which queued events will move the pointer; absent when none will.
   std::optional<Pixel> waitingMotion() { return _queue.waitingMotion(); }
+  /// Whether the press of a button still waits to be sent.
+  bool isPressWaiting() { return _queue.isPressWaiting(); }
 
  private:
   void carryOut(const __CGEvent& event);

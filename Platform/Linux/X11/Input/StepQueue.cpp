@@ -1,5 +1,6 @@
 #include "Platform/Linux/X11/Input/StepQueue.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "Platform/Linux/Support/Diagnostics.h"
@@ -47,6 +48,14 @@ void StepQueue::add(Step step) {
   }
   _waiting.push_back(std::move(step));
   _changed.notify_all();
+}
+
+bool StepQueue::isPressWaiting() {
+  const Lock lock(_mutex);
+  return std::any_of(_waiting.begin(), _waiting.end(), [](const Step& step) {
+    const auto* button = std::get_if<ButtonStep>(&step);
+    return button != nullptr && button->down;
+  });
 }
 
 std::optional<Pixel> StepQueue::waitingMotion() {

@@ -24,6 +24,8 @@ class StepQueue {
   StepQueue& operator=(const StepQueue&) = delete;
 
   void add(Step step);
+  /// Whether the press of a button still waits to be sent.
+  bool isPressWaiting();
   /// The position to which queued steps will move the pointer; absent when none will.
   std::optional<Pixel> waitingMotion();
   /// Waits some seconds at most for queued steps; then releases what is pressed and restores locks

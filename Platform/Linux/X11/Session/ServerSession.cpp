@@ -33,6 +33,10 @@ void offerMediaKeys(std::function<bool(uint32_t keyType)> take) {
   if (session() != nullptr) session()->poster.offerMediaKeys(std::move(take));
 }
 
+bool isPressWaiting() {
+  return session() != nullptr && session()->poster.isPressWaiting();
+}
+
 void releaseEverything() {
   if (session() == nullptr) return;
   session()->poster.releaseEverything();

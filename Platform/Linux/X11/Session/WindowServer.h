@@ -20,6 +20,10 @@ void observeMonitors(std::function<void()> changed);
 /// not get it. Null ends it.
 void offerMediaKeys(std::function<bool(uint32_t keyType)> take);
 
+/// Whether a button's press that was posted still waits to be sent, as it does for some
+/// milliseconds after the last one.
+bool isPressWaiting();
+
 /// Releases every key and button that events posted here still hold pressed, and shows the cursor.
 /// Returns when the server has done so. The end of the process by exit does it too.
 void releaseEverything();
