@@ -192,8 +192,8 @@ void reportProcessorTime(const FrameTimes& times, const Scaling& scaling, pid_t 
   row("captureScreen, all changed (median)", ours);
   row("ffmpeg (mean)", byFfmpeg);
   row("GStreamer (mean)", byGstreamer);
-  share("processor time", ours, byFfmpeg, "ffmpeg", 0.45);
-  share("processor time", ours, byGstreamer, "GStreamer", 0.65);
+  share("processor time beside ffmpeg", ours, byFfmpeg, "ffmpeg", 0.45);
+  share("processor time beside GStreamer", ours, byGstreamer, "GStreamer", 0.65);
 }
 
 bool differByteByByte(const uint8_t* a, const uint8_t* b, size_t bytes) {

@@ -8,6 +8,7 @@
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -39,11 +40,11 @@ uint64_t numberIn(const fs::path& file, const std::string& name) {
   return 0;
 }
 
-/// How often threads of the process went to sleep, which is as often as they woke up.
-uint64_t sleepsOf(const fs::path& process) {
-  uint64_t sleeps = 0;
+/// How often each thread of the process has gone to sleep, which is as often as it woke up.
+std::map<std::string, uint64_t> sleepsOf(const fs::path& process) {
+  std::map<std::string, uint64_t> sleeps;
   for (const auto& task : fs::directory_iterator(process / "task")) {
-    sleeps += numberIn(task.path() / "status", "voluntary_ctxt_switches");
+    sleeps[task.path().filename()] = numberIn(task.path() / "status", "voluntary_ctxt_switches");
   }
   return sleeps;
 }
@@ -57,9 +58,13 @@ struct Idleness {
 Idleness watch(const testing::ChildProcess& host) {
   runFor(kSettling);
   const fs::path process = "/proc/" + std::to_string(host.id());
-  const uint64_t before = sleepsOf(process);
+  auto before = sleepsOf(process);
   runFor(kWatched);
-  const auto sleeps = static_cast<double>(sleepsOf(process) - before);
+  double sleeps = 0;
+  // a thread that has ended meanwhile is not counted
+  for (const auto& [thread, count] : sleepsOf(process)) {
+    sleeps += static_cast<double>(count - before[thread]);
+  }
   const auto megabytes = [&](const char* name) {
     return static_cast<double>(numberIn(process / "smaps_rollup", name)) / 1024;
   };
