@@ -30,8 +30,7 @@ constexpr std::chrono::milliseconds kPressPause{25};
 
 struct Row {
   const char* name;
-  /// That there may be for each call. Of a click one is the confirmation of the release, for which
-  /// no call waits.
+  /// How many each call may wait for.
   int maxRoundTrips;
   /// The calls that are one round of this row; each is measured.
   std::vector<MethodCall> calls;
@@ -49,8 +48,8 @@ std::vector<Row> rows() {
        1,
        {{"moveMouse", Value(ValueMap{{"dx", Value(3.0)}, {"dy", Value(0.0)}})},
         {"moveMouse", Value(ValueMap{{"dx", Value(-3.0)}, {"dy", Value(0.0)}})}}},
-      {"click", 2, {{"click", left}}},
-      {"mouseDown, mouseUp", 2, {{"mouseDown", left}, {"mouseUp", left}}},
+      {"click", 1, {{"click", left}}},
+      {"mouseDown, mouseUp", 1, {{"mouseDown", left}, {"mouseUp", left}}},
       {"scroll", 0, {{"scroll", Value(ValueMap{{"direction", Value(1)}, {"amount", Value(50)}})}}},
       {"keyDown, keyUp", 0, {{"keyDown", key}, {"keyUp", key}}},
       {"screenCursor", 1, {{"screenCursor", Value()}}},
@@ -58,6 +57,11 @@ std::vector<Row> rows() {
       {"captureScreen, still", 1, {{"captureScreen", Value()}}},
   };
 }
+
+struct Result {
+  Samples samples;
+  double roundTrips = 0;
+};
 
 /// One client of a server that takes the engine's messages.
 class Client {
@@ -71,16 +75,26 @@ class Client {
       if (!_connection.receive(inTime())) throw std::runtime_error("no answer");
     });
   }
-  Samples repeat(const Row& row, int rounds) {
-    Samples samples;
+  /// Counts the round trips between each call and its reply: the host's journal learns of a release
+  /// later, which delays no call.
+  Result repeat(const Row& row, int rounds, const DelayingDisplay* display) {
+    const auto tripsSoFar = [display] { return display != nullptr ? display->roundTrips() : 0; };
+    Result result;
+    uint64_t trips = 0;
     for (int i = 0; i < rounds; ++i) {
       // presses of a button that follow each other sooner wait for it
       if (row.calls.front().method == "click" || row.calls.front().method == "mouseDown") {
         std::this_thread::sleep_for(kPressPause);
       }
-      for (const MethodCall& each : row.calls) samples.add(call(each));
+      for (const MethodCall& each : row.calls) {
+        const uint64_t before = tripsSoFar();
+        result.samples.add(call(each));
+        trips += tripsSoFar() - before;
+      }
     }
-    return samples;
+    result.roundTrips = static_cast<double>(trips) /
+                        static_cast<double>(row.calls.size() * static_cast<size_t>(rounds));
+    return result;
   }
 
  private:
@@ -90,11 +104,6 @@ class Client {
 
   HostConnection _connection;
   int64_t _lastId = 0;
-};
-
-struct Result {
-  Samples samples;
-  double roundTrips = 0;
 };
 
 /// The host on this display, each row in turn (the first puts the pointer into a corner). Where the
@@ -113,14 +122,8 @@ std::vector<Result> measure(const std::string& host, const DelayingDisplay* disp
   Client client(readSession().value());
   std::vector<Result> results;
   for (const Row& row : rows()) {
-    client.repeat(row, kWarmUp);
-    const uint64_t before = display != nullptr ? display->roundTrips() : 0;
-    Result result{client.repeat(row, kRounds)};
-    const auto calls = static_cast<double>(row.calls.size() * kRounds);
-    if (display != nullptr) {
-      result.roundTrips = static_cast<double>(display->roundTrips() - before) / calls;
-    }
-    results.push_back(std::move(result));
+    client.repeat(row, kWarmUp, display);
+    results.push_back(client.repeat(row, kRounds, display));
   }
   return results;
 }
@@ -162,8 +165,8 @@ int main(int argc, char** argv) {
     Client echo(server.session());
     std::vector<Samples> echoed;
     for (const Row& row : rows()) {
-      echo.repeat(row, kWarmUp);
-      echoed.push_back(echo.repeat(row, kRounds));
+      echo.repeat(row, kWarmUp, nullptr);
+      echoed.push_back(echo.repeat(row, kRounds, nullptr).samples);
     }
     print(direct, late, echoed);
   } catch (const std::exception& error) {
