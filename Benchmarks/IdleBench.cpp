@@ -22,8 +22,8 @@ namespace {
 using namespace tapdeck;
 namespace fs = std::filesystem;
 
-// what starting it set going is over by then
-constexpr std::chrono::seconds kSettling{15};
+// what starting set going is over by then, GTK's last timer of 20 s too
+constexpr std::chrono::seconds kSettling{25};
 // three rounds of pings
 constexpr std::chrono::seconds kWatched{30};
 
