@@ -6,7 +6,7 @@ import { appendFileSync } from "node:fs";
 import { setTimeout as sleep } from "node:timers/promises";
 
 import { decodeMessage, decodeMethodCall } from "../Console/connection/codec.js";
-import { CONNECTED, Fingers, go, Host, launchBrowser, LongLine, openPhone } from "../Tests/Browser/desktop.js";
+import { CONNECTED, countDrawings, Fingers, go, Host, launchBrowser, LongLine, openPhone } from "../Tests/Browser/desktop.js";
 
 const SECONDS = 5;
 
@@ -35,14 +35,7 @@ async function openOver(roundTrip) {
     const { method } = decodeMethodCall(decodeMessage(new Uint8Array(payload))[2]);
     calls[method] = (calls[method] ?? 0) + 1;
   }));
-  await page.addInitScript(() => {
-    window.drawn = 0;
-    const { drawImage } = CanvasRenderingContext2D.prototype;
-    CanvasRenderingContext2D.prototype.drawImage = function draw(...args) {
-      window.drawn++;
-      return drawImage.apply(this, args);
-    };
-  });
+  await countDrawings(page);
   await page.reload();
   await page.waitForSelector(CONNECTED);
   return { line, page, calls };

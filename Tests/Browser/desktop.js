@@ -81,6 +81,18 @@ export async function go(page, place) {
   await page.waitForSelector(`#panel-${place}`);
 }
 
+/** Counts in the page's `window.drawn` what it draws on its canvases, from the next load on. */
+export function countDrawings(page) {
+  return page.addInitScript(() => {
+    window.drawn = 0;
+    const { drawImage } = CanvasRenderingContext2D.prototype;
+    CanvasRenderingContext2D.prototype.drawImage = function draw(...args) {
+      window.drawn++;
+      return drawImage.apply(this, args);
+    };
+  });
+}
+
 /** A phone's page at this address; what goes wrong in its scripts lands in `page.problems`. */
 export async function openPhone(browser, url, options = {}) {
   const context = await browser.newContext({

@@ -4,7 +4,7 @@ import { beforeEach, describe, test } from "node:test";
 import { setTimeout as sleep } from "node:timers/promises";
 
 import { Zoom } from "../../Console/screen/zoom.js";
-import { eventually, go, pointerPlace, putPointer } from "./desktop.js";
+import { countDrawings, eventually, go, pointerPlace, putPointer } from "./desktop.js";
 import { browser, center, fingers, page, witness } from "./setup.js";
 import { StandIn } from "./standin.js";
 
@@ -41,14 +41,7 @@ test("the host's own screen is shown with its pointer, and again when it has cha
 
 /** Shows the screen as `replies` has it, one after the other and the last of them again and again. */
 async function watch(answers = {}) {
-  await page.addInitScript(() => {
-    window.drawn = 0;
-    const { drawImage } = CanvasRenderingContext2D.prototype;
-    CanvasRenderingContext2D.prototype.drawImage = function draw(...args) {
-      window.drawn++;
-      return drawImage.apply(this, args);
-    };
-  });
+  await countDrawings(page);
   line = await StandIn.of(page, {
     captureScreen: () => sleep(5, replies.length > 1 ? replies.shift() : replies[0]),
     ...answers,
