@@ -6,7 +6,9 @@ import { appendFileSync } from "node:fs";
 import { setTimeout as sleep } from "node:timers/promises";
 
 import { decodeMessage, decodeMethodCall } from "../Console/connection/codec.js";
-import { CONNECTED, countDrawings, Fingers, go, Host, launchBrowser, LongLine, openPhone } from "../Tests/Browser/desktop.js";
+import {
+  CONNECTED, countDrawings, Fingers, go, Host, launchBrowser, LongLine, openPhone,
+} from "../Tests/Browser/desktop.js";
 
 const SECONDS = 5;
 
