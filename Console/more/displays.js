@@ -20,6 +20,8 @@ const LINE_HEIGHT = 19;
 export class DisplayList extends EventTarget {
   /** @type {DisplayRecord[]} */
   records = [];
+  /** Whether the host has been asked for them and has answered. */
+  loaded = false;
   #connection;
 
   /** @param {import("../connection/connection.js").Connection} connection */
@@ -36,11 +38,13 @@ export class DisplayList extends EventTarget {
       this.#take(await this.#connection.call("getDisplays"));
     } catch {
       // The next connection asks again.
+      this.#take(this.records);
     }
   }
 
   #take(records) {
     this.records = records ?? [];
+    this.loaded = true;
     this.dispatchEvent(new Event("change"));
   }
 }

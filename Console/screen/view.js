@@ -93,17 +93,23 @@ export class ScreenView {
       this.#feed.hurry();
     });
     new ResizeObserver(() => {
-      this.zoom.setBox(this.#stage.clientWidth, this.#stage.clientHeight);
+      this.#measure();
       this.#zoomed();
     }).observe(this.#stage);
   }
 
   // What is asked for.
 
+  // Another display or width costs another whole picture: the first waits until both are known.
   #wish() {
-    if (this.#line.granted.screen === false || this.#stage.clientWidth === 0) return null;
+    if (this.#line.granted.screen === false || this.#stage.clientWidth === 0 || !this.#displays.loaded) return null;
+    if (this.#width === 0) this.#measure();
     const { quality } = QUALITIES[this.#settings.values.quality] ?? QUALITIES.balanced;
     return { display: this.display, maxWidth: this.#width || this.#wantedWidth(), quality };
+  }
+
+  #measure() {
+    this.zoom.setBox(this.#stage.clientWidth, this.#stage.clientHeight);
   }
 
   #wantedWidth() {
@@ -129,7 +135,9 @@ export class ScreenView {
       chip.addEventListener("click", () => this.#choose(id));
       return chip;
     }));
+    this.#width = 0;
     this.#zoomed();
+    this.#feed.hurry();
   }
 
   /** @param {string} id */
