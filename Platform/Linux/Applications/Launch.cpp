@@ -45,7 +45,7 @@ void warnOfFailure(const std::string& id, GError* error) {
 }
 
 /// A signal from the host's terminal, such as that of Control-C, shall not reach what it starts.
-void leaveSession(gpointer) {
+void leaveSession(gpointer) noexcept {
   setsid();
 }
 
@@ -66,7 +66,7 @@ bool isStartedByBus(const DesktopEntry& entry) {
          g_dbus_is_interface_name(name.c_str()) != FALSE;
 }
 
-void finishLaunch(GObject* info, GAsyncResult* result, gpointer data) {
+void finishLaunch(GObject* info, GAsyncResult* result, gpointer data) noexcept {
   const std::unique_ptr<std::string> id(static_cast<std::string*>(data));
   GError* error = nullptr;
   g_app_info_launch_uris_finish(G_APP_INFO(info), result, &error);

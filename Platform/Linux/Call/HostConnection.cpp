@@ -20,7 +20,7 @@ struct Attempt {
   glib::Error error;
 };
 
-void attemptEnded(GObject* session, GAsyncResult* result, gpointer data) {
+void attemptEnded(GObject* session, GAsyncResult* result, gpointer data) noexcept {
   auto* attempt = static_cast<Attempt*>(data);
   GError* error = nullptr;
   attempt->socket = soup_session_websocket_connect_finish(SOUP_SESSION(session), result, &error);
@@ -111,12 +111,13 @@ void HostConnection::connect(const Session& session, Deadline deadline) {
 void HostConnection::adopt(SoupWebsocketConnection* socket) {
   _socket.reset(socket);
   soup_websocket_connection_set_max_incoming_payload_size(socket, kMaxMessage);
-  const auto onMessage = +[](SoupWebsocketConnection*, gint type, GBytes* message, gpointer self) {
-    if (type != SOUP_WEBSOCKET_DATA_BINARY) return;
-    gsize size = 0;
-    const auto* data = static_cast<const uint8_t*>(g_bytes_get_data(message, &size));
-    static_cast<HostConnection*>(self)->_received.emplace_back(data, data + size);
-  };
+  const auto onMessage =
+      +[](SoupWebsocketConnection*, gint type, GBytes* message, gpointer self) noexcept {
+        if (type != SOUP_WEBSOCKET_DATA_BINARY) return;
+        gsize size = 0;
+        const auto* data = static_cast<const uint8_t*>(g_bytes_get_data(message, &size));
+        static_cast<HostConnection*>(self)->_received.emplace_back(data, data + size);
+      };
   g_signal_connect(socket, "message", G_CALLBACK(onMessage), this);
 }
 
@@ -160,7 +161,7 @@ bool HostConnection::waitUntil(const std::function<bool()>& done, Deadline deadl
   if (deadline) {
     using std::chrono::milliseconds;
     const auto left = std::chrono::ceil<milliseconds>(*deadline - std::chrono::steady_clock::now());
-    const auto late = +[](gpointer flag) -> gboolean {
+    const auto late = +[](gpointer flag) noexcept -> gboolean {
       *static_cast<bool*>(flag) = true;
       return G_SOURCE_REMOVE;
     };

@@ -28,7 +28,7 @@ bool isScalable(GdkPixbufLoader* loader) {
 }
 
 /// Chooses the size before the loader makes room for the pixels; `side` is an int, or null.
-void chooseSize(GdkPixbufLoader* loader, int width, int height, gpointer side) {
+void chooseSize(GdkPixbufLoader* loader, int width, int height, gpointer side) noexcept {
   constexpr int64_t kMaxPixels = 40'000'000;
   if (side != nullptr && isScalable(loader)) {
     const double scale = double(*static_cast<int*>(side)) / std::max({width, height, 1});

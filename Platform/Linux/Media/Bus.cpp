@@ -39,7 +39,7 @@ struct PendingReplies {
     std::string text;
   };
 
-  static void receive(GObject* connection, GAsyncResult* result, gpointer data) {
+  static void receive(GObject* connection, GAsyncResult* result, gpointer data) noexcept {
     auto* reply = static_cast<Reply*>(data);
     const glib::Variant tuple(
         g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));

@@ -23,7 +23,7 @@ constexpr Request kRestart{"Reboot", "restart"};
 
 size_t pending = 0;
 
-void finish(GObject* connection, GAsyncResult* result, gpointer data) {
+void finish(GObject* connection, GAsyncResult* result, gpointer data) noexcept {
   --pending;
   GError* error = nullptr;
   const glib::Variant reply(

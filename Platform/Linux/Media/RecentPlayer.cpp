@@ -52,7 +52,7 @@ void RecentPlayer::connect() {
   g_bus_get(G_BUS_TYPE_SESSION, _lifetime.get(), onConnected, this);
 }
 
-void RecentPlayer::onConnected(GObject*, GAsyncResult* result, gpointer self) {
+void RecentPlayer::onConnected(GObject*, GAsyncResult* result, gpointer self) noexcept {
   GError* failure = nullptr;
   glib::Object<GDBusConnection> connection(g_bus_get_finish(result, &failure));
   const glib::Error error(failure);
@@ -100,7 +100,7 @@ void RecentPlayer::disconnect() {
 }
 
 void RecentPlayer::onOwnerChanged(GDBusConnection*, const char*, const char*, const char*,
-                                  const char*, GVariant* arguments, gpointer self) {
+                                  const char*, GVariant* arguments, gpointer self) noexcept {
   auto* player = static_cast<RecentPlayer*>(self);
   const char* name = nullptr;
   const char* newOwner = nullptr;
@@ -112,7 +112,7 @@ void RecentPlayer::onOwnerChanged(GDBusConnection*, const char*, const char*, co
 
 void RecentPlayer::onPropertiesChanged(GDBusConnection*, const char* sender, const char*,
                                        const char*, const char*, GVariant* arguments,
-                                       gpointer self) {
+                                       gpointer self) noexcept {
   // any program may send the signal, with whatever it likes in it
   if (g_variant_is_of_type(arguments, G_VARIANT_TYPE("(sa{sv}as)")) == FALSE) return;
   const glib::Variant changed(g_variant_get_child_value(arguments, 1));
@@ -158,7 +158,7 @@ void RecentPlayer::call(const char* name, const char* path, const char* interfac
                          _lifetime.get(), onReply, new Receiver(std::move(receive)));
 }
 
-void RecentPlayer::onReply(GObject* connection, GAsyncResult* result, gpointer receiver) {
+void RecentPlayer::onReply(GObject* connection, GAsyncResult* result, gpointer receiver) noexcept {
   const std::unique_ptr<Receiver> receive(static_cast<Receiver*>(receiver));
   const glib::Variant reply(
       g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, nullptr));

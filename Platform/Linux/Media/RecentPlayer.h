@@ -36,12 +36,12 @@ class RecentPlayer {
   };
   using Receiver = std::function<void(GVariant* reply)>;
 
-  static void onConnected(GObject*, GAsyncResult* result, gpointer self);
+  static void onConnected(GObject*, GAsyncResult* result, gpointer self) noexcept;
   static void onOwnerChanged(GDBusConnection*, const char*, const char*, const char*, const char*,
-                             GVariant* arguments, gpointer self);
+                             GVariant* arguments, gpointer self) noexcept;
   static void onPropertiesChanged(GDBusConnection*, const char* sender, const char*, const char*,
-                                  const char*, GVariant* arguments, gpointer self);
-  static void onReply(GObject* connection, GAsyncResult* result, gpointer receiver);
+                                  const char*, GVariant* arguments, gpointer self) noexcept;
+  static void onReply(GObject* connection, GAsyncResult* result, gpointer receiver) noexcept;
 
   void connect();
   void follow();

@@ -45,7 +45,8 @@ class SoundServer {
   std::optional<Output> defaultOutput() {
     std::optional<Output> found;
     if (!isReady()) return found;
-    const auto receive = [](pa_context*, const pa_sink_info* sink, int isLast, void* data) {
+    const auto receive = [](pa_context*, const pa_sink_info* sink, int isLast,
+                            void* data) noexcept {
       if (isLast != 0 || sink == nullptr) return;
       *static_cast<std::optional<Output>*>(data) = {sink->index, sink->volume, sink->mute != 0};
     };
@@ -68,7 +69,7 @@ class SoundServer {
   }
 
  private:
-  static void confirm(pa_context*, int success, void* isDone) {
+  static void confirm(pa_context*, int success, void* isDone) noexcept {
     *static_cast<bool*>(isDone) = success != 0;
   }
 

@@ -205,7 +205,7 @@ struct BoundedStreamClass {
 };
 
 template <typename Self>
-Flow& flowOf(gpointer self) {
+Flow& flowOf(void* self) {
   return *static_cast<Self*>(self)->flow;
 }
 

@@ -139,7 +139,7 @@ void Server::start() {
   if (_options.isEncrypted) useCertificate();
   listen();
   const auto owner = [this] { return new Weak(weak_from_this()); };
-  const GDestroyNotify disown = [](gpointer data) { delete static_cast<Weak*>(data); };
+  const GDestroyNotify disown = [](gpointer data) noexcept { delete static_cast<Weak*>(data); };
   soup_server_add_early_handler(
       _http.get(), nullptr,
       [](SoupServer*, SoupServerMessage* message, const char*, GHashTable*,
