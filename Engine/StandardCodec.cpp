@@ -61,7 +61,7 @@ Outcome readEnvelope(Reader& reader) {
 Bytes encodeMessage(const Value& value) {
   Writer writer;
   writer.value(value);
-  return writer.take();
+  return writer.take().joined();
 }
 
 std::optional<Value> decodeMessage(std::span<const uint8_t> message) {
@@ -71,7 +71,7 @@ std::optional<Value> decodeMessage(std::span<const uint8_t> message) {
 Bytes encodeMethodCall(const MethodCall& call) {
   Writer writer;
   writer.methodCall(call);
-  return writer.take();
+  return writer.take().joined();
 }
 
 std::optional<MethodCall> decodeMethodCall(std::span<const uint8_t> message) {
@@ -85,7 +85,7 @@ std::optional<Bytes> encodeEnvelope(const Outcome& outcome) {
   if (std::holds_alternative<NotImplemented>(outcome)) return std::nullopt;
   Writer writer;
   writer.envelope(outcome);
-  return writer.take();
+  return writer.take().joined();
 }
 
 std::optional<Outcome> decodeEnvelope(std::optional<std::span<const uint8_t>> envelope) {

@@ -6,6 +6,12 @@
 #include <utility>
 
 namespace tapdeck::codec {
+namespace {
+
+/// Fewer bytes are copied sooner than their piece is handled.
+constexpr size_t kMinSharedSize = 4096;
+
+}  // namespace
 
 void Writer::byte(uint8_t value) {
   raw(&value, 1);
@@ -42,9 +48,9 @@ void Writer::envelope(const Outcome& outcome) {
   }
 }
 
-std::vector<uint8_t> Writer::take() {
-  _size = 0;
-  return std::exchange(_bytes, {});
+Message Writer::take() {
+  _size = _copiedSize = 0;
+  return std::exchange(_message, {});
 }
 
 void Writer::tag(Tag tag) {
@@ -71,9 +77,8 @@ void Writer::align(size_t to) {
 
 void Writer::raw(const void* data, size_t count) {
   _size += count;
-  if (_isMeasuring) return;
-  const auto* bytes = static_cast<const uint8_t*>(data);
-  _bytes.insert(_bytes.end(), bytes, bytes + count);
+  _copiedSize += count;
+  if (!_isMeasuring) _message.append({static_cast<const uint8_t*>(data), count});
 }
 
 template <typename T>
@@ -122,7 +127,12 @@ void Writer::content(const std::string& value) {
 void Writer::content(const Value::Bytes& value) {
   tag(Tag::bytes);
   size(value.size());
-  raw(value.data(), value.size());
+  if (value.size() < kMinSharedSize) {
+    raw(value.data(), value.size());
+  } else {
+    _size += value.size();
+    if (!_isMeasuring) _message.share(value);
+  }
 }
 
 void Writer::content(const Value::Int32List& value) {

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "Engine/Message.h"
 #include "Engine/MethodCall.h"
 #include "Engine/Reply.h"
 #include "Engine/StandardFormat.h"
@@ -37,12 +38,12 @@ class Writer {
     write(measure);
     tag(Tag::bytes);
     size(measure._size);
-    _bytes.reserve(_bytes.size() + measure._size);
+    _message.reserve(measure._copiedSize);
     const size_t outerStart = std::exchange(_start, _size);
     write(*this);
     _start = outerStart;
   }
-  std::vector<uint8_t> take();
+  Message take();
 
  private:
   void tag(Tag tag);
@@ -67,9 +68,11 @@ class Writer {
   void content(const Value::List& value);
   void content(const Value::Map& value);
 
-  std::vector<uint8_t> _bytes;
+  Message _message;
   /// Of what was written, or measured without being written.
   size_t _size = 0;
+  /// The part of it that is not shared.
+  size_t _copiedSize = 0;
   bool _isMeasuring = false;
   /// Where the message begins that is being written.
   size_t _start = 0;

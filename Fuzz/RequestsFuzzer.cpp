@@ -126,7 +126,7 @@ class Phones {
   }
 
   static void checkReply(const Outcome& outcome) {
-    const auto message = standin::encodeReply(1, kControlChannel, outcome);
+    const auto message = standin::encodeReply(1, kControlChannel, outcome).joined();
     require(standin::decodeFrame(message).has_value(), "a reply reads back");
   }
 

@@ -46,6 +46,35 @@ TEST_F(StandInChannel, CallsAndReplies) {
   EXPECT_EQ(received.at(1).arguments, arguments);
 }
 
+// A frame's length has three forms, and long byte arrays are pieces of their own in it.
+TEST_F(StandInChannel, RepliesOfEverySizeArriveWhole) {
+  std::vector<Value> values;
+  for (const size_t middle : {size_t{110}, size_t{65520}}) {
+    for (size_t size = middle - 20; size < middle + 20; ++size) {
+      values.emplace_back(std::string(size, 'x'));
+    }
+  }
+  Value::List icons;
+  for (size_t i = 0; i < 40; ++i) {
+    icons.emplace_back(Value::Bytes(std::vector<uint8_t>(4090 + i, static_cast<uint8_t>(i))));
+    icons.emplace_back(static_cast<double>(i));
+  }
+  values.emplace_back(icons);
+  values.emplace_back(ValueMap{{"jpeg", icons.back()}, {"bytes", icons.front()}});
+
+  engine->setMethodCallHandler("c", [&](const MethodCall& call, Reply reply) {
+    reply.success(values.at(static_cast<size_t>(*call.arguments.getIf<int64_t>())));
+  });
+  const auto page = openPage();
+  for (size_t i = 0; i < values.size(); ++i) {
+    page->call(1, "c", {"value", Value(static_cast<int64_t>(i))});
+  }
+  ASSERT_TRUE(page->waitForMessages(values.size()));
+  for (size_t i = 0; i < values.size(); ++i) {
+    EXPECT_TRUE(outcomeOf(page->messages()[i]) == Outcome(values[i])) << "of value " << i;
+  }
+}
+
 TEST_F(StandInChannel, HostCallsReachEveryPage) {
   const auto first = openPage(), second = openPage();
   engine->invokeMethod(kControl, "displaysChanged", Value("now"));

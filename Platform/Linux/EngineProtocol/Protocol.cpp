@@ -9,7 +9,7 @@ namespace tapdeck::standin {
 namespace {
 
 template <typename WritePayload>
-codec::Bytes encode(int64_t id, const std::string& channel, WritePayload writePayload) {
+codec::Message encode(int64_t id, const std::string& channel, WritePayload writePayload) {
   codec::Writer writer;
   writer.list(3);
   writer.value(Value(id));
@@ -18,7 +18,7 @@ codec::Bytes encode(int64_t id, const std::string& channel, WritePayload writePa
   return writer.take();
 }
 
-codec::Bytes encode(int64_t id, const std::string& channel, const MethodCall& call) {
+codec::Message encode(int64_t id, const std::string& channel, const MethodCall& call) {
   return encode(id, channel, [&](codec::Writer& writer) {
     writer.message([&](codec::Writer& payload) { payload.methodCall(call); });
   });
@@ -53,10 +53,10 @@ std::optional<Frame> decodeFrame(std::span<const uint8_t> message) {
 }
 
 codec::Bytes encodeCall(int64_t id, const std::string& channel, const MethodCall& call) {
-  return encode(id, channel, call);
+  return encode(id, channel, call).joined();
 }
 
-codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& outcome) {
+codec::Message encodeReply(int64_t id, const std::string& channel, const Outcome& outcome) {
   return encode(id, channel, [&](codec::Writer& writer) {
     if (std::holds_alternative<NotImplemented>(outcome)) {
       writer.value(Value());
@@ -66,7 +66,7 @@ codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& 
   });
 }
 
-codec::Bytes encodeHostCall(const std::string& channel, const MethodCall& call) {
+codec::Message encodeHostCall(const std::string& channel, const MethodCall& call) {
   return encode(kHostCallId, channel, call);
 }
 

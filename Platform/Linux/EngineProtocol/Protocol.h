@@ -6,6 +6,7 @@
 #include <string>
 #include <variant>
 
+#include "Engine/Message.h"
 #include "Engine/MethodCall.h"
 #include "Engine/Reply.h"
 #include "Engine/StandardCodec.h"
@@ -40,8 +41,8 @@ inline constexpr int64_t kHostCallId = 0;
 
 // The server's side.
 std::variant<Request, Refusal> parseRequest(std::span<const uint8_t> message);
-codec::Bytes encodeReply(int64_t id, const std::string& channel, const Outcome& outcome);
-codec::Bytes encodeHostCall(const std::string& channel, const MethodCall& call);
+codec::Message encodeReply(int64_t id, const std::string& channel, const Outcome& outcome);
+codec::Message encodeHostCall(const std::string& channel, const MethodCall& call);
 
 // A client's side.
 codec::Bytes encodeCall(int64_t id, const std::string& channel, const MethodCall& call);

@@ -6,6 +6,7 @@
 #include <deque>
 #include <memory>
 #include <new>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,8 @@ using glib::Object;
 constexpr size_t kMaxReadPerTurn = size_t{64} << 10;
 constexpr std::chrono::milliseconds kMaxTurn{5};
 constexpr size_t kChunk = size_t{64} << 10;
+/// The system takes 1,024.
+constexpr size_t kMaxPiecesAtOnce = 16;
 
 /// What waits to be sent, in pieces, so that memory is neither doubled to grow nor moved to shrink.
 class Unsent {
@@ -39,7 +42,7 @@ class Unsent {
   }
 
   /// The first bytes that are together; there must be some.
-  std::pair<const uint8_t*, size_t> first() const {
+  GOutputVector first() const {
     return {_chunks.front().data() + _taken, _chunks.front().size() - _taken};
   }
 
@@ -98,21 +101,25 @@ class Flow {
   void messageEnded() { _unfinished = 0; }
   void discountControlFrame(size_t size) { _unfinished -= std::min(_unfinished, size); }
 
-  gssize write(const uint8_t* data, gsize size, GError** error) {
-    size_t taken = 0;
-    if (_unsent.size() == 0) {
-      const gssize count = writeToBase(data, size, error);
-      if (count < 0) return -1;
-      taken = static_cast<size_t>(count);
-    }
-    const size_t rest = size - taken;
-    if (rest > _bounds.unsent || _unsent.size() > _bounds.unsent - rest) {
+  /// Sends all of the pieces, one after the other. Once that has failed it fails for good, as a
+  /// part of them may be on its way.
+  bool write(std::span<const GOutputVector> pieces, GError** error) {
+    gsize taken = 0;
+    if (!_isOverfull && _unsent.size() == 0 && !writeToBase(pieces, taken, error)) return false;
+    size_t size = 0;
+    for (const auto& piece : pieces) size += piece.size;
+    _isOverfull = _isOverfull || _unsent.size() + size - taken > _bounds.unsent;
+    if (_isOverfull) {
       g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_NO_SPACE, "The peer does not read");
-      return -1;
+      return false;
     }
-    _unsent.add(data + taken, rest);
+    for (const auto& piece : pieces) {
+      const size_t skipped = std::min(taken, piece.size);
+      taken -= skipped;
+      _unsent.add(static_cast<const uint8_t*>(piece.buffer) + skipped, piece.size - skipped);
+    }
     if (_unsent.size() > 0 && !_flushing) flushLater();
-    return static_cast<gssize>(size);
+    return true;
   }
 
   gboolean close(GError** error) {
@@ -129,18 +136,11 @@ class Flow {
     return _readInTurn >= kMaxReadPerTurn || now - _turnStart > kMaxTurn;
   }
 
-  /// The count, 0 when the base would block.
-  gssize writeToBase(const uint8_t* data, gsize size, GError** error) const {
-    GError* problem = nullptr;
-    const gssize count =
-        g_pollable_output_stream_write_nonblocking(output(), data, size, nullptr, &problem);
-    if (count >= 0) return count;
-    if (g_error_matches(problem, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK)) {
-      g_error_free(problem);
-      return 0;
-    }
-    g_propagate_error(error, problem);
-    return -1;
+  /// Counts what the base takes without blocking in `taken`.
+  bool writeToBase(std::span<const GOutputVector> pieces, gsize& taken, GError** error) const {
+    const auto first = pieces.first(std::min(pieces.size(), kMaxPiecesAtOnce));
+    return g_pollable_output_stream_writev_nonblocking(output(), first.data(), first.size(), &taken,
+                                                       nullptr, error) != G_POLLABLE_RETURN_FAILED;
   }
 
   void flushLater() {
@@ -153,13 +153,14 @@ class Flow {
   }
 
   gboolean flush() {
-    GError* problem = nullptr;
-    const auto [data, size] = _unsent.first();
-    const gssize count = writeToBase(data, size, &problem);
-    const glib::Error error(problem);
-    // A failing socket says so to the reading side too, which ends the connection.
-    if (count < 0) _unsent.clear();
-    if (count > 0) _unsent.take(static_cast<size_t>(count));
+    const GOutputVector first = _unsent.first();
+    gsize taken = 0;
+    if (!writeToBase({&first, 1}, taken, nullptr)) {
+      // A failing socket says so to the reading side too, which ends the connection.
+      _unsent.clear();
+    } else if (taken > 0) {
+      _unsent.take(taken);
+    }
     if (_unsent.size() > 0) return G_SOURCE_CONTINUE;
     _flushing.reset();
     return G_SOURCE_REMOVE;
@@ -172,6 +173,7 @@ class Flow {
   size_t _readInTurn = 0;
   std::chrono::steady_clock::time_point _turnStart;
   Unsent _unsent;
+  bool _isOverfull = false;
   glib::Source _flushing;
 };
 
@@ -236,7 +238,8 @@ void bounded_output_pollable(GPollableOutputStreamInterface* interface) {
   };
   interface->write_nonblocking = [](GPollableOutputStream* self, const void* data, gsize size,
                                     GError** error) noexcept {
-    return flowOf<BoundedOutput>(self).write(static_cast<const uint8_t*>(data), size, error);
+    const GOutputVector piece{data, size};
+    return flowOf<BoundedOutput>(self).write({&piece, 1}, error) ? static_cast<gssize>(size) : -1;
   };
 }
 
@@ -324,6 +327,10 @@ Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds) 
   stream->input = &input->parent;
   stream->output = &output->parent;
   return Object<GIOStream>(&stream->parent);
+}
+
+bool sendPieces(GIOStream* boundedStream, std::span<const GOutputVector> pieces) {
+  return flowOf<BoundedStream>(boundedStream).write(pieces, nullptr);
 }
 
 void messageEnded(GIOStream* boundedStream) {

@@ -3,6 +3,7 @@
 #include <gio/gio.h>
 
 #include <functional>
+#include <span>
 
 #include "Platform/Linux/Support/GLibOwners.h"
 
@@ -22,6 +23,10 @@ struct StreamBounds {
 /// and is written from the default main context. Closing is immediate and discards what waits.
 /// Both directions are pollable, as those of `base` must be. Main thread only.
 glib::Object<GIOStream> newBoundedStream(GIOStream* base, const StreamBounds& bounds);
+
+/// Writes one piece after the other to a stream made by newBoundedStream(), where possible with one
+/// call of the system. False when that fails; what is written later fails too.
+bool sendPieces(GIOStream* boundedStream, std::span<const GOutputVector> pieces);
 
 /// Tells a stream made by newBoundedStream() that a complete message has been read: none of what
 /// was received so far counts as unfinished any more.

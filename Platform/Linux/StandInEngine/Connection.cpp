@@ -5,10 +5,13 @@
 #include <poll.h>
 
 #include <algorithm>
+#include <ranges>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "Platform/Linux/StandInEngine/BoundedStream.h"
+#include "Platform/Linux/StandInEngine/FrameHeader.h"
 
 namespace tapdeck::standin {
 namespace {
@@ -145,14 +148,25 @@ bool Connection::endIfPeerIsGone() {
   return _ended;
 }
 
-void Connection::send(const codec::Bytes& message) {
+void Connection::send(const codec::Message& message) {
   if (_ended) return;
   if (soup_websocket_connection_get_state(_socket.get()) != SOUP_WEBSOCKET_STATE_OPEN) {
     // the peer's end was read, the signal for it is to come
     end();
     return;
   }
-  soup_websocket_connection_send_binary(_socket.get(), message.data(), message.size());
+  // Beside libsoup, which would copy the message into a frame of its own and send that in a later
+  // turn of the main loop. Each of its own frames goes into the stream as a whole.
+  const FrameHeader header(message.size());
+  const auto pieces = message.pieces();
+  // the header shall have no TLS record of its own
+  std::vector<uint8_t> start(header.bytes().begin(), header.bytes().end());
+  start.insert(start.end(), pieces.front().begin(), pieces.front().end());
+  std::vector<GOutputVector> frame{{start.data(), start.size()}};
+  for (const auto piece : pieces | std::views::drop(1)) {
+    frame.push_back({piece.data(), piece.size()});
+  }
+  if (!sendPieces(_stream.get(), frame)) end();
 }
 
 void Connection::close(uint16_t code, const char* reason) {

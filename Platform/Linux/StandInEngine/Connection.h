@@ -7,7 +7,7 @@
 #include <functional>
 #include <memory>
 
-#include "Engine/StandardCodec.h"
+#include "Engine/Message.h"
 #include "Platform/Linux/EngineProtocol/Protocol.h"
 #include "Platform/Linux/StandInEngine/EngineTypes.h"
 #include "Platform/Linux/Support/GLibOwners.h"
@@ -51,7 +51,7 @@ class Connection : public std::enable_shared_from_this<Connection> {
   }
   /// Sends what it can without waiting; nothing when the connection has ended. Ends the connection
   /// when the peer leaves too much unread.
-  void send(const codec::Bytes& message);
+  void send(const codec::Message& message);
   /// Ends the connection when the peer has closed its side, however much of what it sent before is
   /// not read yet; whether it has ended.
   bool endIfPeerIsGone();

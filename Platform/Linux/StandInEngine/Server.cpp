@@ -90,8 +90,8 @@ bool pressesButton(const Request& request) {
   return method == "click" || method == "doubleClick" || method == "mouseDown";
 }
 
-codec::Bytes encodeBoundedReply(int64_t id, const std::string& channel, const Outcome& outcome) {
-  codec::Bytes message = encodeReply(id, channel, outcome);
+codec::Message encodeBoundedReply(int64_t id, const std::string& channel, const Outcome& outcome) {
+  codec::Message message = encodeReply(id, channel, outcome);
   if (message.size() <= kMaxReply) return message;
   return encodeReply(id, channel,
                      MethodError{"TOO_LARGE", "More than 16 MiB cannot be sent.", Value()});
@@ -590,7 +590,7 @@ void Server::setMethodCallHandler(const std::string& channel, MethodCallHandler 
 }
 
 void Server::invokeMethod(const std::string& channel, const MethodCall& call) {
-  const codec::Bytes message = encodeHostCall(channel, call);
+  const codec::Message message = encodeHostCall(channel, call);
   // A connection that fails while it is sent to takes itself off the list.
   const auto connections = _connections;
   for (const auto& connection : connections) connection->send(message);

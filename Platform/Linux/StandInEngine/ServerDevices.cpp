@@ -96,7 +96,7 @@ void Server::pair(const Connection& connection, Clients::Client& client, const M
 void Server::sendCount() {
   const size_t count = _clients.count();
   if (std::exchange(_sentCount, count) == count) return;
-  const codec::Bytes message = encodeHostCall(
+  const codec::Message message = encodeHostCall(
       kDevicesChannel,
       {"countChanged", Value(ValueMap{{"count", Value(static_cast<int64_t>(count))}})});
   for (const ConnectionNumber number : _clients.watching()) {
