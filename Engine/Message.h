@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "Engine/SharedBytes.h"
@@ -14,10 +13,9 @@ namespace tapdeck::codec {
 /// come from, not copied.
 class Message {
  public:
-  Message() = default;
-  Message(std::vector<uint8_t> bytes) : _copied(std::move(bytes)) {}
-
+  /// Adds a copy of the bytes.
   void append(std::span<const uint8_t> bytes);
+  /// Adds the bytes where they are.
   void share(const SharedBytes& bytes);
   /// Makes room for so many more bytes that are copied.
   void reserve(size_t count) { _copied.reserve(_copied.size() + count); }
