@@ -187,8 +187,11 @@ TEST_F(StandInHttp, EncryptsForTheNetwork) {
   // more than one TLS record, both ways
   guest.call(1, kControl, {"x", Value(ValueMap{{"text", Value(std::string(100'000, 'x'))}})});
   EXPECT_TRUE(guest.waitForMessages(1));
-  engine->invokeMethod("c", "m", Value(codec::Bytes(3'000'000, 'x')));
-  EXPECT_TRUE(guest.waitForMessages(2));
+  codec::Bytes bytes(3'000'000);
+  for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<uint8_t>(i % 251);
+  engine->invokeMethod("c", "m", Value(bytes));
+  ASSERT_TRUE(guest.waitForMessages(2));
+  EXPECT_TRUE(guest.messages().back() == requestMessage(0, "c", {"m", Value(bytes)}));
   EXPECT_FALSE(Page("ws://" + there + enginePath()).isOpen());
   const auto addresses = engine->pageAddresses();
   EXPECT_THAT(addresses.back(), StartsWith("http://127.0.0.1:"));
