@@ -49,8 +49,7 @@ void Writer::envelope(const Outcome& outcome) {
 }
 
 Message Writer::take() {
-  _size = _copiedSize = 0;
-  return std::exchange(_message, {});
+  return std::move(_message);
 }
 
 void Writer::tag(Tag tag) {

@@ -43,6 +43,7 @@ class Writer {
     write(*this);
     _start = outerStart;
   }
+  /// What was written; the last call of all.
   Message take();
 
  private:

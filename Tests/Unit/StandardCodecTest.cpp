@@ -208,13 +208,17 @@ TEST(StandardCodecTest, KeepsKeysThatDiffer) {
   oneTwo.set(Value(1), Value(2));
   twoThree.set(Value(2), Value(3));
   Entries entries;
-  for (const Value& key : {Value("1"), Value(1), Value(true), Value(Bytes{1}), list({Value(1)}),
-                           Value(ValueMap{{"1", Value(1)}}), list({Value("a"), Value("b")}),
-                           list({Value("ab"), Value("")}), list({Value(oneTwo), Value(3)}),
-                           list({Value(1), Value(twoThree)})}) {
+  for (const Value& key : {Value("1"), Value(1), Value(true), Value(false), Value(Bytes{1}),
+                           list({Value(1)}), Value(ValueMap{{"1", Value(1)}}),
+                           list({Value("a"), Value("b")}), list({Value("ab"), Value("")}),
+                           list({Value(oneTwo), Value(3)}), list({Value(1), Value(twoThree)})}) {
     entries.emplace_back(key, Value());
   }
   EXPECT_EQ(entriesOf(mapOf(entries)), entries) << "in their order";
+
+  ValueMap numbers;
+  for (const double key : {1.5, 2.5}) numbers.set(Value(key), Value());
+  EXPECT_EQ(decodeMessage(encodeMessage(Value(numbers))), Value(numbers));
 
   // Two keys [NaN], each aligned where it stands: a NaN equals nothing.
   const Bytes nans{13, 2, 14, 1, 0, 0, 0xC0, 0x7F, 0, 14, 1, 0, 0, 0, 0xC0, 0x7F, 0};

@@ -65,6 +65,9 @@ TEST_F(WakingTest, BecomingKeyShowsTheCursorAgain) {
   window->showCursorOnBecomingKey();
   EXPECT_FALSE(window->_shouldHideCursor);
   EXPECT_THAT(trace(), ElementsAre("hide cursor on 5", "show cursor on 5"));
+  reply("hideCursor");
+  reply("showCursor");
+  EXPECT_FALSE(window->_shouldHideCursor);
 }
 
 TEST_F(WakingTest, TheLastFrameOutlivesTheWindow) {

@@ -28,7 +28,9 @@ class WindowPlacementTest : public HostTest {
 };
 
 TEST_F(WindowPlacementTest, PutsTheFocusedWindowInsideTheUsableCorner) {
-  EXPECT_THAT(effectOf("1").calls, ElementsAre("window of application 321: AXPosition = (12,37)"));
+  const Effect effect = effectOf("1");
+  EXPECT_THAT(effect.calls, ElementsAre("window of application 321: AXPosition = (12,37)"));
+  EXPECT_EQ(effect.said, "");
   EXPECT_THAT(effectOf("2").calls,
               ElementsAre("window of application 321: AXPosition = (-1838,-243)"));
 }
@@ -61,7 +63,8 @@ TEST_F(WindowPlacementTest, StopsWhereItCannotGoOn) {
   window->_isAccessibilityTrusted = false;
   window->_accessibilityPromptShown = true;
   script().trusted = false;
-  EXPECT_THAT(effectOf("unknown").calls, ElementsAre("ask for trust"));
+  EXPECT_EQ(effectOf("unknown").said, "");
+  EXPECT_THAT(effectOf("1").calls, ElementsAre("ask for trust"));
 }
 
 TEST_F(WindowPlacementTest, SaysThatTheWindowRefused) {

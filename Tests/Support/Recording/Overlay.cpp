@@ -1,6 +1,6 @@
 // Overlay windows and timers, recorded.
 
-#include <cstdio>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -14,14 +14,22 @@ namespace {
 using recording::queued;
 using recording::record;
 
+std::ostream& operator<<(std::ostream& out, const Colour& colour) {
+  return out << "rgba(" << colour.red << " " << colour.green << " " << colour.blue << " "
+             << colour.alpha << ")";
+}
+
 std::string describe(const OverlayStyle& style) {
-  char text[96];
-  const CGRect& rect = style.contentRect;
-  std::snprintf(text, sizeof text, "%gx%g radius %g level %d behaviour 0x%llx%s%s", rect.size.width,
-                rect.size.height, style.cornerRadius, style.level,
-                static_cast<unsigned long long>(style.collectionBehaviour),
-                style.isOpaque ? " opaque" : "", style.ignoresMouseEvents ? " click-through" : "");
-  return text;
+  std::ostringstream text;
+  const CGSize& size = style.contentRect.size;
+  text << size.width << "x" << size.height << " radius " << style.cornerRadius << " level "
+       << style.level << std::hex << " behaviour 0x" << style.collectionBehaviour << std::dec
+       << (style.isOpaque ? " opaque" : "") << (style.hasShadow ? " with a shadow" : "")
+       << (style.ignoresMouseEvents ? " click-through" : "") << ", " << style.background
+       << " under " << style.layerBackground << " at " << style.alpha << ", glow "
+       << style.layerShadow << " at " << style.shadowOpacity << " over " << style.shadowRadius
+       << " from " << style.shadowOffset.width << "," << style.shadowOffset.height;
+  return text.str();
 }
 
 }  // namespace
