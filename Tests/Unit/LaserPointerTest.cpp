@@ -17,7 +17,8 @@ class LaserPointerTest : public HostTest {
 TEST_F(LaserPointerTest, IsOneDotThatFollowsThePointer) {
   EXPECT_THAT(
       workOf("showLaser"),
-      ElementsAre("overlay 26x26 radius 13 level 2147483628 behaviour 0x151 click-through, "
+      ElementsAre("overlay 26x26 at 0,0 mask 0 radius 13 level 2147483628 behaviour 0x151 "
+                  "click-through, "
                   "rgba(0 0 0 0) under rgba(0.78 0 0 1) at 0.85, "
                   "glow rgba(1 0 0 1) at 0.9 over 5 from 0,0",
                   "overlay to (487,287)", "overlay to the front", "timer every 0.0166667 s"));

@@ -15,7 +15,7 @@ namespace tapdeck {
 namespace {
 
 /// Nothing that talks to the X server can be done any more; what lies in the file system can.
-int dieWithServer(Display*) {
+int dieWithServer(Display*) noexcept {
   removeSession(getpid());
   warn("the X server has ended the connection, and the host ends with it.");
   _exit(EXIT_FAILURE);

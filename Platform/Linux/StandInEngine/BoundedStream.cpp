@@ -105,11 +105,11 @@ class Flow {
   /// part of them may be on its way.
   bool write(std::span<const GOutputVector> pieces, GError** error) {
     gsize taken = 0;
-    if (!_isOverfull && _unsent.size() == 0 && !writeToBase(pieces, taken, error)) return false;
+    if (!_hasFailed && _unsent.size() == 0 && !writeToBase(pieces, taken, error)) return false;
     size_t size = 0;
     for (const auto& piece : pieces) size += piece.size;
-    _isOverfull = _isOverfull || _unsent.size() + size - taken > _bounds.unsent;
-    if (_isOverfull) {
+    _hasFailed = _hasFailed || _unsent.size() + size - taken > _bounds.unsent;
+    if (_hasFailed) {
       g_set_error_literal(error, G_IO_ERROR, G_IO_ERROR_NO_SPACE, "The peer does not read");
       return false;
     }
@@ -137,10 +137,12 @@ class Flow {
   }
 
   /// Counts what the base takes without blocking in `taken`.
-  bool writeToBase(std::span<const GOutputVector> pieces, gsize& taken, GError** error) const {
+  bool writeToBase(std::span<const GOutputVector> pieces, gsize& taken, GError** error) {
     const auto first = pieces.first(std::min(pieces.size(), kMaxPiecesAtOnce));
-    return g_pollable_output_stream_writev_nonblocking(output(), first.data(), first.size(), &taken,
-                                                       nullptr, error) != G_POLLABLE_RETURN_FAILED;
+    const auto outcome = g_pollable_output_stream_writev_nonblocking(
+        output(), first.data(), first.size(), &taken, nullptr, error);
+    if (outcome == G_POLLABLE_RETURN_FAILED) _hasFailed = true;
+    return outcome != G_POLLABLE_RETURN_FAILED;
   }
 
   void flushLater() {
@@ -173,7 +175,8 @@ class Flow {
   size_t _readInTurn = 0;
   std::chrono::steady_clock::time_point _turnStart;
   Unsent _unsent;
-  bool _isOverfull = false;
+  /// A part of what was sent is lost.
+  bool _hasFailed = false;
   glib::Source _flushing;
 };
 
@@ -256,7 +259,7 @@ void bounded_input_init(BoundedInput* self) {
 }
 
 void bounded_input_class_init(BoundedInputClass* type) {
-  G_OBJECT_CLASS(type)->finalize = [](GObject* self) {
+  G_OBJECT_CLASS(type)->finalize = [](GObject* self) noexcept {
     reinterpret_cast<BoundedInput*>(self)->flow.~FlowHandle();
     G_OBJECT_CLASS(bounded_input_parent_class)->finalize(self);
   };
@@ -267,7 +270,7 @@ void bounded_output_init(BoundedOutput* self) {
 }
 
 void bounded_output_class_init(BoundedOutputClass* type) {
-  G_OBJECT_CLASS(type)->finalize = [](GObject* self) {
+  G_OBJECT_CLASS(type)->finalize = [](GObject* self) noexcept {
     reinterpret_cast<BoundedOutput*>(self)->flow.~FlowHandle();
     G_OBJECT_CLASS(bounded_output_parent_class)->finalize(self);
   };
@@ -295,7 +298,7 @@ void closeBoundedAsync(GIOStream* self, int, GCancellable* cancellable,
 
 void bounded_stream_class_init(BoundedStreamClass* type) {
   // Disposal before this has closed the stream.
-  G_OBJECT_CLASS(type)->finalize = [](GObject* object) {
+  G_OBJECT_CLASS(type)->finalize = [](GObject* object) noexcept {
     auto* self = reinterpret_cast<BoundedStream*>(object);
     g_object_unref(self->input);
     g_object_unref(self->output);
@@ -303,15 +306,15 @@ void bounded_stream_class_init(BoundedStreamClass* type) {
     G_OBJECT_CLASS(bounded_stream_parent_class)->finalize(object);
   };
   auto* stream = G_IO_STREAM_CLASS(type);
-  stream->get_input_stream = [](GIOStream* self) {
+  stream->get_input_stream = [](GIOStream* self) noexcept {
     return reinterpret_cast<BoundedStream*>(self)->input;
   };
-  stream->get_output_stream = [](GIOStream* self) {
+  stream->get_output_stream = [](GIOStream* self) noexcept {
     return reinterpret_cast<BoundedStream*>(self)->output;
   };
   stream->close_fn = closeBounded;
   stream->close_async = closeBoundedAsync;
-  stream->close_finish = [](GIOStream*, GAsyncResult* result, GError** error) {
+  stream->close_finish = [](GIOStream*, GAsyncResult* result, GError** error) noexcept {
     return g_task_propagate_boolean(G_TASK(result), error);
   };
 }

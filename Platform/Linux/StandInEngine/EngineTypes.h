@@ -35,8 +35,8 @@ struct EngineOptions {
   bool isEncrypted = false;
   /// Where the certificate for that is kept; empty for the user's data folder.
   std::string certificateFile = "";
-  /// Whether a press of a button still waits to be sent, as presses need a pause between them: the
-  /// next one is not carried out meanwhile, and all others do not come behind a row of presses.
+  /// Whether a press of a button still waits to be sent, because presses need a pause between them.
+  /// No further press is carried out meanwhile, so that other requests do not queue up behind many.
   std::function<bool()> isPressWaiting = {};
 };
 

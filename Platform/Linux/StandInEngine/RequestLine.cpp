@@ -59,7 +59,7 @@ void noting_input_init(NotingInput* self) {
 }
 
 void noting_input_class_init(NotingInputClass* type) {
-  G_OBJECT_CLASS(type)->finalize = [](GObject* object) {
+  G_OBJECT_CLASS(type)->finalize = [](GObject* object) noexcept {
     auto* self = reinterpret_cast<NotingInput*>(object);
     self->line.~Line();
     self->base.~unique_ptr();
@@ -67,7 +67,7 @@ void noting_input_class_init(NotingInputClass* type) {
   };
   // the two directions of a socket are closed by the stream of both only
   G_INPUT_STREAM_CLASS(type)->close_fn = [](GInputStream* self, GCancellable* cancellable,
-                                            GError** error) {
+                                            GError** error) noexcept {
     return g_io_stream_close(reinterpret_cast<NotingInput*>(self)->base.get(), cancellable, error);
   };
 }

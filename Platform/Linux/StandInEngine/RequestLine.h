@@ -23,8 +23,8 @@ class RequestLine {
   std::string _line;
 };
 
-/// A stream over `base`, whose end it is too; what is read from it is added to the line. Pollable,
-/// as `base` must be. Main thread only.
+/// A stream over `base`, which is closed with it; what is read from it is added to the line.
+/// Pollable, as `base` must be. Main thread only.
 glib::Object<GIOStream> newNotingStream(GIOStream* base, std::shared_ptr<RequestLine> line);
 
 }  // namespace tapdeck::standin

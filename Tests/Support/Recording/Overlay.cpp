@@ -21,10 +21,11 @@ std::ostream& operator<<(std::ostream& out, const Colour& colour) {
 
 std::string describe(const OverlayStyle& style) {
   std::ostringstream text;
-  const CGSize& size = style.contentRect.size;
-  text << size.width << "x" << size.height << " radius " << style.cornerRadius << " level "
-       << style.level << std::hex << " behaviour 0x" << style.collectionBehaviour << std::dec
-       << (style.isOpaque ? " opaque" : "") << (style.hasShadow ? " with a shadow" : "")
+  const CGRect& rect = style.contentRect;
+  text << rect.size.width << "x" << rect.size.height << " at " << rect.origin.x << ","
+       << rect.origin.y << " mask " << style.styleMask << " radius " << style.cornerRadius
+       << " level " << style.level << std::hex << " behaviour 0x" << style.collectionBehaviour
+       << std::dec << (style.isOpaque ? " opaque" : "") << (style.hasShadow ? " with a shadow" : "")
        << (style.ignoresMouseEvents ? " click-through" : "") << ", " << style.background
        << " under " << style.layerBackground << " at " << style.alpha << ", glow "
        << style.layerShadow << " at " << style.shadowOpacity << " over " << style.shadowRadius

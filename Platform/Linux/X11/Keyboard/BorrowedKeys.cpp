@@ -137,8 +137,9 @@ bool BorrowedKeys::assign(const Request& request) {
   KeyMappings mappings;
   const bool newText = !request.text.empty() && assignText(request.text, mappings);
   const bool newKeys = !request.keys.empty() && assignKeys(request.keys, mappings);
-  if (!mappings.empty())
+  if (!mappings.empty()) {
     send(mappings, newKeys ? NotifyAs::newKeyboardNotify : NotifyAs::mapNotify);
+  }
   return (newText || newKeys) && isBorrowing();
 }
 

@@ -82,8 +82,9 @@ void KeyboardMonitor::requestState() {
 }
 
 void KeyboardMonitor::readEvents() {
-  while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_events.get())})
+  while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(_events.get())}) {
     handle(*event);
+  }
   if (!_stateRequest) return;
   void* answer = nullptr;
   xcb_generic_error_t* error = nullptr;

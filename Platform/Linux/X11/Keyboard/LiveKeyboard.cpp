@@ -162,8 +162,9 @@ std::vector<RealKey> LiveKeyboard::modifiersToRelease() const {
   std::vector<RealKey> modifiers;
   const auto add = [&](const RealKey& key) {
     const bool isReleased = (_keys.layout().modifiers[key.code] & kReleasedForText) != 0;
-    if (isReleased && std::find(modifiers.begin(), modifiers.end(), key) == modifiers.end())
+    if (isReleased && std::find(modifiers.begin(), modifiers.end(), key) == modifiers.end()) {
       modifiers.push_back(key);
+    }
   };
   for (const auto& [keysym, pressed] : _sender.pressed().keys) {
     add(pressed.key);
